@@ -1,0 +1,106 @@
+/**
+ * @file sessmgr_audio.h
+ * The audio decoder's records, with natural alignment. Plain C11 that is also C++17 and later.
+ *
+ * Brackets hold a field's unit; what follows a semicolon is the value that means absent. Where none is given, every value
+ * is a measurement, 0 included. Event times are seconds since the epoch and 0 means never.
+ */
+#ifndef SESSMGR_AUDIO_H
+#define SESSMGR_AUDIO_H
+
+#include <time.h>
+
+#include "xtypes.h"
+
+#define SMGR_AUDIO_MAX_PAIRS 8 /**< audio pairs of a decoder */
+
+/** State of the audio decoder, kept in an int; the same values as the framer's and the metadata decoder's states. */
+typedef enum tagSMGR_AUDDEC_STATE XTYPES_ENUM32
+{
+    SMGR_AUDDEC_STATE_UNKNOWN = 0,  /**< not known */
+    SMGR_AUDDEC_STATE_IDLE    = 1,  /**< waiting for frames */
+    SMGR_AUDDEC_STATE_ACTIVE  = 2,  /**< decoding */
+    SMGR_AUDDEC_STATE_INVALID = -1, /**< no valid state */
+} SMGR_AUDDEC_STATE;
+
+/** One audio pair. */
+typedef struct tagAUDDEC_PAIR_STATS
+{
+    int             nSize;                      /**< size of this record [bytes] */
+    int             enMode;                     /**< pair mode */
+    int             enAlgorithm;                /**< coding, an SMGR_TDEMUX_COMPRESSION_TYPE; 0 = unknown */
+    int             nSampleRateIn;              /**< sample rate of the compressed input [Hz]; 0 = unknown */
+    int             nBitRateInKbps;             /**< input bit rate [kbit/s]; 0 = unknown */
+    int             nInputChannels;             /**< channels of the input [channels]; 0 = unknown */
+    int             nOutputChannels;            /**< channels of the output [channels]; 0 = unknown */
+    unsigned long   nReceivedFrames;            /**< frames received [frames] */
+    time_t          tLastReceivedFrame;         /**< last frame received [epoch s]; 0 = never */
+    unsigned long   nDecodedFrames;             /**< frames decoded [frames]; 0 = the pair is not in use */
+    time_t          tLastDecodedFrame;          /**< last frame decoded [epoch s]; 0 = never */
+    unsigned long   nDecodedBytes;              /**< bytes decoded [bytes] */
+    unsigned long   nOutputFrames;              /**< frames played out [frames] */
+    time_t          tLastOutputFrame;           /**< last frame played out [epoch s]; 0 = never */
+    int             nSampleRateOut;             /**< output sample rate [Hz]; 0 = unknown */
+    unsigned long   nSkippedFrames;             /**< output frames skipped [frames] */
+    time_t          tLastSkippedFrame;          /**< last frame skipped [epoch s]; 0 = never */
+    unsigned int    nDecoderErrors;             /**< decoder errors [errors] */
+    time_t          tLastDecoderError;          /**< last decoder error [epoch s]; 0 = never */
+    unsigned int    nOutputErrors;              /**< output errors [errors] */
+    time_t          tLastOutputError;           /**< last output error [epoch s]; 0 = never */
+    unsigned int    nOutQueueLength;            /**< frames in the output queue now [frames] */
+    unsigned int    nMaxOutQueueLen;            /**< most frames in the output queue [frames] */
+    unsigned int    nCurFpgaWteId;              /**< write position of the output hardware [index] */
+    unsigned int    nCurFpgaReadId;             /**< read position of the output hardware [index] */
+    unsigned int    nTSDiscontinuity;           /**< time stamp discontinuities [count] */
+    struct timespec tLastIntervalTime;          /**< last write to the output hardware [epoch s and ns]; 0 = never */
+    unsigned int    nMinWteToFpgaIntervalInMs;  /**< shortest interval between writes to the output hardware [ms] */
+    unsigned int    nMaxWteToFpgaIntervalInMs;  /**< longest interval between writes to the output hardware [ms] */
+    unsigned int    nLastWteToFpgaIntervalInMs; /**< last interval between writes to the output hardware [ms] */
+    int             iAudioVideoTSDiffInMs;      /**< audio time stamp minus video time stamp [ms] */
+    unsigned int    nAudioTimeStamp;            /**< last audio time stamp [90 kHz ticks] */
+    unsigned int    nVideoTimeStamp;            /**< last video time stamp [90 kHz ticks] */
+    int             iLastError;                 /**< last error code; 0 = none */
+    unsigned int    nInTSDiscontinuity;         /**< time stamp discontinuities of the input [count] */
+    int             nCurSTCLeadTimeMs;          /**< lead of the output time stamp over the STC now [ms] */
+    int             nMinSTCLeadTimeMs;          /**< smallest such lead [ms] */
+    time_t          tMinSTCLeadTime;            /**< when the smallest lead occurred [epoch s]; 0 = never */
+    int             nMaxSTCLeadTimeMs;          /**< largest such lead [ms] */
+    time_t          tMaxSTCLeadTime;            /**< when the largest lead occurred [epoch s]; 0 = never */
+    struct timespec tLastRxFrameTime;           /**< last frame received [epoch s and ns]; 0 = never */
+    int             nLastProcessTimeUs;         /**< processing time of the last frame [us] */
+    int             nMinProcessTimeUs;          /**< shortest processing time [us] */
+    time_t          tMinProcessTime;            /**< when the shortest processing time occurred [epoch s]; 0 = never */
+    int             nMaxProcessTimeUs;          /**< longest processing time [us] */
+    time_t          tMaxProcessTime;            /**< when the longest processing time occurred [epoch s]; 0 = never */
+} SMGR_AUDIO_PAIR_STATS;
+
+/** The audio decoder. */
+typedef struct tagAUDDEC_STATS
+{
+    int                   nSize;                           /**< size of this record [bytes] */
+    int                   enState;                         /**< state, an SMGR_AUDDEC_STATE; 0 = unknown */
+    int                   nNumOfPairs;                     /**< audio pairs configured [pairs] */
+    unsigned long         nReceivedFrames;                 /**< frames received from the framer [frames] */
+    time_t                tLastReceivedFrame;              /**< last frame received [epoch s]; 0 = never */
+    unsigned long         nDecodedFrames;                  /**< frames decoded [frames] */
+    time_t                tLastDecodedFrame;               /**< last frame decoded [epoch s]; 0 = never */
+    unsigned long         nOutputFrames;                   /**< frames played out [frames] */
+    time_t                tLastOutputFrame;                /**< last frame played out [epoch s]; 0 = never */
+    unsigned long         nSkippedFrames;                  /**< output frames skipped [frames] */
+    time_t                tLastSkippedFrame;               /**< last frame skipped [epoch s]; 0 = never */
+    unsigned long         nOutputErrors;                   /**< output errors [errors] */
+    time_t                tLastOutputError;                /**< last output error [epoch s]; 0 = never */
+    unsigned long         nReleasedFrames;                 /**< received frames freed [frames] */
+    time_t                tLastReleasedFrame;              /**< last received frame freed [epoch s]; 0 = never */
+    unsigned int          nErrors;                         /**< decoder errors [errors] */
+    unsigned int          nPendingDecodeRequests;          /**< decode requests waiting [requests] */
+    unsigned int          nCurDecodedQueueLength;          /**< length of the decoded-frame queue [frames] */
+    unsigned int          nTSDiscontinuity;                /**< time stamp discontinuities [count] */
+    unsigned int          nADelayInputMS;                  /**< delay from the framer's output to the decoder input [ms] */
+    unsigned int          nADelayOutputMS;                 /**< delay from the framer's output to the decoder output [ms] */
+    UINT                  nARxFramesJitterMS;              /**< jitter of the received frames [ms]; 0 = none measured */
+    UINT                  nALastMaxRxFramesJitterMS;       /**< largest such jitter in the last 10 s [ms] */
+    SMGR_AUDIO_PAIR_STATS PairStats[SMGR_AUDIO_MAX_PAIRS]; /**< one for each audio pair */
+} SMGR_DECODER_AUDIO_STATS;
+
+#endif
