@@ -1,0 +1,29 @@
+# Sourced by the scripts beside it: installs the Debian packages that are missing, without questions.
+
+build_packages="g++ cmake ninja-build libcli11-dev"
+test_packages="$build_packages clang clang-format clang-tidy libgtest-dev binutils"
+
+# install_packages PACKAGE...
+install_packages()
+{
+    missing=
+    for package in "$@"; do
+        [ "$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null)" = installed ] || missing="$missing $package"
+    done
+    [ -n "$missing" ] || return 0
+    echo "installing:$missing"
+    as_root=
+    if [ "$(id -u)" -ne 0 ]; then
+        command -v sudo >/dev/null || { echo "these packages are missing and neither root nor sudo is at hand:$missing" >&2; return 1; }
+        as_root=sudo
+    fi
+    log=$(mktemp)
+    # shellcheck disable=SC2086 # lists of words
+    if { $as_root apt-get -q update && $as_root env DEBIAN_FRONTEND=noninteractive apt-get -qy --no-install-recommends install $missing; } >"$log" 2>&1 </dev/null; then
+        rm -f "$log"
+    else
+        cat "$log" >&2
+        rm -f "$log"
+        return 1
+    fi
+}
