@@ -46,7 +46,7 @@ char* AppendBitRate(char* pEnd, unsigned long nBitsPerSecond)
     if (nBitsPerSecond < 1000) return Append(AppendNumber(pEnd, nBitsPerSecond), " bps");
 
     // The unit follows from the rounded value, so that 999.995 kbps reads 1.00 Mbps and never 1000.00 kbps.
-    constexpr unsigned long HUNDREDTHS_LIMIT = 1000 * 100;
+    constexpr unsigned long HUNDREDTHS_LIMIT = 100'000; // 1000.00
     std::string_view unit = " kbps";
     unsigned long nHundredths = DivideRounded(nBitsPerSecond, 10);
     if (nHundredths >= HUNDREDTHS_LIMIT)
