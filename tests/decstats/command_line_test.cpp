@@ -1,0 +1,131 @@
+// Help, versions and command lines that are wrong.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "samples.h"
+#include "tool_run.h"
+
+namespace
+{
+
+const std::string componentList = "tdemux, vframer, vdecoder, audio, metadata, buffering, clock-recovery, usage";
+
+std::string scenario_list()
+{
+    std::string list;
+    for (std::size_t i = 0; i < samples_scenario_count; ++i) list += (i == 0 ? "" : ", ") + std::string(samples_scenarios[i].szName);
+    return list;
+}
+
+void expect_usage_error(const std::vector<std::string>& arguments, const std::string& line)
+{
+    const Finish finish = run(arguments);
+    EXPECT_EQ(finish.err, line + "\n");
+    EXPECT_EQ(finish.out, "");
+    EXPECT_EQ(finish.status, 2);
+}
+
+} // namespace
+
+TEST(CommandLine, HelpAtEveryLevel)
+{
+    const std::vector<std::vector<std::string>> levels = {{}, {"demo"}, {"print"}, {"sample"}, {"version"}};
+    for (const std::vector<std::string>& level : levels)
+        for (const char* const option : {"--help", "-h"})
+        {
+            std::vector<std::string> arguments = level;
+            arguments.emplace_back(option);
+            const Finish finish = run(arguments);
+
+            const std::string name = level.empty() ? "decstats" : "decstats " + level[0];
+            EXPECT_NE(finish.out.find("Usage: " + name + " ["), std::string::npos) << finish.out;
+            EXPECT_NE(finish.out.find("--version"), std::string::npos) << finish.out;
+            EXPECT_EQ(finish.err, "");
+            EXPECT_EQ(finish.status, 0);
+        }
+}
+
+TEST(CommandLine, HelpOfTheToolNamesEveryCommand)
+{
+    const std::string help = run({"--help"}).out;
+    for (const char* const word : {"demo", "print", "sample", "version", "--library FILE"})
+        EXPECT_NE(help.find(word), std::string::npos) << word;
+}
+
+TEST(CommandLine, VersionAtEveryLevel)
+{
+    const std::vector<std::vector<std::string>> levels = {
+        {"--version"}, {"demo", "--version"}, {"print", "--version"}, {"sample", "--version"}, {"version", "--version"}};
+    for (const std::vector<std::string>& arguments : levels)
+    {
+        const Finish finish = run(arguments);
+        EXPECT_EQ(finish.out, "decstats " DECSTATS_VERSION "\n");
+        EXPECT_EQ(finish.err, "");
+        EXPECT_EQ(finish.status, 0);
+    }
+}
+
+TEST(CommandLine, NoCommand)
+{
+    const std::string line = "decstats: usage: decstats [--library FILE] demo|print|sample|version ...; see 'decstats --help'";
+    expect_usage_error({}, line);
+    expect_usage_error({"--library", "libstats.so"}, line);
+}
+
+TEST(CommandLine, UnknownCommand)
+{
+    expect_usage_error({"dump"}, "decstats: The following argument was not expected: dump; see 'decstats --help'");
+}
+
+TEST(CommandLine, UnknownOption)
+{
+    expect_usage_error({"--colour"}, "decstats: The following argument was not expected: --colour; see 'decstats --help'");
+    expect_usage_error({"demo", "--colour"}, "decstats: The following argument was not expected: --colour; see 'decstats --help'");
+}
+
+TEST(CommandLine, UnknownScenario)
+{
+    const std::string line = "decstats: SCENARIO: 'storm' is not known; allowed are " + scenario_list();
+    expect_usage_error({"demo", "storm"}, line);
+    expect_usage_error({"sample", "storm", "."}, line);
+}
+
+TEST(CommandLine, UnknownComponent)
+{
+    expect_usage_error({"print", "video", "-"}, "decstats: COMPONENT: 'video' is not known; allowed are " + componentList);
+    expect_usage_error({"demo", "--component", "video"}, "decstats: --component: 'video' is not known; allowed are " + componentList);
+}
+
+TEST(CommandLine, ComponentsAreNotSeparatedByCommas)
+{
+    expect_usage_error({"demo", "--component", "tdemux,audio"},
+                       "decstats: --component: 'tdemux,audio' is not known; allowed are " + componentList);
+}
+
+TEST(CommandLine, UnknownLevel)
+{
+    const std::string line = "decstats: --level: 'all' is not known; allowed are default, debug";
+    expect_usage_error({"demo", "--level", "all"}, line);
+    expect_usage_error({"print", "tdemux", "-", "--level", "all"}, line);
+}
+
+TEST(CommandLine, MissingArguments)
+{
+    expect_usage_error({"print"}, "decstats: COMPONENT is required; see 'decstats --help'");
+    expect_usage_error({"print", "tdemux"}, "decstats: FILE is required; see 'decstats --help'");
+    expect_usage_error({"sample"}, "decstats: SCENARIO is required; see 'decstats --help'");
+    expect_usage_error({"sample", "idle"}, "decstats: DIR is required; see 'decstats --help'");
+}
+
+TEST(CommandLine, ArgumentsTooMany)
+{
+    expect_usage_error({"version", "one", "two"}, "decstats: The following argument was not expected: two; see 'decstats --help'");
+    expect_usage_error({"demo", "--list", "idle"}, "decstats: SCENARIO excludes --list; see 'decstats --help'");
+}
+
+TEST(CommandLine, ControlCharactersOfAnArgumentStayOffTheTerminal)
+{
+    expect_usage_error({"demo", "--level", "a\n\x1b[31m"}, "decstats: --level: 'a\\x0a\\x1b[31m' is not known; allowed are default, debug");
+}

@@ -1,0 +1,2 @@
+/* A library without a report. */
+int empty_stats_present = 1;

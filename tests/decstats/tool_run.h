@@ -1,0 +1,50 @@
+/**
+ * @file tool_run.h
+ * Runs the command as a process of its own and keeps what it leaves behind.
+ */
+#ifndef TOOL_RUN_H
+#define TOOL_RUN_H
+
+#include <optional>
+#include <string>
+#include <vector>
+
+/** Where standard output goes. */
+enum class Output
+{
+    Captured,
+    FullDevice, /**< every write fails with ENOSPC */
+    ClosedPipe, /**< a pipe that nobody reads */
+    Closed,     /**< not open at all */
+};
+
+/** What a process is started with. */
+struct Start
+{
+    std::vector<std::string> arguments;
+    std::vector<std::string> input = {};       /**< pieces for a pipe on standard input, with a pause between them */
+    std::optional<std::string> inputFile = {}; /**< standard input instead of the pipe */
+    bool closedInput = false;                  /**< no standard input at all */
+    Output output = Output::Captured;
+    std::string shellSetup = {}; /**< shell commands that run in the process first, as "umask 027" */
+};
+
+/** What a process left behind. */
+struct Finish
+{
+    int status = -1; /**< exit status; 128 and the signal's number if a signal ended the process */
+    std::string out;
+    std::string err;
+    long peakMemory = 0; /**< [KiB] */
+};
+
+/** Runs decstats. */
+Finish run(const Start& start);
+
+/** Runs decstats with arguments alone. */
+inline Finish run(std::vector<std::string> arguments)
+{
+    return run(Start{.arguments = std::move(arguments)});
+}
+
+#endif
