@@ -1,7 +1,7 @@
 # Sourced by the scripts beside it: installs the Debian packages that are missing, without questions.
 
 build_packages="g++ cmake ninja-build libcli11-dev"
-test_packages="$build_packages clang clang-format clang-tidy libgtest-dev binutils"
+test_packages="$build_packages clang clang-format clang-tidy libgtest-dev binutils locales valgrind"
 
 # install_packages PACKAGE...
 install_packages()
