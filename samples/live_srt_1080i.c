@@ -153,7 +153,7 @@ static SMGR_TDEMUX_SOURCE_STATS AudioSource(unsigned int nStreamID, unsigned int
     };
 }
 
-static SMGR_AUDIO_PAIR_STATS AudioPair(time_t tNow)
+static SMGR_AUDIO_PAIR_STATS AudioPair(int nMaxLeadTime, int nLastProcessTime, time_t tNow)
 {
     return (SMGR_AUDIO_PAIR_STATS){
         .nSize = sizeof(SMGR_AUDIO_PAIR_STATS),
@@ -185,10 +185,10 @@ static SMGR_AUDIO_PAIR_STATS AudioPair(time_t tNow)
         .nCurSTCLeadTimeMs = AUDIO_STC_LEAD - AUDIO_DECODER_OUT,
         .nMinSTCLeadTimeMs = 61,
         .tMinSTCLeadTime = tNow - 41 * 3600L,
-        .nMaxSTCLeadTimeMs = 86,
+        .nMaxSTCLeadTimeMs = nMaxLeadTime,
         .tMaxSTCLeadTime = tNow - 12 * 3600L,
         .tLastRxFrameTime = {.tv_sec = tNow - 1, .tv_nsec = 991730000},
-        .nLastProcessTimeUs = 640,
+        .nLastProcessTimeUs = nLastProcessTime,
         .nMinProcessTimeUs = 410,
         .tMinProcessTime = tNow - 26 * 3600L,
         .nMaxProcessTimeUs = 2900,
@@ -555,7 +555,7 @@ void samples_fill_live_srt_1080i(SAMPLES_RECORDS* pRecords, time_t tNow)
         .nADelayOutputMS = AUDIO_DECODER_OUT,
         .nARxFramesJitterMS = 5,
         .nALastMaxRxFramesJitterMS = 9,
-        .PairStats = {AudioPair(tNow), AudioPair(tNow)},
+        .PairStats = {AudioPair(86, 640, tNow), AudioPair(83, 712, tNow)},
     };
     for (size_t i = AUDIO_PAIRS; i < SMGR_AUDIO_MAX_PAIRS; ++i) pRecords->tAudio.PairStats[i].nSize = sizeof(SMGR_AUDIO_PAIR_STATS);
 

@@ -541,6 +541,7 @@ TEST(AudioPairBlock, PairsAreNumberedFrom1)
     p.nDecodedFrames = 1;
     EXPECT_EQ(LineOf(Block(p, STATS_LEVEL_DEFAULT, 0), "AUDIO PAIR"), "  AUDIO PAIR #1");
     EXPECT_EQ(LineOf(Block(p, STATS_LEVEL_DEFAULT, 7), "AUDIO PAIR"), "  AUDIO PAIR #8");
+    EXPECT_EQ(LineOf(Block(p, STATS_LEVEL_DEFAULT, UINT_MAX - 1), "AUDIO PAIR"), "  AUDIO PAIR #4294967295");
 }
 
 TEST(AudioPairBlock, AudioBehindVideoIsNegative)

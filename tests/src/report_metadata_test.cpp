@@ -671,13 +671,13 @@ TEST(MetadataChannelBlock, DelayAndListFiguresAreSigned64Bit)
     channel.tCounters.nNumInDelayList = 9223372036854775808ul;
     channel.tCounters.nNumInPacketList = 9223372036854775809ul;
     channel.tCounters.nNumBDInFreeList = ULONG_MAX - 1;
-    channel.tCounters.nNumBDInUsedList = 9223372036854775807ul;
+    channel.tCounters.nNumBDInUsedList = 9223372036854775810ul;
     const std::string text = Block(channel, STATS_LEVEL_DEBUG);
     EXPECT_EQ(LineOf(text, "Delay  "), "    Delay               : -1pkts");
     EXPECT_EQ(LineOf(text, "Delay List Occ."), "    Delay List Occ.     : -9223372036854775808");
     EXPECT_EQ(LineOf(text, "Input List Occ."), "    Input List Occ.     : -9223372036854775807");
     EXPECT_EQ(LineOf(text, "BD Free List Occ."), "    BD Free List Occ.   : -2");
-    EXPECT_EQ(LineOf(text, "BD Used List Occ."), "    BD Used List Occ.   : 9223372036854775807");
+    EXPECT_EQ(LineOf(text, "BD Used List Occ."), "    BD Used List Occ.   : -9223372036854775806");
 }
 
 TEST(MetadataChannelBlock, HeadIndicesAndLeadTimesAreSigned)
