@@ -6,8 +6,10 @@
 #include <csignal>
 #include <cstring>
 #include <fcntl.h>
+#include <iterator>
 #include <poll.h>
 #include <spawn.h>
+#include <sstream>
 #include <stdexcept>
 #include <sys/resource.h>
 #include <sys/wait.h>
@@ -139,8 +141,11 @@ Finish run(const Start& start)
     }
     actions.use(err.writer(), STDERR_FILENO);
 
-    std::vector<std::string> words = {DECSTATS_FILE};
-    if (!start.shellSetup.empty()) words = {"/bin/sh", "-c", start.shellSetup + "; exec \"$0\" \"$@\"", DECSTATS_FILE};
+    std::vector<std::string> words;
+    if (!start.shellSetup.empty()) words = {"/bin/sh", "-c", start.shellSetup + "; exec \"$0\" \"$@\""};
+    std::istringstream emulator(DECSTATS_EMULATOR); // a build for another processor runs through it
+    words.insert(words.end(), std::istream_iterator<std::string>(emulator), {});
+    words.emplace_back(DECSTATS_FILE);
     words.insert(words.end(), start.arguments.begin(), start.arguments.end());
     std::vector<char*> argv;
     for (std::string& word : words) argv.push_back(word.data());

@@ -1,12 +1,14 @@
 #!/bin/sh
 # exports_test.sh LIBRARY MAP HEADER: the library exports what the map names, needs libc alone, leaves undefined only what
-# HEADER (hostsvc.h) declares or libc has, and holds no writable data of its own but the version record.
+# HEADER (hostsvc.h) declares or libc has, and holds no writable data of its own but the version record. NM and READELF name
+# the tools for libraries of another processor.
 set -eu
+nm=${NM:-nm} readelf=${READELF:-readelf}
 library=$1 map=$2 header=$3
 status=0
 fail() { echo "$*" >&2; status=1; }
 
-exported=$(nm -D --defined-only "$library" | awk '{print $3}' | sort)
+exported=$("$nm" -D --defined-only "$library" | awk '{print $3}' | sort)
 mapped=$(sed -n '/global:/,/local:/s/^ *\([A-Za-z_]*\);$/\1/p' "$map" | sort)
 [ "$exported" = "$mapped" ] || fail "exported:
 $exported
@@ -14,12 +16,12 @@ but the map names:
 $mapped"
 [ "$(echo "$mapped" | wc -l)" -eq 9 ] || fail "the map should name nine functions"
 
-needed=$(readelf -d "$library" | sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p')
+needed=$("$readelf" -d "$library" | sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p')
 [ "$needed" = libc.so.6 ] || fail "needs: $needed"
 
 services=$(sed -n 's/^HOSTSVC_API [^(]*[ *]\([A-Za-z_]*\)(.*/\1/p' "$header" | sort)
 [ "$(echo "$services" | wc -l)" -eq 31 ] || fail "$header should declare 31 services"
-undefined=$(nm -D --undefined-only "$library" | awk '$1 == "U" {print $2}')
+undefined=$("$nm" -D --undefined-only "$library" | awk '$1 == "U" {print $2}')
 for symbol in $undefined; do
     case $symbol in
     *@GLIBC_*) ;;
@@ -28,6 +30,6 @@ for symbol in $undefined; do
 done
 
 # Local data symbols (d, b) with a size; the compiler's own bookkeeping is hidden in sections of other kinds.
-data=$(nm -S "$library" | awk 'NF == 4 && $3 ~ /^[dDbB]$/ {print $4, $2}' | grep -v -e '^completed\.' -e '^__dso_handle')
+data=$("$nm" -S "$library" | awk 'NF == 4 && $3 ~ /^[dDbB]$/ {print $4, $2}' | grep -v -e '^completed\.' -e '^__dso_handle')
 [ "$data" = "QrVersionBlob 0000000000000112" ] || fail "writable data: $data"
 exit $status
