@@ -14,7 +14,8 @@
  * - Every value has a text, never an empty one. A value that is not in a table reads "Unknown (<number>)".
  * - Services do not fail, keep no state, allocate nothing and may be called from any number of threads at once.
  *
- * The texts of libhostsvc are ASCII and stable, and do not depend on the locale.
+ * The texts of libhostsvc are ASCII and stable, and do not depend on the locale. Only PrintToString has the locale's decimal
+ * point, as snprintf does: a host process that prints reports keeps LC_NUMERIC at "C".
  */
 #ifndef HOSTSVC_H
 #define HOSTSVC_H
