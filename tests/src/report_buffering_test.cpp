@@ -519,7 +519,7 @@ TEST(Buffering, PcrAndStcPrintAsSignedNumbers)
     EXPECT_EQ(Line(stats, "  PCR  "), "  PCR                   : 9223372036854775807");
 }
 
-// What the default report prints between the lead time of its head and the automatic block, for one counter alone.
+// The default report of a record that holds these counters alone, less that line.
 static std::string DefaultReportWithout(const SMGR_CBUFFERING_COUNTERS& counters, const std::string& line)
 {
     SMGR_CBUFFERING_STATS stats = {};

@@ -496,6 +496,19 @@ TEST(ClockRecovery, AverageIsSignedByDefaultAndUnsignedForDebugging)
               "18446744073709551614 159}Hz) deviation of -9223372036854775808Hz (0.0PPM)");
 }
 
+TEST(ClockRecovery, DeviationOfTheAverageAndItsFractionAreSigned)
+{
+    SMGR_DECODER_CLOCK_RECOVERY_STATS stats = Tracking();
+    stats.curPLLDevHz = -8;
+    stats.curPLLDevPpmFract = -6;
+    EXPECT_EQ(DefaultLine(stats, "STC Avg"), "  STC Avg (last 2 min)  : {LONGLONG 27000001 159}Hz (Deviation 0.-6PPM)");
+    EXPECT_EQ(DebugLine(stats, "STC Avg"), "  STC Avg (last 2 min)  : {ULONG 27000001 159}Hz min/max({ULONG 26999999 159}/{ULONG 27000002 "
+                                           "159}Hz) deviation of -8Hz (0.-6PPM)");
+    stats.curPLLDevPpm = 100;
+    EXPECT_EQ(DebugLine(stats, "STC Avg"),
+              "  STC Avg (last 2 min)  : {ULONG 27000001 159}Hz min/max({ULONG 26999999 159}/{ULONG 27000002 159}Hz) deviation of -8Hz ");
+}
+
 // The adjustment line of the debug report.
 static std::string Adjustment(long avgDevHz, long avgDevPpm, long avgDevPpmFract, long curPLLDevPpm = 0)
 {
@@ -527,6 +540,7 @@ TEST(ClockRecovery, ANegativeAdjustmentBelowOnePpmGetsItsSignBack)
     EXPECT_EQ(Adjustment(-40, 0, 3), "  STC Adj (last 16 min) : {LONGLONG -40 159}Hz (-0.3PPM)");
     EXPECT_EQ(Adjustment(-1, 0, 0), "  STC Adj (last 16 min) : {LONGLONG -1 159}Hz (-0.0PPM)");
     EXPECT_EQ(Adjustment(-40, 0, 3, 99), "  STC Adj (last 16 min) : {LONGLONG -40 159}Hz (-0.3PPM)");
+    EXPECT_EQ(Adjustment(-40, 0, -3), "  STC Adj (last 16 min) : {LONGLONG -40 159}Hz (-0.-3PPM)"); // the fraction keeps its own
 }
 
 TEST(ClockRecovery, OtherAdjustmentsCarryTheirOwnSign)

@@ -761,6 +761,9 @@ TEST(VideoDecoderOperation, DelaysAbove31BitsAreNegative)
     EXPECT_EQ(Line(stats, "    Decoder IN"), "    Decoder IN          :   -1 ms/avg:  -2 ms\t(Last 10 sec: min/max= -4/ -3ms)");
     EXPECT_EQ(Line(stats, "    Decoder OUT"),
               "    Decoder OUT         : -2147483648 ms/avg:2147483647 ms\t(Last 10 sec: min/max=-11/-10ms)");
+    stats.nVDelayOutputMS = 4294967288;
+    stats.nVDelayOutputMSAvg = 4294967287;
+    EXPECT_EQ(Line(stats, "    Decoder OUT"), "    Decoder OUT         :   -8 ms/avg:  -9 ms\t(Last 10 sec: min/max=-11/-10ms)");
 }
 
 TEST(VideoDecoderOperation, ListLengthsAbove31BitsAreNegative)
@@ -842,6 +845,9 @@ TEST(VideoDecoderOperation, HardwareOutputsCompareUnsigned)
     stats.nVDelayHwOutputMS = 2147483647;
     EXPECT_EQ(Line(stats, "    HW OUT "), "    HW OUT              : -2147483648 ms/2147483647 ms    \t(Last 10 sec: theoretical/real "
                                           "value)\t--- WARNING: 'HW OUT' (real) < 'Decoder OUT' Max   -1 ms ");
+    stats.nVDelayHwOutputMS = 4294967294;
+    EXPECT_EQ(Line(stats, "    HW OUT "), "    HW OUT              : -2147483648 ms/  -2 ms    \t(Last 10 sec: theoretical/real "
+                                          "value)\t--- WARNING: 'HW OUT' (real) < 'Decoder OUT' Max   -1 ms ");
 }
 
 TEST(VideoDecoderOperation, LatencyIsUnsigned)
@@ -920,9 +926,12 @@ TEST(VideoDecoderOperation, ATheoreticalMarginOfOneIsEnough)
 {
     SMGR_VCUDEC_STATS stats = OutputDelays();
     stats.nVTheoDelayHwOutputMS = 101;
-    stats.nVDelayHwOutputMS = 1; // plays no part from a margin of 1 on
-    EXPECT_EQ(Line(stats, "HW Delay Theo"),
-              "    HW Delay Theo       :   11 ms/avg:   1 ms \t(Last 10 sec: min/max=-29/ 21ms  - based on HW OUT theo) ");
+    for (const UINT nReal : {0u, 1u}) // plays no part from a margin of 1 on
+    {
+        stats.nVDelayHwOutputMS = nReal;
+        EXPECT_EQ(Line(stats, "HW Delay Theo"),
+                  "    HW Delay Theo       :   11 ms/avg:   1 ms \t(Last 10 sec: min/max=-29/ 21ms  - based on HW OUT theo) ");
+    }
 }
 
 TEST(VideoDecoderOperation, NoTheoreticalMarginWithAMeasuredDelayHasNothingToPlay)
@@ -1037,6 +1046,26 @@ TEST(VideoDecoderOperation, ADelayThatIsNotMeasuredPrintsNegativeMarginsWithoutA
     SMGR_VCUDEC_STATS stats = OutputDelays();
     EXPECT_EQ(Line(stats, "         Real"),
               "             Real       :  -90 ms/avg:-100 ms \t(Last 10 sec: min/max=-130/-80ms  - based on HW OUT real)");
+}
+
+TEST(VideoDecoderOperation, AMarginOverTheAverageMayBeNegativeOverTheOthers)
+{
+    SMGR_VCUDEC_STATS stats = {};
+    stats.nVDelayOutputMS = 610;
+    stats.nVDelayOutputMSAvg = 100;
+    stats.nVMaxDelayOutputMS = 620;
+    stats.nVMinDelayOutputMS = 605;
+    stats.nVTheoDelayHwOutputMS = 551;
+    stats.nVDelayHwOutputMS = 552;
+    EXPECT_EQ(Line(stats, "HW Delay Theo"), "    HW Delay Theo       :  -59 ms/avg: 451 ms \t(Last 10 sec: min/max=-69/-54ms)\t--- "
+                                            "WARNING: HW Delay should be reduce (CBUF Delay should be increase).");
+    EXPECT_EQ(Line(stats, "         Real"), "             Real       :  -58 ms/avg: 452 ms \t(Last 10 sec: min/max=-68/-53ms)\t--- "
+                                            "WARNING: HW Delay should be reduce (CBUF Delay should be increase).");
+    stats.nVDecJitterMS = 500;
+    EXPECT_EQ(Line(stats, "HW Delay Theo"),
+              "    HW Delay Theo       :  -59 ms/avg: 451 ms \t(Last 10 sec: min/max=-69/-54ms  - based on HW OUT theo) ");
+    EXPECT_EQ(Line(stats, "         Real"),
+              "             Real       :  -58 ms/avg: 452 ms \t(Last 10 sec: min/max=-68/-53ms  - based on HW OUT real)");
 }
 
 TEST(VideoDecoderOperation, MarginsWrapAt32Bits)
@@ -1230,6 +1259,24 @@ TEST(VideoDecoderCounters, SharesAreRoundedToFourDecimals)
                                                       "    Replayed Output Frames: {ULONG 1 159} [33.3333%] (Last One: Never)\n");
 }
 
+TEST(VideoDecoderCounters, TheSumHasAll64Bits)
+{
+    SMGR_VCUDEC_STATS stats = {};
+    stats.tCounters.nNumDisplayedOutputFrames = 12884901888; // 3 * 2^32
+    stats.tCounters.nNumSkippedOutputFrames = 4294967296;
+    EXPECT_EQ(HwCounters(stats, STATS_LEVEL_DEFAULT), "  HW Counters \n"
+                                                      "    Displayed Output Frms: {ULONG 12884901888 159} [75.0000%] (Last One: Never)\n"
+                                                      "    Skipped Output Frames: {ULONG 4294967296 159} [25.0000%] (Last One: Never)\n"
+                                                      "    Replayed Output Frames: {ULONG 0 159} [0.0000%] (Last One: Never)\n");
+    stats.tCounters.nNumDisplayedOutputFrames = 9223372036854775808ul; // 2^63 and 2^62, unsigned
+    stats.tCounters.nNumSkippedOutputFrames = 4611686018427387904ul;
+    EXPECT_EQ(HwCounters(stats, STATS_LEVEL_DEFAULT),
+              "  HW Counters \n"
+              "    Displayed Output Frms: {ULONG 9223372036854775808 159} [66.6667%] (Last One: Never)\n"
+              "    Skipped Output Frames: {ULONG 4611686018427387904 159} [33.3333%] (Last One: Never)\n"
+              "    Replayed Output Frames: {ULONG 0 159} [0.0000%] (Last One: Never)\n");
+}
+
 TEST(VideoDecoderCounters, ASumThatWrapsGivesSharesAboveTheWhole)
 {
     SMGR_VCUDEC_STATS stats = {};
@@ -1300,6 +1347,9 @@ TEST(VideoDecoderCounters, OutputLeadTimesAreSigned)
     stats.tCounters.nMaxOutputSTCLeadTime = INT_MAX;
     EXPECT_EQ(Line(stats, "Output Lead Time"),
               "    Output Lead Time    : -1ms (Min=-2147483648ms occurred Never, Max=2147483647ms occurred Never)");
+    stats.tCounters.nMaxOutputSTCLeadTime = -2;
+    EXPECT_EQ(Line(stats, "Output Lead Time"),
+              "    Output Lead Time    : -1ms (Min=-2147483648ms occurred Never, Max=-2ms occurred Never)");
 }
 
 TEST(VideoDecoderCounters, QueueOccupanciesHaveAll64Bits)
