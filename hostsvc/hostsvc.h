@@ -3,15 +3,15 @@
  * The services that a host process supplies to the report library by name: texts of numbers, rates, durations and names.
  * Both sides include this one declaration. Plain C11 that is also C++17 and later.
  *
- * A host process links libhostsvc or defines these functions itself, and exports them (link with -rdynamic) so that the
- * dynamic linker finds them when it loads libstats.so.
+ * A host process links libhostsvc or defines these functions itself. One that loads libstats.so with dlopen also exports them
+ * (link with -rdynamic), so that the dynamic linker finds them there.
  *
  * The contract, the same for every service whose description says nothing else:
  *
  * - szBuffer is the caller's, not NULL unless nSize is 0, and is returned. The caller prints the returned pointer.
  * - At most nSize characters are written, the terminating NUL included: a longer text is cut. With nSize 1 the text is
  *   empty; with nSize 0 nothing is written.
- * - Every value has a text, never an empty one. A value that is not in a table reads "Unknown (<number>)".
+ * - Every value has a text, never an empty one. libhostsvc names a value that is in no table "Unknown (<number>)".
  * - Services do not fail, keep no state, allocate nothing and may be called from any number of threads at once.
  *
  * The texts of libhostsvc are ASCII and stable, and do not depend on the locale. Only PrintToString has the locale's decimal
@@ -52,12 +52,13 @@ HOSTSVC_API char* FormatLONGLONG(long long nValue, char* szBuffer, size_t nSize)
 
 /**
  * Writes a bit rate in decimal units: 950 bps, 64.00 kbps, 12.50 Mbps, 1.20 Gbps.
- * @param nBitsPerSecond rate [bit/s]. Callers widen a 32-bit field through unsigned int: -1 arrives as 4294967295.
+ * @param nBitsPerSecond rate [bit/s]. Reports widen a 32-bit field through unsigned int, so -1 arrives as 4294967295, and pass
+ *                       the kbit/s of an audio pair as they are.
  */
 HOSTSVC_API char* FormatBitRate(unsigned long nBitsPerSecond, char* szBuffer, size_t nSize);
 
 /**
- * Writes a duration with its sign: 850us, 12.345ms, 1.234s. Digits beyond the third decimal are dropped.
+ * Writes a duration with its sign: 850us, 12.345ms, and from one second on 1.234s. Digits beyond the third decimal are dropped.
  * @param nMicroSeconds duration [us]
  */
 HOSTSVC_API char* FormatMicroSeconds(long long nMicroSeconds, char* szBuffer, size_t nSize);
@@ -99,7 +100,7 @@ HOSTSVC_API char* SessMgr_GetErrorString(int nErrorCode, char* szBuffer, size_t 
 
 /**
  * Writes the text of an error code of the hardware video decoder.
- * @param nErrorCode code of the codec unit; 0 = none
+ * @param nErrorCode code of the codec unit; 0 = none, the only one that libhostsvc names
  */
 HOSTSVC_API char* SessMgr_GetVCUDecoderErrorString(int nErrorCode, char* szBuffer, size_t nSize);
 
@@ -114,7 +115,7 @@ HOSTSVC_API char* SessMgr_GetTDemuxDataTypeString(int enType, char* szBuffer, si
 /** Writes the name of a coding. @param enType SMGR_TDEMUX_COMPRESSION_TYPE */
 HOSTSVC_API char* SessMgr_GetTDemuxCompressionTypeString(int enType, char* szBuffer, size_t nSize);
 
-/** Writes the name of a stream encapsulation. @param enEncapsulation code, as SMGR_STREAM_ENCAPSULATION_TS_SRT */
+/** Writes the name of a stream encapsulation. @param enEncapsulation code, such as SMGR_STREAM_ENCAPSULATION_TS_SRT */
 HOSTSVC_API char* SessMgr_GetStreamEncapsulationString(int enEncapsulation, char* szBuffer, size_t nSize);
 
 /**
@@ -170,7 +171,7 @@ HOSTSVC_API char* SessMgr_GetVCUDecoderStateString(int enState, char* szBuffer, 
 /** Writes the name of a picture structure. @param enPicStructure SMGR_VCUDEC_PICSTRUCTURE */
 HOSTSVC_API char* SessMgr_GetVCUDecoderPicStructureString(int enPicStructure, char* szBuffer, size_t nSize);
 
-/** Writes the name of a kind of still image. @param enType kind; 0 = none */
+/** Writes the name of a kind of still image. @param enType kind; 0 = none, the only one that libhostsvc names */
 HOSTSVC_API char* SessMgr_GetDecoderSdiStillImageString(int enType, char* szBuffer, size_t nSize);
 
 /* ---- Audio, metadata and buffering ---- */

@@ -14,7 +14,7 @@
 
 #define SMGR_AUDIO_MAX_PAIRS 8 /**< audio pairs of a decoder */
 
-/** State of the audio decoder, kept in an int; the same values as the framer's and the metadata decoder's states. */
+/** State of the audio decoder, kept in an int; the same values as SMGR_METADATA_STATE. */
 typedef enum tagSMGR_AUDDEC_STATE XTYPES_ENUM32
 {
     SMGR_AUDDEC_STATE_UNKNOWN = 0,  /**< not known */
@@ -26,21 +26,21 @@ typedef enum tagSMGR_AUDDEC_STATE XTYPES_ENUM32
 /** One audio pair. */
 typedef struct tagAUDDEC_PAIR_STATS
 {
-    int             nSize;                      /**< size of this record [bytes] */
+    int             nSize;                      /**< size of this record as the session manager sets it [bytes] */
     int             enMode;                     /**< pair mode */
     int             enAlgorithm;                /**< coding, an SMGR_TDEMUX_COMPRESSION_TYPE; 0 = unknown */
-    int             nSampleRateIn;              /**< sample rate of the compressed input [Hz]; 0 = unknown */
-    int             nBitRateInKbps;             /**< input bit rate [kbit/s]; 0 = unknown */
-    int             nInputChannels;             /**< channels of the input [channels]; 0 = unknown */
-    int             nOutputChannels;            /**< channels of the output [channels]; 0 = unknown */
+    int             nSampleRateIn;              /**< sample rate of the compressed input [Hz] */
+    int             nBitRateInKbps;             /**< input bit rate [kbit/s]; the report passes it on as bit/s */
+    int             nInputChannels;             /**< channels of the input [channels] */
+    int             nOutputChannels;            /**< channels of the output [channels] */
     unsigned long   nReceivedFrames;            /**< frames received [frames] */
     time_t          tLastReceivedFrame;         /**< last frame received [epoch s]; 0 = never */
-    unsigned long   nDecodedFrames;             /**< frames decoded [frames]; 0 = the pair is not in use */
+    unsigned long   nDecodedFrames;             /**< frames decoded [frames]; 0 = none yet, and the pair is not printed */
     time_t          tLastDecodedFrame;          /**< last frame decoded [epoch s]; 0 = never */
     unsigned long   nDecodedBytes;              /**< bytes decoded [bytes] */
     unsigned long   nOutputFrames;              /**< frames played out [frames] */
     time_t          tLastOutputFrame;           /**< last frame played out [epoch s]; 0 = never */
-    int             nSampleRateOut;             /**< output sample rate [Hz]; 0 = unknown */
+    int             nSampleRateOut;             /**< output sample rate [Hz] */
     unsigned long   nSkippedFrames;             /**< output frames skipped [frames] */
     time_t          tLastSkippedFrame;          /**< last frame skipped [epoch s]; 0 = never */
     unsigned int    nDecoderErrors;             /**< decoder errors [errors] */
@@ -77,7 +77,7 @@ typedef struct tagAUDDEC_PAIR_STATS
 /** The audio decoder. */
 typedef struct tagAUDDEC_STATS
 {
-    int                   nSize;                           /**< size of this record [bytes] */
+    int                   nSize;                           /**< size of this record as the session manager sets it [bytes] */
     int                   enState;                         /**< state, an SMGR_AUDDEC_STATE; 0 = unknown */
     int                   nNumOfPairs;                     /**< audio pairs configured [pairs] */
     unsigned long         nReceivedFrames;                 /**< frames received from the framer [frames] */

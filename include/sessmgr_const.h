@@ -11,7 +11,7 @@
 
 /**
  * Result codes of the session manager: unsigned 32-bit constants. A record keeps a code in an int, where a warning (the
- * top bit set) reads as a negative number.
+ * top bit set) reads as a negative number: compare as (unsigned int)nCode == SMGR_WARNING_UNABLE_TO_RESOLVE_HOSTNAME.
  *
  * Codes with SMGR_IS_TEXT_DESCRIBED_ERROR set are errors that come with a text of their own; codes with
  * SMGR_IS_SUCCESS_WITH_WARNING set mean that the request succeeded. Every other code but 0 is an error.

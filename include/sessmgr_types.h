@@ -10,6 +10,9 @@
  * - A BOOL is a flag: 0 is no, everything else yes, except where a comment says that exactly 1 is yes.
  * - A char array holds a NUL-terminated text. A reader must stop at the array's end all the same.
  * - An enumerated field may hold a value that no enumerator names.
+ * - A report shows a part of its record: decstats-reports(5) explains the lines. Where a report has no word for an absent
+ *   value it prints the number.
+ * - All zero is not all absent: 0 is a real value of enPicStructure, of a metadata channel's enType and of the list heads.
  */
 #ifndef SESSMGR_TYPES_H
 #define SESSMGR_TYPES_H
@@ -85,7 +88,7 @@ enum XTYPES_ENUM32
 typedef enum tagSMGR_FEC_TYPE XTYPES_ENUM32
 {
     SMGR_FEC_TYPE_NONE     = 0, /**< none */
-    SMGR_FEC_TYPE_VF       = 1, /**< VF; keeps no statistics */
+    SMGR_FEC_TYPE_VF       = 1, /**< VF, a scheme without statistics here */
     SMGR_FEC_TYPE_PRO_MPEG = 2, /**< Pro-MPEG, SMPTE ST 2022-1 */
 } SMGR_FEC_TYPE;
 
@@ -132,7 +135,7 @@ typedef enum tagSMGR_VFRAMER_HDR_TYPE XTYPES_ENUM32
     SMGR_VFRAMER_HDR_TYPE_SDR         = 1,  /**< standard dynamic range */
     SMGR_VFRAMER_HDR_TYPE_HLG         = 2,  /**< hybrid log-gamma, ITU-R BT.2100 */
     SMGR_VFRAMER_HDR_TYPE_PQ          = 3,  /**< perceptual quantisation, SMPTE ST 2084 */
-    SMGR_VFRAMER_HDR_TYPE_CUSTOM      = 4,  /**< set by hand */
+    SMGR_VFRAMER_HDR_TYPE_CUSTOM      = 4,  /**< configured by the operator */
 } SMGR_VFRAMER_HDR_TYPE;
 
 /** State of the hardware video decoder. */
@@ -239,7 +242,7 @@ typedef struct tagSMGR_DECODER_SDI_USAGE_STATS
 /** A network address. */
 typedef struct tagSMGR_IP_ADDRESS
 {
-    int  enType;          /**< address family, AF_INET or AF_INET6; 0 (AF_UNSPEC) = no address */
+    int  enType;          /**< address family, AF_INET or AF_INET6 of <sys/socket.h>; 0 (AF_UNSPEC) = no address */
     BYTE acAddress[16];   /**< address in network byte order, the first 4 bytes of it for AF_INET; all 0 = unset */
     char szHostName[512]; /**< host name; empty = none */
 } SMGR_IP_ADDRESS;
@@ -247,7 +250,7 @@ typedef struct tagSMGR_IP_ADDRESS
 /** Counters of one elementary stream. */
 typedef struct tagSMGR_TDEMUX_SOURCE_COUNTERS
 {
-    unsigned long nNumReceivedPackets;   /**< packets received [packets]; 0 = the stream is not in use */
+    unsigned long nNumReceivedPackets;   /**< packets received [packets]; 0 = none yet, and the stream is not printed */
     unsigned long nNumReceivedBytes;     /**< bytes received [bytes] */
     time_t        tLastReceivedPacket;   /**< last packet received [epoch s]; 0 = never */
     unsigned long nNumOutputPackets;     /**< packets passed on [packets] */
@@ -269,11 +272,11 @@ typedef struct tagSMGR_TDEMUX_SOURCE_STATS
     unsigned int                 tsStreamId;        /**< stream identifier within the transport stream [id] */
     unsigned int                 tsPid;             /**< packet identifier, ISO/IEC 13818-1 [PID] */
     unsigned int                 nTimebaseNum;      /**< time base of the time stamps, numerator [s] */
-    unsigned int                 nTimebaseDen;      /**< time base of the time stamps, denominator; 0 = no time base */
+    unsigned int                 nTimebaseDen;      /**< time base of the time stamps, denominator */
     UINT64                       nPTS;              /**< last presentation time stamp [time base units] */
     UINT64                       nDTS;              /**< last decoding time stamp [time base units] */
     SMGR_TDEMUX_SOURCE_COUNTERS  tCounters;         /**< counters */
-    int                          nAudioPairNum;     /**< for audio, the audio pair that the stream feeds [pair] */
+    int                          nAudioPairNum;     /**< for audio, number of the audio pair that the stream feeds [pair] */
 } SMGR_TDEMUX_SOURCE_STATS;
 
 /** Counters of the transport demux. */
@@ -285,8 +288,8 @@ typedef struct tagSMGR_TDEMUX_COUNTERS
     unsigned long nRxPacketToPacketIntervalUs;            /**< time between the last two packets [us] */
     unsigned long nMaxRxPacketToPacketIntervalUs;         /**< longest time between two packets [us] */
     time_t        tMaxRxPacketToPacketInterval;           /**< when the longest time occurred [epoch s]; 0 = never */
-    unsigned long nExternalRxPacketToPacketIntervalUs;    /**< the same measured at the external receive point [us] */
-    unsigned long nMaxExternalRxPacketToPacketIntervalUs; /**< longest time there [us] */
+    unsigned long nExternalRxPacketToPacketIntervalUs;    /**< time between the last two packets at the external receive point [us] */
+    unsigned long nMaxExternalRxPacketToPacketIntervalUs; /**< longest time between two packets there [us] */
     time_t        tMaxExternalRxPacketToPacketInterval;   /**< when the longest time there occurred [epoch s]; 0 = never */
     unsigned long nNumOutputPackets;                      /**< packets passed on [packets] */
     unsigned long nNumOutputBytes;                        /**< bytes passed on [bytes] */
@@ -301,16 +304,16 @@ typedef struct tagSMGR_TDEMUX_COUNTERS
     unsigned long nNumPESSizeMismatches;                  /**< PES packets whose length contradicts their header [packets] */
     time_t        tLastPESSizeMismatch;                   /**< last such packet [epoch s]; 0 = never */
     unsigned long nNumLostSegmentsMPEG2TS;                /**< segments lost by transport stream continuity [segments] */
-    time_t        tLastLostSegmentMPEG2TS;                /**< last segment lost so [epoch s]; 0 = never */
+    time_t        tLastLostSegmentMPEG2TS;                /**< last such loss [epoch s]; 0 = never */
     unsigned long nNumLostSegmentsRTP;                    /**< segments lost by RTP sequence numbers [segments] */
-    time_t        tLastLostSegmentRTP;                    /**< last segment lost so [epoch s]; 0 = never */
+    time_t        tLastLostSegmentRTP;                    /**< last such loss [epoch s]; 0 = never */
     unsigned long nNumReconnections;                      /**< connections made [connections] */
     time_t        tLastReconnection;                      /**< last connection made [epoch s]; 0 = never */
     unsigned long nNumFailovers;                          /**< switches to a backup input [switches] */
     time_t        tLastFailover;                          /**< last switch [epoch s]; 0 = never */
     unsigned long nNumTimestampRollovers;                 /**< time stamp wrap-arounds [count] */
     time_t        tLastTimestampRollover;                 /**< last wrap-around [epoch s]; 0 = never */
-    unsigned long nNumFramesWithNoPCR;                    /**< frames that came before any PCR [frames] */
+    unsigned long nNumFramesWithNoPCR;                    /**< frames received with no clock reference [frames] */
     time_t        tLastFrameWithNoPCR;                    /**< last such frame [epoch s]; 0 = never */
     unsigned long nNumFramesWithPTSLowerThanPCR;          /**< frames whose PTS is not after the PCR [frames] */
     time_t        tLastFrameWithPTSLowerThanPCR;          /**< last such frame [epoch s]; 0 = never */
@@ -375,7 +378,7 @@ typedef struct tagSMGR_STREAM_SRT_STATS
     int          iReconnects;            /**< connections made [connections] */
     int          iMSS;                   /**< maximum segment size [bytes] */
     int          iLatency;               /**< configured latency [ms] */
-    int          iMaxBw;                 /**< maximum bandwidth [kbit/s]; 0 or less = no limit */
+    int          iMaxBw;                 /**< maximum bandwidth [kbit/s] */
     int          iAvailBw;               /**< available bandwidth [kbit/s]; 0 or less = unknown */
     int          iKeyState;              /**< state of the key exchange, an SMGR_STREAM_SRT_KM_S; 0 = no encryption */
     int          iKeyLength;             /**< AES key length [bytes]; 0 or less = unknown */
@@ -383,10 +386,10 @@ typedef struct tagSMGR_STREAM_SRT_STATS
     int          iBufPkts;               /**< packets in the receive buffer [packets] */
     int          iBufBytes;              /**< bytes in the receive buffer [bytes] */
     int          iBufTimespan;           /**< time span in the receive buffer [ms] */
-    int          iRemotePort;            /**< UDP port of the peer [port]; 0 = none */
-    int          iLocalPort;             /**< local UDP port [port]; 0 = none */
+    int          iRemotePort;            /**< UDP port of the peer [port] */
+    int          iLocalPort;             /**< local UDP port [port] */
     int          iOutPortGettingFullCnt; /**< times that the output port became nearly full [count] */
-    int          iMaxOutPortLevel;       /**< highest output port level [packets] */
+    int          iMaxOutPortLevel;       /**< highest output port level */
     int          iVersion;               /**< SRT version of this end, 0xMMmmpp; 0 = unknown */
     int          iPeerVersion;           /**< SRT version of the peer, 0xMMmmpp; 0 = unknown */
 } SMGR_STREAM_SRT_STATS;
@@ -411,11 +414,11 @@ typedef struct tagSMGR_STREAM_PMFECRX_STATS
 /** The transport demux. */
 typedef struct tagSMGR_TDEMUX_STATS
 {
-    UINT                     nSize;                             /**< size of this record [bytes] */
+    UINT                     nSize;                             /**< size of this record as the session manager sets it [bytes] */
     SMGR_TDEMUX_STATS_STATE  enState;                           /**< state of the input; 0 = unknown */
-    BOOL                     bStreamHasBeenStarted;             /**< the stream has been started */
+    BOOL                     bStreamHasBeenStarted;             /**< the stream has been started; until then the report ends after the state */
     unsigned int             nSmgrStreamID;                     /**< the session manager's stream identifier [id] */
-    int                      enEncapsulation;                   /**< encapsulation code, as SMGR_STREAM_ENCAPSULATION_TS_SRT */
+    int                      enEncapsulation;                   /**< encapsulation code, such as SMGR_STREAM_ENCAPSULATION_TS_SRT */
     int                      enFECType;                         /**< forward error correction, an SMGR_FEC_TYPE; 0 = none */
     SMGR_IP_ADDRESS          tStreamAddress;                    /**< address that the stream is received on */
     unsigned int             nStreamPort;                       /**< port that the stream is received on [port]; 0 = none */
@@ -445,23 +448,23 @@ typedef struct tagSMGR_VFRAMER_STREAM_PROPS
     SMGR_VIDEO_COLOR_TYPE        enColorType;               /**< chroma format and bit depth; 0 = unknown */
     int                          nProfile;                  /**< profile number of the coding's own standard */
     int                          nLevel;                    /**< level number of the coding's own standard */
-    int                          nWidth;                    /**< picture width [pixels]; 0 = unknown */
-    int                          nHeight;                   /**< picture height [lines]; 0 = unknown */
-    BOOL                         bInterlaced;               /**< interlaced */
+    int                          nWidth;                    /**< picture width [pixels] */
+    int                          nHeight;                   /**< picture height [lines] */
+    BOOL                         bInterlaced;               /**< interlaced; the scan letter is i for exactly 1 */
     BOOL                         bInterlacedTFF;            /**< interlaced, with the top field first */
     float                        fFrameRate;                /**< frame rate [frames/s]; 0 = unknown */
     BOOL                         bFrameRateFoundInStream;   /**< the stream itself gives the frame rate */
     unsigned int                 nBitsPerSecond;            /**< bit rate [bit/s] */
     char                         szFraming[64];             /**< name of the framing; empty = none */
     unsigned int                 nNumberOfBPicturesInARow;  /**< consecutive B pictures now [pictures] */
-    unsigned long                nGopInterval;              /**< distance of key frames [pictures]; 0 = unknown */
-    unsigned int                 nSliceCountPerFrame;       /**< slices of a frame [slices]; 0 = unknown */
+    unsigned long                nGopInterval;              /**< GOP interval, the distance of key frames [pictures] */
+    unsigned int                 nSliceCountPerFrame;       /**< slices of a frame [slices] */
     BOOL                         bHasIFrames;               /**< I frames seen */
     BOOL                         bHasPFrames;               /**< P frames seen */
     BOOL                         bHasBFrames;               /**< B frames seen */
     UINT64                       TimeStamp;                 /**< last time stamp [90 kHz ticks] */
     UINT64                       TimeStampDelta;            /**< difference of the last two time stamps [90 kHz ticks] */
-    BOOL                         bCompatibilityModeEnabled; /**< compatibility mode of the framer; exactly 1 = in force */
+    BOOL                         bCompatibilityModeEnabled; /**< compatibility mode of the framer; the default report shows it for exactly 1 */
     unsigned int                 nLatencyInUs;              /**< latency [us] */
     BOOL                         bTCPresent;                /**< timecode in the stream */
     BOOL                         bCCPresent;                /**< closed captions in the stream */
@@ -483,8 +486,8 @@ typedef struct tagSMGR_VFRAMER_COUNTERS
     unsigned long nNumFormatTransitions;         /**< changes of the stream properties [changes] */
     time_t        tLastFormatTransition;         /**< last change of the stream properties [epoch s]; 0 = never */
     unsigned long nNumUnsupported;               /**< times that the stream was found unsupported [count] */
-    time_t        tLastUnsupported;              /**< last time so [epoch s]; 0 = never */
-    int           nLastUnsupportedErrorCode;     /**< result code of the last time so, an SMGR_ERROR_ code; 0 = none */
+    time_t        tLastUnsupported;              /**< last such finding [epoch s]; 0 = never */
+    int           nLastUnsupportedErrorCode;     /**< result code of the last such finding, an SMGR_ERROR_ code; 0 = none */
     unsigned long nNumH264Compression;           /**< H.264 streams seen [streams] */
     time_t        tLastH264Compression;          /**< last H.264 stream [epoch s]; 0 = never */
     unsigned long nNumH265Compression;           /**< H.265 streams seen [streams] */
@@ -669,12 +672,12 @@ typedef struct tagSMGR_VCUDEC_COUNTERS
     SMGR_COUNTER nNumImageCapturesFailed;           /**< image captures that failed [images] */
     time_t       tLastImageCaptureFailed;           /**< last failed capture [epoch s]; 0 = never */
     time_t       iLastErrorTime;                    /**< when nLastErrorCode was set [epoch s]; 0 = never */
-    int          nLastErrorCode;                    /**< last error code of the codec unit; 0 = none */
+    int          nLastErrorCode;                    /**< last error code of creating a decoder in the codec unit; 0 = none */
     SMGR_COUNTER nNumEOSEvents;                     /**< end-of-stream events [events] */
     time_t       tLastEOSEvent;                     /**< last end-of-stream event [epoch s]; 0 = never */
     SMGR_COUNTER nNumExitErrors;                    /**< errors on exit [errors] */
     time_t       tLastExitError;                    /**< last error on exit [epoch s]; 0 = never */
-    SMGR_COUNTER nNumNoInfoErrors;                  /**< pictures displayed without their information [errors] */
+    SMGR_COUNTER nNumNoInfoErrors;                  /**< pictures that came back without their information [pictures] */
     time_t       tLastNoInfoError;                  /**< last such picture [epoch s]; 0 = never */
     SMGR_COUNTER nNumDiscontinuty;                  /**< discontinuities of the codec unit's input [count] */
     time_t       tLastDiscontinuity;                /**< last discontinuity [epoch s]; 0 = never */
@@ -693,14 +696,14 @@ typedef struct tagSMGR_VCUDEC_COUNTERS
 /** The hardware video decoder. Its delays are measured from the framer's output. */
 typedef struct tagSMGR_VCUDEC_STATS
 {
-    UINT                     nSize;                           /**< size of this record [bytes] */
+    UINT                     nSize;                           /**< size of this record as the session manager sets it [bytes] */
     SMGR_VCUDEC_STATE        enState;                         /**< state; 0 = unknown */
     int                      nLoadPercentage;                 /**< load [%] */
     unsigned int             nLatencyInUs;                    /**< latency [us] */
     UINT64                   nDisplayFormat;                  /**< display format code, video_formats.h; 0 = none */
     BOOL                     bHasChroma;                      /**< the stream carries chroma */
     UINT                     nFrameBufferWidth;               /**< width of a frame buffer [pixels] */
-    UINT                     nFrameBufferHeight;              /**< height of a frame buffer [lines] */
+    UINT                     nFrameBufferHeight;              /**< height of a frame buffer [pixels] */
     unsigned long            nFrameBufferSizeEachInBytes;     /**< size of a frame buffer [bytes] */
     UINT                     nFrameBufferNumber;              /**< frame buffers that the stream requires [buffers] */
     UINT                     nFrameBufferNumberInUsed;        /**< frame buffers allocated [buffers] */
@@ -709,8 +712,8 @@ typedef struct tagSMGR_VCUDEC_STATS
     BOOL                     bCropping;                       /**< the crop offsets are in force */
     UINT32                   nCropOffsetLeft;                 /**< crop offset at the left [pixels] */
     UINT32                   nCropOffsetRight;                /**< crop offset at the right [pixels] */
-    UINT32                   nCropOffsetTop;                  /**< crop offset at the top [lines] */
-    UINT32                   nCropOffsetBottom;               /**< crop offset at the bottom [lines] */
+    UINT32                   nCropOffsetTop;                  /**< crop offset at the top [pixels] */
+    UINT32                   nCropOffsetBottom;               /**< crop offset at the bottom [pixels] */
     SMGR_VCUDEC_PICSTRUCTURE enPicStructure;                  /**< structure of the last picture; -1 = unknown */
     BOOL                     bVDelayInputEstimateShortDelay;  /**< input delays gathered over 1 s instead of 10 s */
     BOOL                     bVDelayOutputEstimateShortDelay; /**< output delays gathered over 1 s instead of 10 s */
@@ -750,7 +753,7 @@ typedef struct tagSMGR_VCUDEC_STATS
 /** Counters of a metadata channel. */
 typedef struct tagSMGR_METADATADEC_CHANNEL_COUNTERS
 {
-    unsigned long nNumInputPackets;                  /**< packets received [packets]; 0 = the channel is not in use */
+    unsigned long nNumInputPackets;                  /**< packets received [packets]; 0 = none yet */
     time_t        tLastInputPacket;                  /**< last packet received [epoch s]; 0 = never */
     unsigned long nNumSynchronousPackets;            /**< synchronous packets received [packets] */
     time_t        tLastSynchronousPacket;            /**< last synchronous packet [epoch s]; 0 = never */
@@ -786,8 +789,8 @@ typedef struct tagSMGR_METADATADEC_CHANNEL_COUNTERS
     time_t        tLastBDFreed;                      /**< last descriptor freed [epoch s]; 0 = never */
     unsigned long nNumBDInFreeList;                  /**< buffer descriptors in the free list now [descriptors] */
     unsigned long nNumBDInUsedList;                  /**< buffer descriptors in the used list now [descriptors] */
-    int           nBDFreeListHeadIndex;              /**< first descriptor of the free list [index]; -1 = empty */
-    int           nBDUsedListHeadIndex;              /**< first descriptor of the used list [index]; -1 = empty */
+    int           nBDFreeListHeadIndex;              /**< first descriptor of the free list [index] */
+    int           nBDUsedListHeadIndex;              /**< first descriptor of the used list [index] */
     unsigned long nCurrentDelayInPackets;            /**< delay now [packets] */
     unsigned long nNumInDelayList;                   /**< packets in the delay list now [packets] */
     unsigned long nNumOutputLate;                    /**< packets sent after their time [packets] */
@@ -813,10 +816,10 @@ typedef struct tagSMGR_METADATADEC_CHANNEL_STATS
 typedef struct tagSMGR_METADATADEC_TC_VALUE
 {
     BOOL bTCValid;   /**< exactly 1: the fields below hold a decoded timecode */
-    UINT nTCHours;   /**< hours, 0 to 23 [h] */
-    UINT nTCMinutes; /**< minutes, 0 to 59 [min] */
-    UINT nTCSeconds; /**< seconds, 0 to 59 [s] */
-    UINT nTCFrames;  /**< frames, 0 to the frame rate less 1 [frames] */
+    UINT nTCHours;   /**< hours [h] */
+    UINT nTCMinutes; /**< minutes [min] */
+    UINT nTCSeconds; /**< seconds [s] */
+    UINT nTCFrames;  /**< frames [frames] */
 } SMGR_METADATADEC_TC_VALUE;
 
 /** Counters of the metadata decoder. */
@@ -890,7 +893,7 @@ typedef struct tagSMGR_CBUFFERING_AUTOMATIC_STATS
 /** Counters of one buffered elementary stream. */
 typedef struct tagSMGR_CBUFFERING_CHANNEL_COUNTERS
 {
-    unsigned long nNumReceivedPackets;      /**< packets received [packets]; 0 = the channel is not in use */
+    unsigned long nNumReceivedPackets;      /**< packets received [packets]; 0 = none yet */
     unsigned long nNumOutputPackets;        /**< packets released [packets] */
     unsigned int  nMaxQueueOccupancyFrames; /**< most frames queued [frames] */
 } SMGR_CBUFFERING_CHANNEL_COUNTERS;
@@ -957,7 +960,7 @@ typedef struct tagSMGR_CBUFFERING_STATS
     SMGR_CBUFFERING_STATUS          enStatus;                               /**< state */
     int                             enBufferingMode;                        /**< mode, an SMGR_DECSDI_BUFFERING_ value */
     UINT                            nFixedDelayMs;                          /**< delay configured for the fixed mode [ms] */
-    UINT                            nMultiSyncDelayMs;                      /**< delay configured for the MultiSync mode [ms] */
+    UINT                            nMultiSyncDelayMs;                      /**< delay configured for the MultiSync mode; tMultiSync has the one in use [ms] */
     UINT                            nMinDelayMs;                            /**< smallest delay that the chain can honour [ms] */
     UINT                            nMaxDelayMs;                            /**< largest delay allowed [ms] */
     UINT64                          nPCR;                                   /**< last PCR [90 kHz ticks] */
@@ -998,10 +1001,10 @@ typedef struct tagSMGR_CLOCK_RECOVERY_DECODER_STATS
     long          curPLLDevHz;           /**< deviation of the average from nominal [Hz] */
     long          curPLLDevPpm;          /**< integer part of that deviation [ppm] */
     long          curPLLDevPpmNominal;   /**< deviation of the STC from nominal now [ppm] */
-    long          curPLLDevPpmFract;     /**< fraction digits of curPLLDevPpm */
+    long          curPLLDevPpmFract;     /**< digits of curPLLDevPpm after the point, as a number printed without padding */
     long          avgDevHz;              /**< STC adjustment of the last 16 min [Hz]; 0 = none */
     long          avgDevPpm;             /**< integer part of that adjustment [ppm] */
-    long          avgDevPpmFract;        /**< fraction digits of avgDevPpm */
+    long          avgDevPpmFract;        /**< digits of avgDevPpm after the point, as a number printed without padding */
     int           pcrLateCount;          /**< PCRs that came too late [count]; 0 = none */
     int           pcrLateMaxValue;       /**< longest time without a PCR [ms] */
     int           pcrJitterErrCount;     /**< PCR jitter errors [errors]; 0 = none */
@@ -1012,24 +1015,24 @@ typedef struct tagSMGR_CLOCK_RECOVERY_DECODER_STATS
     long          curPcrFpgaDelta;       /**< encoder's PCR less the register's [90 kHz ticks] */
     long          mafDivFactor;          /**< division factor of the filter on the clock difference */
     long          pcrTsDelta;            /**< average distance of the register's PCR to the time stamps [90 kHz ticks] */
-    long          pcrTsDeltaAud0;        /**< the same for audio pair 0 [90 kHz ticks] */
-    long          pcrTsDeltaAud1;        /**< the same for audio pair 1 [90 kHz ticks] */
-    long          pcrTsDeltaAud2;        /**< the same for audio pair 2 [90 kHz ticks] */
-    long          pcrTsDeltaAud3;        /**< the same for audio pair 3 [90 kHz ticks] */
-    long          pcrTsDeltaAud4;        /**< the same for audio pair 4 [90 kHz ticks] */
-    long          pcrTsDeltaAud5;        /**< the same for audio pair 5 [90 kHz ticks] */
-    long          pcrTsDeltaAud6;        /**< the same for audio pair 6 [90 kHz ticks] */
-    long          pcrTsDeltaAud7;        /**< the same for audio pair 7 [90 kHz ticks] */
-    long          pcrTsDeltaKlv;         /**< the same for KLV metadata [90 kHz ticks] */
+    long          pcrTsDeltaAud0;        /**< average distance of the register's PCR to audio pair 0's time stamps [90 kHz ticks] */
+    long          pcrTsDeltaAud1;        /**< average distance of the register's PCR to audio pair 1's time stamps [90 kHz ticks] */
+    long          pcrTsDeltaAud2;        /**< average distance of the register's PCR to audio pair 2's time stamps [90 kHz ticks] */
+    long          pcrTsDeltaAud3;        /**< average distance of the register's PCR to audio pair 3's time stamps [90 kHz ticks] */
+    long          pcrTsDeltaAud4;        /**< average distance of the register's PCR to audio pair 4's time stamps [90 kHz ticks] */
+    long          pcrTsDeltaAud5;        /**< average distance of the register's PCR to audio pair 5's time stamps [90 kHz ticks] */
+    long          pcrTsDeltaAud6;        /**< average distance of the register's PCR to audio pair 6's time stamps [90 kHz ticks] */
+    long          pcrTsDeltaAud7;        /**< average distance of the register's PCR to audio pair 7's time stamps [90 kHz ticks] */
+    long          pcrTsDeltaKlv;         /**< average distance of the register's PCR to the KLV time stamps [90 kHz ticks] */
     long          pcrTsDeltaMinValue;    /**< smallest pcrTsDelta within the interval [90 kHz ticks] */
     long          pcrTsDeltaMaxValue;    /**< largest pcrTsDelta within the interval [90 kHz ticks] */
     long          pcrTsDeltaMinMaxDlyMS; /**< length of that interval [ms] */
     long          pcrTsDeltaMinExtValue; /**< smallest pcrTsDelta of all time [90 kHz ticks] */
     long          pcrTsDeltaMaxExtValue; /**< largest pcrTsDelta of all time [90 kHz ticks] */
     long          PcrJump;               /**< last jump of the encoder's PCR [ms]; 0 = none */
-    time_t        tLastPcrJump;          /**< when it happened [epoch s]; 0 = never */
+    time_t        tLastPcrJump;          /**< when the last jump happened [epoch s]; 0 = never */
     long          PcrJumpMaxValue;       /**< largest jump of the encoder's PCR [ms]; 0 = none */
-    time_t        tLastPcrJumpMaxValue;  /**< when it happened [epoch s]; 0 = never */
+    time_t        tLastPcrJumpMaxValue;  /**< when the largest jump happened [epoch s]; 0 = never */
 } SMGR_DECODER_CLOCK_RECOVERY_STATS;
 
 #pragma pack(pop)

@@ -2,13 +2,14 @@
  * @file stats.h
  * The exported functions of the report library, libstats.so. Plain C11 that is also C++17 and later.
  *
- * Each function prints one record as a text report on stdout, one stdio call a line, and returns TRUE. The library holds
+ * Each function prints one record as a text report on stdout and returns TRUE. The library holds
  * no state, allocates nothing and takes no lock.
  *
  * - Ownership: the caller owns the record, which is only read and must not change during the call.
  * - Errors: none are detected. An output error stays in the stream: see ferror(stdout) after the call.
- * - Threads: any number may print at once, each its own record. Lines stay whole, reports may interleave; a caller that
- *   wants a whole report in one piece holds flockfile(stdout) around the call.
+ * - Threads: any number may print at once, each its own record. A line is one stdio call and stays whole, but reports may
+ *   interleave: a caller that wants its report in one piece holds flockfile(stdout) around the call. (One line is two calls:
+ *   a display format that is no raster, with the load of the video decoder behind it.)
  * - Host process: the texts of numbers, durations and names come from services that the process supplies by name; the
  *   library does not load without them. hostsvc.h declares and libhostsvc implements them.
  */
@@ -47,7 +48,8 @@ typedef enum tagSTATS_LEVEL XTYPES_ENUM32
 STATS_API BOOL STATS_PrintForDecoderUsage(const SMGR_DECODER_SDI_USAGE_STATS* pStats, STATS_LEVEL nLevel);
 
 /**
- * Prints the transport demux report: the network input, its SRT link or Pro-MPEG FEC, and its elementary streams.
+ * Prints the transport demux report: the network input, its SRT link or Pro-MPEG FEC, and its elementary streams. Before the
+ * stream has been started it is the state alone; while a host name is being resolved, state, up time and last error.
  * @param pStats record, not NULL
  * @param nLevel report level
  * @return TRUE, always
@@ -79,7 +81,7 @@ STATS_API BOOL STATS_PrintForVideoDecoder(const SMGR_VCUDEC_STATS* pStats, STATS
 STATS_API BOOL STATS_PrintForAudioDecoder(const SMGR_DECODER_AUDIO_STATS* pStats, STATS_LEVEL nLevel);
 
 /**
- * Prints the metadata decoder report with its four channels.
+ * Prints the metadata decoder report with a block for each channel that has received a packet, in debug for all four.
  * @param pStats record, not NULL
  * @param nLevel report level
  * @return TRUE, always
@@ -87,7 +89,7 @@ STATS_API BOOL STATS_PrintForAudioDecoder(const SMGR_DECODER_AUDIO_STATS* pStats
 STATS_API BOOL STATS_PrintForMetadataDec(const SMGR_METADATADEC_STATS* pStats, STATS_LEVEL nLevel);
 
 /**
- * Prints the buffering report.
+ * Prints the buffering report, in debug with the table of its channels.
  * @param pStats record, not NULL
  * @param nLevel report level
  * @return TRUE, always

@@ -41,7 +41,7 @@ __extension__ enum
     VIDEO_FORMAT_AUTO_DETECT = 0,  /**< follow the stream; as a display format: none */
     VIDEO_FORMAT_UNKNOWN     = 1,  /**< not known */
     VIDEO_FORMAT_NATIVE      = 9,  /**< the display's own */
-    VIDEO_FORMAT_CUSTOM      = 10, /**< set by hand */
+    VIDEO_FORMAT_CUSTOM      = 10, /**< configured by the operator */
 
     VIDEO_FORMAT_3840_2160_23P = VIDEO_FORMAT_CODE(3840, 2160, 23, 0),
     VIDEO_FORMAT_3840_2160_24P = VIDEO_FORMAT_CODE(3840, 2160, 24, 0),

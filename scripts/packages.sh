@@ -11,7 +11,7 @@ install_packages()
         [ "$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null)" = installed ] || missing="$missing $package"
     done
     [ -n "$missing" ] || return 0
-    echo "installing:$missing"
+    echo "installing:$missing" >&2
     as_root=
     if [ "$(id -u)" -ne 0 ]; then
         command -v sudo >/dev/null || { echo "these packages are missing and neither root nor sudo is at hand:$missing" >&2; return 1; }
