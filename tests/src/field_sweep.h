@@ -15,7 +15,7 @@
 // "SRT Stats/Latency". A title or a heading is known by its own text or by its block's name.
 //
 // A field that is hidden while others are 0 is swept once more on a base record that opens it, so a report has several
-// tables. What a row cannot see is which of its lines' places a value takes: that is for the tests of the reports.
+// tables. Which place of a line a value takes a row does not tell: that is for the tests of each report.
 #ifndef FIELD_SWEEP_H
 #define FIELD_SWEEP_H
 

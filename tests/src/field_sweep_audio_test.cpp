@@ -177,6 +177,25 @@ static SweepTable Played()
                  {FIELD(tLastOutputError), .debugLines = {"Output Errors"}}})};
 }
 
+// Only skipped frames.
+static SweepTable Skipped()
+{
+    using Record = SMGR_DECODER_AUDIO_STATS;
+    return {.name = "skipped",
+            .base = RecordWith<Record>([](Record& r) { r.nSkippedFrames = 7; }),
+            .hiddenOperatorLines = AllLines({Without(event_lines, {"Skipped Output Frames"}), pairs_operator_lines}),
+            .hiddenDebugLines = AllLines({{"Rx Frames Jitter"}, pairs_debug_lines}),
+            .rows = Override(
+                Uncounted(Rows()),
+                {{FIELD(nOutputFrames), .lines = {"Played Output Frames", "Skipped Output Frames"}},
+                 {FIELD(nSkippedFrames), .lines = {"Skipped Output Frames"},
+                  .at = {{.value = 0, .lines = {"Skipped Output Frames"}, .debugLines = {"Played Output Frames", "Output Errors"}}}},
+                 {FIELD(nOutputErrors), .lines = {"Skipped Output Frames", "Output Errors"}},
+                 {FIELD(tLastOutputFrame), .debugLines = {"Played Output Frames"}},
+                 {FIELD(tLastSkippedFrame), .lines = {"Skipped Output Frames"}},
+                 {FIELD(tLastOutputError), .debugLines = {"Output Errors"}}})};
+}
+
 // The first and the last pair decode, which needs none to be configured.
 static SweepTable Pairs()
 {
@@ -199,7 +218,7 @@ static SweepTable Pairs()
 
 static std::vector<SweepTable> Tables()
 {
-    return {Zero(), Counted(), Played(), Pairs()};
+    return {Zero(), Counted(), Played(), Skipped(), Pairs()};
 }
 
 TEST(AudioFields, ChangeTheirLinesAndNoOther)
