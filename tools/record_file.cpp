@@ -1,6 +1,7 @@
 #include "record_file.h"
 
 #include <cerrno>
+#include <csignal>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -35,6 +36,37 @@ mode_t file_creation_mask()
     umask(mask);
     return mask;
 }
+
+/**
+ * Holds back the signals that end the command, while there is something to clean up. They take effect when this ends, so it
+ * stands before what it guards.
+ */
+class DeferredSignals
+{
+public:
+    DeferredSignals()
+    {
+        sigemptyset(&deferred_);
+        for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGTERM}) sigaddset(&deferred_, signal);
+        sigprocmask(SIG_BLOCK, &deferred_, &before_);
+    }
+    ~DeferredSignals() { sigprocmask(SIG_SETMASK, &before_, nullptr); }
+    DeferredSignals(const DeferredSignals&) = delete;
+    DeferredSignals& operator=(const DeferredSignals&) = delete;
+
+    /** Whether one has arrived. */
+    bool arrived() const
+    {
+        sigset_t pending;
+        sigpending(&pending);
+        sigandset(&pending, &pending, &deferred_);
+        return sigisemptyset(&pending) == 0;
+    }
+
+private:
+    sigset_t deferred_;
+    sigset_t before_;
+};
 
 /** A file that stands under a temporary name beside its own until it is published, and is removed if it never is. */
 class PendingFile
@@ -123,9 +155,11 @@ void write_records(const SAMPLES_RECORDS& records, const std::string& directory)
 {
     require_directory(directory);
 
+    const DeferredSignals signals;
     std::deque<PendingFile> files;
     for (const Component& component : components())
     {
+        if (signals.arrived()) return;
         PendingFile& file = files.emplace_back(directory, std::string(component.name) + ".rec");
         file.write(component.record(records));
         file.finish();

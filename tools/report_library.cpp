@@ -10,7 +10,7 @@
 namespace
 {
 
-constexpr const char* defaultName = "libstats.so";
+constexpr const char* defaultName = STATS_SONAME;
 
 /** The name for dlopen, which searches the system's folders for a name without a slash. */
 std::string name_to_open(const std::optional<std::string>& file)

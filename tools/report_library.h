@@ -15,7 +15,7 @@ class ReportLibrary
 public:
     /**
      * Loads the library.
-     * @param file the library's file; nothing = libstats.so where the dynamic linker finds it for this executable
+     * @param file the library's file; nothing = libstats.so.1 where the dynamic linker finds it for this executable
      * @throw Failure if it cannot be loaded
      */
     explicit ReportLibrary(const std::optional<std::string>& file);
