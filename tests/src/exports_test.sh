@@ -16,7 +16,8 @@ but the map names:
 $mapped"
 [ "$(echo "$mapped" | wc -l)" -eq 9 ] || fail "the map should name nine functions"
 
-needed=$("$readelf" -d "$library" | sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p')
+# On aarch64 the stack guard stands in libc's loader, which is always there.
+needed=$("$readelf" -d "$library" | sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p' | grep -v '^ld-linux-aarch64\.so\.1$')
 [ "$needed" = libc.so.6 ] || fail "needs: $needed"
 
 services=$(sed -n 's/^HOSTSVC_API [^(]*[ *]\([A-Za-z_]*\)(.*/\1/p' "$header" | sort)
