@@ -31,6 +31,6 @@ for symbol in $undefined; do
 done
 
 # Local data symbols (d, b) with a size; the compiler's own bookkeeping is hidden in sections of other kinds.
-data=$("$nm" -S "$library" | awk 'NF == 4 && $3 ~ /^[dDbB]$/ {print $4, $2}' | grep -v -e '^completed\.' -e '^__dso_handle')
+data=$("$nm" -S "$library" | awk 'NF == 4 && $2 !~ /^0+$/ && $3 ~ /^[dDbB]$/ {print $4, $2}' | grep -v -e '^completed\.' -e '^__dso_handle')
 [ "$data" = "QrVersionBlob 0000000000000112" ] || fail "writable data: $data"
 exit $status
