@@ -14,15 +14,15 @@ FITS(__TIME__, szBuildTime);
 
 /* "used" keeps it through compiling and LTO, "retain" through --gc-sections. Not const: it stands in initialised data. */
 __attribute__((used, retain)) static QRVERSIONINFOBLOB QrVersionBlob = {
-    .abSignature       = QRVERSIONINFO_SIGNATURE,
-    .dwSize            = sizeof(QRVERSIONINFOBLOB),
-    .cMajor            = RELEASE_MAJOR,
-    .cMinor            = RELEASE_MINOR,
-    .szRevision        = RELEASE_REVISION,
-    .szDescription     = RELEASE_DESCRIPTION,
-    .szCopyright       = RELEASE_COPYRIGHT,
+    .abSignature = QRVERSIONINFO_SIGNATURE,
+    .dwSize = sizeof(QRVERSIONINFOBLOB),
+    .cMajor = RELEASE_MAJOR,
+    .cMinor = RELEASE_MINOR,
+    .szRevision = RELEASE_REVISION,
+    .szDescription = RELEASE_DESCRIPTION,
+    .szCopyright = RELEASE_COPYRIGHT,
     .szBuildIdentifier = RELEASE_BUILD_IDENTIFIER,
-    .szBuildDate       = __DATE__,
-    .szBuildTime       = __TIME__,
-    .szNotes           = "",
+    .szBuildDate = __DATE__,
+    .szBuildTime = __TIME__,
+    .szNotes = "",
 };

@@ -41,7 +41,14 @@ std::vector<unsigned> AllCodes()
         unsigned nLast;
     };
     const Run runs[] = {
-        {0, 95}, {1000, 1123}, {1125, 1140}, {1150, 1154}, {0x10000000, 0x10000002}, {0x80000000, 0x80000000}, {0x80000002, 0x80000005}};
+        {0,          95        },
+        {1000,       1123      },
+        {1125,       1140      },
+        {1150,       1154      },
+        {0x10000000, 0x10000002},
+        {0x80000000, 0x80000000},
+        {0x80000002, 0x80000005}
+    };
     std::vector<unsigned> codes;
     for (const Run& run : runs)
         for (unsigned n = run.nFirst; n <= run.nLast; n++) codes.push_back(n);
