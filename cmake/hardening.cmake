@@ -10,7 +10,9 @@ if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(aarch64|arm64)$")
     add_compile_options(-mbranch-protection=standard)
 endif()
 
-# The linker's tables are filled and made read-only at load; "text" makes a relocation in code an error of the build.
+# The linker's tables are filled and made read-only at load, so calls through them need no stubs; "text" makes a relocation in
+# code an error of the build.
+add_compile_options(-fno-plt)
 add_link_options(LINKER:-z,relro LINKER:-z,now LINKER:-z,noexecstack LINKER:-z,text)
 
 # Without this check, CMAKE_POSITION_INDEPENDENT_CODE compiles executables for it and leaves the linking to the compiler.

@@ -76,16 +76,25 @@ char* AppendMicroSeconds(char* pEnd, unsigned long long nMicroSeconds)
     return Append(AppendThousandths(pEnd, nMicroSeconds / 1000), "s");
 }
 
-/** The largest part that is not 0 leads; each smaller part follows with two digits. */
+// A time span's largest part that is not 0 leads; each smaller part follows with two digits. Most spans are minutes or
+// seconds, so they do not wait for hours and days.
+
+[[gnu::noinline]] char* AppendHours(char* pEnd, unsigned long long nHours)
+{
+    if (nHours < 24) return AppendNumber(pEnd, nHours);
+    return AppendPadded<2>(Append(AppendNumber(pEnd, nHours / 24), "d "), nHours % 24);
+}
+
+char* AppendMinutes(char* pEnd, unsigned long long nMinutes)
+{
+    if (nMinutes < 60) return AppendNumber(pEnd, nMinutes);
+    return AppendPadded<2>(Append(AppendHours(pEnd, nMinutes / 60), "h "), nMinutes % 60);
+}
+
 char* AppendUpTime(char* pEnd, unsigned long long nSeconds)
 {
-    const unsigned long long nMinutes = nSeconds / 60;
-    const unsigned long long nHours = nMinutes / 60;
-    const unsigned long long nDays = nHours / 24;
-    if (nDays > 0) pEnd = Append(AppendNumber(pEnd, nDays), "d ");
-    if (nHours > 0) pEnd = Append(nDays > 0 ? AppendPadded<2>(pEnd, nHours % 24) : AppendNumber(pEnd, nHours), "h ");
-    if (nMinutes > 0) pEnd = Append(nHours > 0 ? AppendPadded<2>(pEnd, nMinutes % 60) : AppendNumber(pEnd, nMinutes), "m ");
-    return Append(nMinutes > 0 ? AppendPadded<2>(pEnd, nSeconds % 60) : AppendNumber(pEnd, nSeconds), "s");
+    if (nSeconds < 60) return Append(AppendNumber(pEnd, nSeconds), "s");
+    return Append(AppendPadded<2>(Append(AppendMinutes(pEnd, nSeconds / 60), "m "), nSeconds % 60), "s");
 }
 
 char* AppendMilliSeconds(char* pEnd, unsigned long long nMilliSeconds)
@@ -144,6 +153,14 @@ int PrintToString(char* szBuffer, size_t nSize, const char* pFormat, ...)
 
     // POSIX lets vsnprintf reject a size above INT_MAX, and the returned length has to fit into an int anyway.
     const size_t nUsableSize = std::min(nSize, static_cast<size_t>(INT_MAX));
+    const char* pConversion = strchrnul(pFormat, '%');
+    if (*pConversion == '\0') // a constant text, as "Never"
+    {
+        const auto nLength = static_cast<size_t>(pConversion - pFormat);
+        CopyText({pFormat, nLength}, szBuffer, nUsableSize);
+        return static_cast<int>(std::min(nLength, nUsableSize - 1));
+    }
+
     va_list arguments;
     va_start(arguments, pFormat);
     const int nLength = vsnprintf(szBuffer, nUsableSize, pFormat, arguments);
@@ -160,7 +177,12 @@ char* StringCat(char* szBuffer, const char* pText, size_t nSize)
 {
     if (nSize == 0) return szBuffer;
     const size_t nUsed = strnlen(szBuffer, nSize);
-    const size_t nFree = nSize - nUsed;
-    if (nFree > 0) CopyText({pText, strnlen(pText, nFree - 1)}, szBuffer + nUsed, nFree);
+    if (nUsed == nSize) return szBuffer; // no NUL
+    // What is appended is short: a loop costs less than a search for its end and a call of memcpy.
+    char* const pFree = szBuffer + nUsed;
+    const size_t nFree = nSize - nUsed - 1;
+    size_t n = 0;
+    for (; n < nFree && pText[n] != '\0'; ++n) pFree[n] = pText[n];
+    pFree[n] = '\0';
     return szBuffer;
 }

@@ -82,8 +82,13 @@ std::string_view NumericAddress(const SMGR_IP_ADDRESS& address, char* szBuffer)
     case AF_INET6:
         // The IPv6 address of zeros means the absence of an address (RFC 4291, 2.5.2), which has one text for both families.
         if (std::memcmp(address.acAddress, UNSPECIFIED, sizeof(UNSPECIFIED)) == 0) return NO_ADDRESS;
-        [[fallthrough]];
-    case AF_INET: return inet_ntop(address.enType, address.acAddress, szBuffer, INET6_ADDRSTRLEN);
+        return inet_ntop(address.enType, address.acAddress, szBuffer, INET6_ADDRSTRLEN);
+    case AF_INET:
+    {
+        char* pEnd = AppendNumber<unsigned>(szBuffer, address.acAddress[0]);
+        for (size_t i = 1; i < 4; ++i) pEnd = AppendNumber<unsigned>(Append(pEnd, "."), address.acAddress[i]);
+        return {szBuffer, static_cast<size_t>(pEnd - szBuffer)};
+    }
     default: return UnknownText(address.enType, szBuffer, INET6_ADDRSTRLEN);
     }
 }

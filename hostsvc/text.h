@@ -41,6 +41,14 @@ template <typename Integer> char* AppendNumber(char* pEnd, Integer nValue)
     return std::to_chars(pEnd, pEnd + NUMBER_LENGTH, nValue).ptr;
 }
 
+/** BuildText for a buffer that may be too small. Apart, so that the usual way has no local buffer to make room for. */
+template <size_t nMaxLength, typename Writer> [[gnu::noinline]] char* BuildCutText(char* szBuffer, size_t nSize, Writer write)
+{
+    char text[nMaxLength];
+    const char* pEnd = write(text);
+    return CopyText({text, static_cast<size_t>(pEnd - text)}, szBuffer, nSize);
+}
+
 /**
  * Writes the text that write makes: straight into a buffer that is sure to hold it, else by way of a local one.
  * @tparam nMaxLength most characters that write makes
@@ -49,14 +57,9 @@ template <typename Integer> char* AppendNumber(char* pEnd, Integer nValue)
  */
 template <size_t nMaxLength, typename Writer> char* BuildText(char* szBuffer, size_t nSize, Writer write)
 {
-    if (nSize > nMaxLength)
-    {
-        *write(szBuffer) = '\0';
-        return szBuffer;
-    }
-    char text[nMaxLength];
-    const char* pEnd = write(text);
-    return CopyText({text, static_cast<size_t>(pEnd - text)}, szBuffer, nSize);
+    if (nSize <= nMaxLength) return BuildCutText<nMaxLength>(szBuffer, nSize, write);
+    *write(szBuffer) = '\0';
+    return szBuffer;
 }
 
 /** Writes the text of a value that no table holds: Unknown (<number>). @return szBuffer */
