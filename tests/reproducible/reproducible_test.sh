@@ -35,13 +35,13 @@ copy()
     (cd "$scratch/tree" && find . ! -type d | sort "$2" | tar -cf - -T -) | tar -xf - -C "$1"
 }
 
-# build TREE FOLDER JOBS: the files to deliver, into FOLDER.
+# build TREE FOLDER JOBS: the files to deliver, into FOLDER. Packages have a folder of their own in the tree.
 build()
 {
     cd "$1"
     case $kind in
     build) { cmake --preset release -B "$2" -DSTATS_TESTS=OFF && cmake --build "$2" -j "$3"; } >"$1.log" 2>&1 ;;
-    packages) DEB_BUILD_OPTIONS="parallel=$3" scripts/package "$2" >"$1.log" 2>&1 ;;
+    packages) DEB_BUILD_OPTIONS="parallel=$3" scripts/package >"$1.log" 2>&1 ;;
     esac || { cat "$1.log"; exit 1; }
 }
 
@@ -51,6 +51,9 @@ scratch=$(readlink -f "$scratch")
 (cd "$source" && tree_files | tar -cf - -T -) | tar -xf - -C "$scratch/tree"
 tree_one=$scratch/one one=$tree_one/build/release
 tree_another=$scratch/another.place/with-a-longer-name/decoder-stats another=$scratch/outside-the-tree
+if [ "$kind" = packages ]; then
+    one=$tree_one/build/package another=$tree_another/build/package
+fi
 (
     export TZ=Pacific/Kiritimati LC_ALL=C LANG=C HOME="$scratch" USER=first LOGNAME=first
     umask 022
