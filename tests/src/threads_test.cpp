@@ -46,7 +46,7 @@ TEST(Threads, LinesStayWhole)
         expected.insert(expected.end(), lines.begin(), lines.end());
     }
     std::vector<std::string> lines = CaptureLines([] { OnThreads(PrintAll); });
-    // One line of the video decoder's has its line feed in the next call, so that others may come between: not of these.
+    // No sample has a display format that is no raster, the one line that takes two calls and that others may divide.
     std::sort(expected.begin(), expected.end());
     std::sort(lines.begin(), lines.end());
     EXPECT_EQ(lines, expected);
