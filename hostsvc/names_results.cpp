@@ -312,7 +312,6 @@ char* SessMgr_GetErrorString(int nErrorCode, char* szBuffer, size_t nSize)
 
 char* SessMgr_GetVCUDecoderErrorString(int nErrorCode, char* szBuffer, size_t nSize)
 {
-    // The codec unit defines no code but 0.
     if (nErrorCode == 0) return CopyText("No error", szBuffer, nSize);
     return UnknownText(nErrorCode, szBuffer, nSize);
 }
