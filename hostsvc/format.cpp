@@ -162,8 +162,6 @@ char* StringCat(char* szBuffer, const char* pText, size_t nSize)
 {
     if (nSize == 0) return szBuffer;
     const size_t nUsed = strnlen(szBuffer, nSize);
-    if (nUsed == nSize) return szBuffer; // no NUL
-    const size_t nFree = nSize - nUsed;
-    CopyText({pText, strnlen(pText, nFree - 1)}, szBuffer + nUsed, nFree);
+    if (nUsed < nSize) strncat(szBuffer + nUsed, pText, nSize - nUsed - 1);
     return szBuffer;
 }
