@@ -55,7 +55,7 @@ case ", $depends, " in
 *) fail "decstats may be installed without its library: $depends" ;;
 esac
 
-libraries=$root/usr/lib/$multiarch
+libraries=$root/usr/lib/$multiarch examples=$root/usr/share/doc/libstats-dev/examples
 decstats() { LD_LIBRARY_PATH=$libraries "$root/usr/bin/decstats" "$@"; }
 decstats demo idle --component clock-recovery >"$folder/actual"
 printf 'Clock Recovery\n  Tracking Mode         : DISABLE \n' | diff - "$folder/actual" || fail "decstats prints something else"
@@ -64,8 +64,8 @@ for line in "Library    : $(readlink -f "$libraries/libstats.so.1")" "Date      
     "Time       : $(date -u -d "@$epoch" +%T)"; do
     grep -qxF "$line" "$folder/actual" || fail "decstats version lacks: $line"
 done
-"$here/pkgconfig_test.sh" "$libraries" "$here/outside" cc "${version%-*}" || fail "a program does not build with pkg-config"
-"$here/cmake_package_test.sh" "$root/usr" "$here/outside" cmake Ninja cc c++ || fail "a program does not build with CMake"
+"$here/pkgconfig_test.sh" "$libraries" "$here/outside" cc "${version%-*}" "$examples" || fail "a program does not build with pkg-config"
+"$here/cmake_package_test.sh" "$root/usr" "$here/outside" cmake Ninja cc c++ "$examples" || fail "a program does not build with CMake"
 
 # shellcheck disable=SC2086 # lists of words
 in_root --purge $names
