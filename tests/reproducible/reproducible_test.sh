@@ -18,16 +18,6 @@ esac
 unset SOURCE_DATE_EPOCH
 status=0
 
-# What belongs to the tree, without what was built.
-tree_files()
-{
-    if [ -e .git ] && command -v git >/dev/null; then
-        git ls-files --cached --others --exclude-standard | while IFS= read -r file; do [ ! -e "$file" ] || echo "$file"; done
-    else
-        find . \( -path ./build -o -path ./.git \) -prune -o ! -type d -print
-    fi
-}
-
 # copy FOLDER SORT_OPTION: the tree, its files written in this order, which is the order in which many file systems list them.
 copy()
 {
@@ -46,9 +36,8 @@ build()
 }
 
 rm -rf "$scratch"
-mkdir -p "$scratch/tree"
+"$source/scripts/copy-tree" "$scratch/tree"
 scratch=$(readlink -f "$scratch")
-(cd "$source" && tree_files | tar -cf - -T -) | tar -xf - -C "$scratch/tree"
 tree_one=$scratch/one one=$tree_one/build/release
 tree_another=$scratch/another.place/with-a-longer-name/decoder-stats another=$scratch/outside-the-tree
 if [ "$kind" = packages ]; then
