@@ -1,15 +1,14 @@
 #!/bin/sh
-# Builds the Debian packages, with lintian's consent, and as root installs them in an empty root of their own, never on this
-# machine: every package has its files of packages.txt, decstats and programs of others work with them, and nothing is left when
-# they are removed. Exits with 77 where that part is left out.
+# packages_test.sh FOLDER: as root, the Debian packages in FOLDER install in an empty root of their own, never on this machine:
+# every package has its files of packages.txt, decstats and programs of others work with them, and nothing is left when they are
+# removed. Exits with 77 where that part is left out.
 set -eu
 here=$(cd "$(dirname "$0")" && pwd)
 source=${here%/tests/install}
-folder=$source/build/package
+folder=$1
 status=0
 fail() { echo "$*" >&2; status=1; }
 
-env -u SOURCE_DATE_EPOCH "$source/scripts/package" >/dev/null
 version=$(sed -n '1s/.*(\(.*\)).*/\1/p' "$source/packaging/debian/changelog")
 epoch=$(sed -n 's/^#define RELEASE_EPOCH *\([0-9]*\).*/\1/p' "$source/src/release.h")
 multiarch=$(dpkg-architecture -q DEB_HOST_MULTIARCH)
