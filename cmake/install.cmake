@@ -66,3 +66,11 @@ foreach(page ${manual_pages})
     string(REGEX REPLACE ".*\\." "man" section ${page})
     install(FILES ${page} DESTINATION ${CMAKE_INSTALL_MANDIR}/${section})
 endforeach()
+
+# Each exported function leads to the page of the library.
+file(READ src/libstats.map map)
+string(REGEX MATCHALL "(STATS_|_Get)[A-Za-z]+" functions "${map}")
+foreach(function ${functions})
+    file(CONFIGURE OUTPUT ${function}.3 CONTENT ".so man3/libstats.3\n")
+    install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${function}.3 DESTINATION ${CMAKE_INSTALL_MANDIR}/man3)
+endforeach()
