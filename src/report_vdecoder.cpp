@@ -89,7 +89,7 @@ static void _PrintHwOut(const SMGR_VCUDEC_STATS* pStats, int nOutEst)
         fprintf(stdout, "    %-20s: %4d ms/%4d ms    \t(Last %d sec: theoretical/real value) \n", "HW OUT", static_cast<int>(nTheo), static_cast<int>(nReal), nOutEst);
 }
 
-// A real delay of 0 is not measured, so nothing is known to be late. The two plain lines differ in one blank; both are kept.
+// A real delay of 0 means "not measured", so nothing is known to be late. The two plain lines differ in one blank.
 static void _PrintHwDelayTheo(const SMGR_VCUDEC_STATS* pStats, int nOutEst)
 {
     const HwMargin m = _GetHwMargin("HW Delay Theo", pStats->nVTheoDelayHwOutputMS, pStats);
