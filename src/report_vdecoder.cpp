@@ -161,7 +161,7 @@ static void _PrintCreateErrorCode(const SMGR_VCUDEC_COUNTERS& c)
             _GetElapsedTimeString(c.iLastErrorTime, szBuffer2, sizeof szBuffer2));
 }
 
-// The labels carry two blanks of their own, which indent them below the title of the call that counts.
+// The two blanks at the start of a label set it below the title of the call that counts it.
 static void _PrintDecoderCounters(const SMGR_VCUDEC_COUNTERS& c)
 {
     char szBuffer[159];
