@@ -15,7 +15,6 @@
 #include <unistd.h>
 #include <vector>
 
-#include "frozen_clock.h"
 #include "replays.h"
 
 namespace
@@ -256,15 +255,14 @@ void RecordReports(std::ostream& functions, std::ostream& table)
     int index = 0;
     for (const char* sample : measured_samples)
     {
-        SAMPLES_RECORDS records;
-        samples_find(sample)->pFill(&records, frozen_now);
+        const records::Snapshot snapshot = sources::sample(sample, frozen_moment);
         for (const auto& [levelName, level] : measured_levels)
         {
-            for (const Report& report : all_reports)
+            for (const records::Component& component : records::components())
             {
                 floor_calls = fmt_calls = iostreams_calls = {};
-                report.print(RecordOf(records, report), level);
-                functions << "// " << report.component << ", " << sample << ", " << levelName << "\n"
+                print_report(component, snapshot.record(component).data(), level);
+                functions << "// " << component.name << ", " << sample << ", " << levelName << "\n"
                           << "static void Floor" << index << "()\n{\n"
                           << floor_calls << "}\n\n"
                           << "static void Fmt" << index << "()\n{\n"

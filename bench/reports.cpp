@@ -5,7 +5,6 @@
 #include <cstdio>
 
 #include "bench.h"
-#include "frozen_clock.h"
 #include "replays.h"
 
 using Print = std::function<void()>;
@@ -50,9 +49,11 @@ struct Ways
     Print iostreams;
 };
 
-static Ways WaysOf(const SAMPLES_RECORDS& records, const Report& report, STATS_LEVEL level, const Replay& replay)
+static Ways WaysOf(const records::Snapshot& snapshot, const records::Component& component, STATS_LEVEL level, const Replay& replay)
 {
-    return {[&records, &report, level] { report.print(RecordOf(records, report), level); }, replay.floor, replay.fmt,
+    const auto print = [&component, function = report_function(component), record = snapshot.record(component).data(), level]
+    { component.print(function, record, level); };
+    return {print, replay.floor, replay.fmt,
             [&replay] { replay.iostreams(Stream()); }};
 }
 
@@ -87,20 +88,20 @@ static void AddVariants(std::vector<Variant>& variants, const std::string& name,
 
 std::vector<Variant> ReportVariants()
 {
-    static std::array<SAMPLES_RECORDS, measured_samples.size()> records;
+    static std::array<records::Snapshot, measured_samples.size()> snapshots;
     std::vector<Variant> variants;
     const Replay* replay = replays;
     for (size_t i = 0; i < measured_samples.size(); ++i)
     {
-        samples_find(measured_samples[i])->pFill(&records[i], frozen_now);
+        snapshots[i] = sources::sample(measured_samples[i], frozen_moment);
         for (const auto& [levelName, level] : measured_levels)
         {
             const std::string prefix = std::string(measured_samples[i]) + "/" + levelName + "/";
             std::vector<Ways> parts;
-            for (const Report& report : all_reports)
+            for (const records::Component& component : records::components())
             {
-                parts.push_back(WaysOf(records[i], report, level, *replay++));
-                AddVariants(variants, prefix + report.component, parts.back());
+                parts.push_back(WaysOf(snapshots[i], component, level, *replay++));
+                AddVariants(variants, prefix + std::string(component.name), parts.back());
             }
             AddVariants(variants, prefix + "all", All(parts));
         }
