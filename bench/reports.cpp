@@ -53,8 +53,7 @@ static Ways WaysOf(const records::Snapshot& snapshot, const records::Component& 
 {
     const auto print = [&component, function = report_function(component), record = snapshot.record(component).data(), level]
     { component.print(function, record, level); };
-    return {print, replay.floor, replay.fmt,
-            [&replay] { replay.iostreams(Stream()); }};
+    return {print, replay.floor, replay.fmt, [&replay] { replay.iostreams(Stream()); }};
 }
 
 /** One after the other. */

@@ -58,7 +58,8 @@ TEST(RandomRecords, EveryReportPrintsWholeLinesOfAnyBytes)
             }
             for (int level : {0, 1, 2, -1})
             {
-                const std::string text = Capture([&] { EXPECT_EQ(print_report(component, record.data(), static_cast<STATS_LEVEL>(level)), TRUE); });
+                const std::string text =
+                    Capture([&] { EXPECT_EQ(print_report(component, record.data(), static_cast<STATS_LEVEL>(level)), TRUE); });
                 EXPECT_TRUE(text.empty() || text.back() == '\n') << component.name;
             }
         }

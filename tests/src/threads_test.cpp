@@ -25,8 +25,7 @@ static std::string ScenarioFor(int thread)
 static void OnThreads(void (*print)(const records::Snapshot&))
 {
     std::vector<std::thread> threads;
-    for (int i = 0; i < thread_count; i++)
-        threads.emplace_back([i, print] { print(sources::sample(ScenarioFor(i), frozen_moment)); });
+    for (int i = 0; i < thread_count; i++) threads.emplace_back([i, print] { print(sources::sample(ScenarioFor(i), frozen_moment)); });
     for (std::thread& thread : threads) thread.join();
 }
 

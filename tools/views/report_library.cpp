@@ -105,8 +105,7 @@ void* ReportLibrary::find(const char* function) const
 std::string ReportLibrary::path() const
 {
     link_map* map = nullptr;
-    if (dlinfo(handle_.get(), RTLD_DI_LINKMAP, &map) != 0 || map == nullptr)
-        fail(std::string("the report library's file: ") + dlerror());
+    if (dlinfo(handle_.get(), RTLD_DI_LINKMAP, &map) != 0 || map == nullptr) fail(std::string("the report library's file: ") + dlerror());
     const std::unique_ptr<char, decltype(&std::free)> resolved(realpath(map->l_name, nullptr), &std::free);
     return resolved ? resolved.get() : map->l_name;
 }

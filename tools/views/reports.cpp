@@ -61,7 +61,8 @@ void print_reports(const records::Snapshot& snapshot, const std::optional<std::s
             if (function != nullptr)
                 reports.emplace_back(&component, function);
             else if (is_named)
-                fail(library.path() + ": no function " + component.function + ", which prints the " + std::string(component.name) + " report");
+                fail(library.path() + ": no function " + component.function + ", which prints the " + std::string(component.name) +
+                     " report");
         }
     }
     if (reports.empty()) fail(library.path() + ": none of the report functions, STATS_PrintFor...");
