@@ -34,7 +34,7 @@ constexpr std::size_t section_count = 2 * component_count + 2;
 
 constexpr std::string_view name_of(std::size_t field)
 {
-    return dictionary::table::name(field);
+    return dictionary::table::full_names[field].substr(dictionary::table::entries[field].key.size() + 1);
 }
 
 constexpr std::string_view member_of(std::size_t field)
