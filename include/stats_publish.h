@@ -58,9 +58,9 @@ typedef enum tagSTATS_PUBLISH_CODE XTYPES_ENUM32
 /** An error as a value. All of it is set by the call that takes it, also where the call succeeds. */
 typedef struct tagSTATS_PUBLISH_ERROR
 {
-    STATS_PUBLISH_CODE enCode; /**< what went wrong */
-    int nErrno;                /**< the system's error number, see errno(3); 0 = the system had no part in it */
-    char szText[500];          /**< one line for a log, without a final stop or line end: path or name, and what is wrong */
+    STATS_PUBLISH_CODE enCode;      /**< what went wrong */
+    int                nErrno;      /**< the system's error number, see errno(3); 0 = the system had no part in it */
+    char               szText[500]; /**< one line for a log, without a final stop or line end: path or name, and what is wrong */
 } STATS_PUBLISH_ERROR;
 
 /**

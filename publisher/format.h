@@ -42,9 +42,9 @@ static_assert(offsetof(Header, host) == 144 && sizeof(Header) == 208);
 /** What a section holds. Readers skip the types that they do not know. */
 enum class SectionType : std::uint32_t
 {
-    layout       = 1, /**< Layout: the fields of a component */
-    record       = 2, /**< Slot: the record of the component whose layout has the same id */
-    heartbeat    = 3, /**< Slot of one word: the moment of the last heartbeat, CLOCK_MONOTONIC [ns] */
+    layout = 1,       /**< Layout: the fields of a component */
+    record = 2,       /**< Slot: the record of the component whose layout has the same id */
+    heartbeat = 3,    /**< Slot of one word: the moment of the last heartbeat, CLOCK_MONOTONIC [ns] */
     not_measured = 4, /**< Slot: a bit for each field, set where the host does not measure it */
 };
 

@@ -188,10 +188,10 @@ void take_out(const STATS_PUBLISHER* publisher)
     }
 }
 
-/** @return the publisher's fields, or NULL */
-bool open_file(STATS_PUBLISHER& publisher, Header& header, const char* directory, STATS_PUBLISH_ERROR* error)
+/** Creates the file and fills it before it gets its name. */
+bool open_file(STATS_PUBLISHER& publisher, const Header& header, const char* directory, const char* decoder, STATS_PUBLISH_ERROR* error)
 {
-    if (!create_file(publisher.file, directory, header.decoder, header.file_size, error)) return false;
+    if (!create_file(publisher.file, directory, decoder, header.file_size, error)) return false;
     fill(publisher, header);
     STATS_PublishHeartbeat(&publisher);
     return put_in_place(publisher.file, directory, error);
@@ -240,7 +240,7 @@ STATS_PUBLISHER* STATS_PublishOpen(const char* szDecoder, const char* szDirector
     std::memcpy(header.decoder, szDecoder, std::strlen(szDecoder));
     std::memcpy(header.host, host, std::strlen(host));
     header.heartbeat_interval = nHeartbeatMs == 0 ? STATS_PUBLISH_HEARTBEAT_MS : nHeartbeatMs;
-    header.started_at = static_cast<std::int64_t>(now(CLOCK_REALTIME));
+    header.started_at = static_cast<std::int64_t>(now(CLOCK_REALTIME_COARSE));
     read_boot_id(header.boot_id);
     STATS_PUBLISHER* publisher = nullptr;
     int number = draw(header.instance) ? 0 : errno;
@@ -252,7 +252,7 @@ STATS_PUBLISHER* STATS_PublishOpen(const char* szDecoder, const char* szDirector
     }
 
     lock_publishers(); // no fork in between, so that no child keeps a descriptor that the list does not have
-    const bool opened = open_file(*publisher, header, directory, pError);
+    const bool opened = open_file(*publisher, header, directory, szDecoder, pError);
     if (opened)
     {
         publisher->next = publishers;

@@ -94,7 +94,8 @@ private:
         if (header_.file_size != contents_.size)
             return damaged("has " + std::to_string(contents_.size) + " bytes, but its header says " + std::to_string(header_.file_size));
         if (contents_.size > largest_file) return damaged("larger than any published decoder");
-        if (header_.header_size < sizeof header_ || header_.header_size > largest_header) return damaged("its header has an impossible size");
+        if (header_.header_size < sizeof header_ || header_.header_size > largest_header)
+            return damaged("its header has an impossible size");
         if (header_.heartbeat_interval == 0) return damaged("its heartbeats have no interval");
         contents_.decoder = text_of(header_.decoder);
         contents_.host = text_of(header_.host);

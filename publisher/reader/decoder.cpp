@@ -135,39 +135,44 @@ Decoder::~Decoder()
     if (descriptor_ >= 0) close(descriptor_);
 }
 
-Status Decoder::status() const
+Status Decoder::status()
 {
     return examine(false).status;
 }
 
-Look Decoder::look() const
+Look Decoder::look()
 {
     return examine(true);
 }
 
-Look Decoder::examine(bool with_records) const
+Look Decoder::examine(bool with_records)
 {
-    Look look = {.status = found_, .snapshot = {}};
-    if (!has_records(found_.state)) return look;
+    if (!has_records(found_.state)) return {.status = found_, .snapshot = {}};
+    Look look;
+    {
+        const Reading reading(mapping_);
+        look = read(with_records);
+    }
+    if (!mapping_.has_lost_pages()) return look;
+    found_ = {.state = State::damaged, .text = path_ + ": damaged: has become shorter while it was read"};
+    return {.status = found_, .snapshot = {}};
+}
 
+Look Decoder::read(bool with_records) const
+{
     // The lock is asked for first: a writer that is gone by then has written its last word.
     const bool has_writer = is_locked(descriptor_);
+    Look look = {.status = found_, .snapshot = {}};
     look.snapshot.decoder = contents_.decoder;
     look.snapshot.instance = contents_.instance;
-    const Reading reading(mapping_);
     read_records(look, has_writer, with_records);
     if (with_records) read_not_measured(look.snapshot);
     find_state(look.status, has_writer);
-    if (reading.has_lost_pages())
-        return {.status = {.state = State::damaged, .text = path_ + ": damaged: has become shorter while it was read"}, .snapshot = {}};
 
-    look.snapshot.taken_at = now(CLOCK_REALTIME);
-    if (!has_writer)
-    {
-        look.snapshot.taken_at = contents_.instance.started_at;
-        for (const RecordStatus& record : look.status.records)
-            if (record.state == RecordState::whole) look.snapshot.taken_at = std::max(look.snapshot.taken_at, record.published_at);
-    }
+    look.snapshot.taken_at = has_writer ? now(CLOCK_REALTIME) : contents_.instance.started_at;
+    for (const RecordStatus& record : look.status.records)
+        if (!has_writer && record.state == RecordState::whole)
+            look.snapshot.taken_at = std::max(look.snapshot.taken_at, record.published_at);
     return look;
 }
 

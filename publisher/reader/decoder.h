@@ -67,12 +67,12 @@ struct RecordStatus
 struct Status
 {
     State state = State::missing;
-    std::string text = {};                           /**< one line: path and what is wrong; empty where live */
-    std::string decoder = {};                        /**< its name */
-    std::string host = {};                           /**< name and release of its host program; empty = not told. Any bytes. */
-    records::Instance instance = {};                 /**< which run of the host this is, and since when */
-    std::int64_t heartbeat_interval = 0;             /**< [ns] */
-    std::int64_t heartbeat_age = 0;                  /**< time since the last heartbeat; of no use where stale [ns] */
+    std::string text = {};               /**< one line: path and what is wrong; empty where live */
+    std::string decoder = {};            /**< its name */
+    std::string host = {};               /**< name and release of its host program; empty = not told. Any bytes. */
+    records::Instance instance = {};     /**< which run of the host this is, and since when */
+    std::int64_t heartbeat_interval = 0; /**< [ns] */
+    std::int64_t heartbeat_age = 0;      /**< time since the last heartbeat; of no use where stale [ns] */
     std::array<RecordStatus, records::component_count> records = {}; /**< by Component::index */
 };
 
@@ -98,13 +98,14 @@ public:
     ~Decoder();
 
     /** Looks how the decoder stands now. */
-    Status status() const;
+    Status status();
 
     /** Reads the records as they are now. Without records where has_records() says so. */
-    Look look() const;
+    Look look();
 
 private:
-    Look examine(bool with_records) const;
+    Look examine(bool with_records);
+    Look read(bool with_records) const;
     void read_records(Look& look, bool has_writer, bool with_records) const;
     void read_not_measured(records::Snapshot& snapshot) const;
     void find_state(Status& status, bool has_writer) const;

@@ -58,13 +58,15 @@ Mapping::Mapping(int descriptor, std::size_t size)
     if (bytes != MAP_FAILED) bytes_ = {static_cast<std::byte*>(bytes), size};
 }
 
-Mapping::Mapping(Mapping&& other) noexcept : bytes_(std::exchange(other.bytes_, {}))
+Mapping::Mapping(Mapping&& other) noexcept
+    : bytes_(std::exchange(other.bytes_, {})), has_lost_pages_(std::exchange(other.has_lost_pages_, false))
 {
 }
 
 Mapping& Mapping::operator=(Mapping&& other) noexcept
 {
     std::swap(bytes_, other.bytes_);
+    std::swap(has_lost_pages_, other.has_lost_pages_);
     return *this;
 }
 
@@ -73,12 +75,11 @@ Mapping::~Mapping()
     if (!bytes_.empty()) munmap(bytes_.data(), bytes_.size());
 }
 
-Reading::Reading(const Mapping& mapping)
+Reading::Reading(Mapping& mapping) : mapping_(mapping)
 {
     install_handler();
-    const std::span<const std::byte> bytes = mapping.bytes();
-    being_read.begin = const_cast<std::byte*>(bytes.data()); // the handler replaces the pages, it does not write
-    being_read.size = bytes.size();
+    being_read.begin = mapping.bytes_.data();
+    being_read.size = mapping.bytes_.size();
     being_read.lost = false;
 }
 
@@ -86,11 +87,7 @@ Reading::~Reading()
 {
     being_read.begin = nullptr;
     being_read.size = 0;
-}
-
-bool Reading::has_lost_pages() const
-{
-    return being_read.lost;
+    if (being_read.lost) mapping_.has_lost_pages_ = true;
 }
 
 } // namespace published

@@ -26,8 +26,13 @@ public:
 
     std::span<const std::byte> bytes() const { return bytes_; }
 
+    /** Whether a Reading has found the file shorter than it was. All bytes are 0 since then. */
+    bool has_lost_pages() const { return has_lost_pages_; }
+
 private:
+    friend class Reading;
     std::span<std::byte> bytes_;
+    bool has_lost_pages_ = false;
 };
 
 /**
@@ -37,13 +42,13 @@ private:
 class Reading
 {
 public:
-    explicit Reading(const Mapping& mapping);
+    explicit Reading(Mapping& mapping);
     ~Reading();
     Reading(const Reading&) = delete;
     Reading& operator=(const Reading&) = delete;
 
-    /** Whether the file turned out to be shorter. All of the mapping reads as zeros since then. */
-    bool has_lost_pages() const;
+private:
+    Mapping& mapping_;
 };
 
 } // namespace published
