@@ -504,7 +504,7 @@ TEST(Hostile, AnyByteMayBeAnything)
     const std::string path = directory.write("a.decstats", good);
     const int file = open(path.c_str(), O_RDWR | O_CLOEXEC);
     std::array<std::size_t, 10> states = {};
-    const std::size_t step = amount("STATS_HOSTILE_STEP", 7);
+    const std::size_t step = amount("STATS_HOSTILE_STEP", 29);
     for (std::size_t offset = 0; offset < good.size(); offset += offset < 640 ? 1 : step)
         for (const int value : {0x00, 0xff, good[offset] ^ 0x01, good[offset] ^ 0x80})
         {
