@@ -2,14 +2,17 @@
  * @file version_record.h
  * Version records in files: libraries, executables and core images, found by their signature without loading the file.
  */
-#ifndef VERSION_RECORD_H
-#define VERSION_RECORD_H
+#ifndef COMMANDS_VERSION_RECORD_H
+#define COMMANDS_VERSION_RECORD_H
 
 #include <cstdint>
 #include <functional>
 
 #include "input_file.h"
 #include "qrversioninfo.h"
+
+namespace commands
+{
 
 /** Receives a version record and its offset in the file [bytes]. */
 using VersionRecordReceiver = std::function<void(const QRVERSIONINFOBLOB& record, std::uint64_t offset)>;
@@ -20,9 +23,11 @@ using VersionRecordReceiver = std::function<void(const QRVERSIONINFOBLOB& record
  * @return number of records found
  * @throw Failure if the file cannot be read
  */
-std::uint64_t find_version_records(InputFile& file, const VersionRecordReceiver& found);
+std::uint64_t find_version_records(files::InputFile& file, const VersionRecordReceiver& found);
 
 /** Prints a version record on standard output. */
 void print_version_record(const QRVERSIONINFOBLOB& record, std::uint64_t offset);
+
+} // namespace commands
 
 #endif

@@ -8,6 +8,9 @@
 
 #include "failure.h"
 
+namespace files
+{
+
 namespace
 {
 
@@ -16,9 +19,17 @@ namespace
     throw Failure(ExitStatus::InputFailed, name + ": " + std::strerror(errno));
 }
 
+std::optional<struct stat> status_of_regular_file(int descriptor)
+{
+    struct stat status = {};
+    if (fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
+    return status;
+}
+
 } // namespace
 
-InputFile::InputFile(const std::string& path) : name_(path == "-" ? "standard input" : path), descriptor_(STDIN_FILENO), owned_(path != "-")
+InputFile::InputFile(const std::string& path)
+    : name_(path == "-" ? "standard input" : shown(path)), descriptor_(STDIN_FILENO), owned_(path != "-")
 {
     if (!owned_) return;
     do
@@ -35,11 +46,17 @@ InputFile::~InputFile()
 
 std::optional<std::uint64_t> InputFile::remaining() const
 {
-    struct stat status = {};
-    if (fstat(descriptor_, &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
+    const auto status = status_of_regular_file(descriptor_);
     const off_t position = lseek(descriptor_, 0, SEEK_CUR);
-    if (position < 0 || position > status.st_size) return std::nullopt;
-    return static_cast<std::uint64_t>(status.st_size - position);
+    if (!status || position < 0 || position > status->st_size) return std::nullopt;
+    return static_cast<std::uint64_t>(status->st_size - position);
+}
+
+std::optional<std::int64_t> InputFile::modified_at() const
+{
+    const auto status = status_of_regular_file(descriptor_);
+    if (!status) return std::nullopt;
+    return status->st_mtim.tv_sec * 1'000'000'000 + status->st_mtim.tv_nsec;
 }
 
 std::size_t InputFile::read(std::span<std::byte> buffer)
@@ -56,3 +73,5 @@ std::size_t InputFile::read(std::span<std::byte> buffer)
     }
     return filled;
 }
+
+} // namespace files

@@ -2,12 +2,15 @@
  * @file failure.h
  * How a command ends: the exit status, and the failure that ends it early.
  */
-#ifndef FAILURE_H
-#define FAILURE_H
+#ifndef FILES_FAILURE_H
+#define FILES_FAILURE_H
 
 #include <stdexcept>
 #include <string>
 #include <string_view>
+
+namespace files
+{
 
 /** The exit status of the command. */
 enum class ExitStatus
@@ -39,5 +42,10 @@ private:
  * @return text with every byte that is not printable ASCII written as \xNN
  */
 std::string printable(std::string_view text);
+
+/** A path as messages show it: an empty one in quotes, so that it is seen. */
+std::string shown(const std::string& path);
+
+} // namespace files
 
 #endif

@@ -12,24 +12,27 @@
 
 #include "failure.h"
 
+namespace commands
+{
+
 namespace
 {
 
-constexpr std::size_t recordSize = sizeof(QRVERSIONINFOBLOB);
-constexpr std::size_t bufferSize = 1 << 20;
+constexpr std::size_t record_size = sizeof(QRVERSIONINFOBLOB);
+constexpr std::size_t buffer_size = 1 << 20;
 
 // The signature is looked for without its last character, which is compared apart: a copy of all of it in this executable
 // would be found there.
-constexpr std::size_t headSize = sizeof(QRVERSIONINFOBLOB::abSignature) - 1;
-constexpr char lastCharacter = QRVERSIONINFO_SIGNATURE[headSize];
+constexpr std::size_t head_size = sizeof(QRVERSIONINFOBLOB::abSignature) - 1;
+constexpr char last_character = QRVERSIONINFO_SIGNATURE[head_size];
 
-consteval std::array<char, headSize> signature_head()
+consteval std::array<char, head_size> signature_head()
 {
-    std::array<char, headSize> head = {};
-    std::copy_n(QRVERSIONINFO_SIGNATURE, headSize, head.begin());
+    std::array<char, head_size> head = {};
+    std::copy_n(QRVERSIONINFO_SIGNATURE, head_size, head.begin());
     return head;
 }
-constexpr std::array<char, headSize> signatureHead = signature_head();
+constexpr std::array<char, head_size> head_of_signature = signature_head();
 
 template <std::size_t width> bool is_terminated(const BYTE (&text)[width])
 {
@@ -38,7 +41,7 @@ template <std::size_t width> bool is_terminated(const BYTE (&text)[width])
 
 bool is_valid(const QRVERSIONINFOBLOB& record)
 {
-    return record.abSignature[headSize] == lastCharacter && record.dwSize == recordSize && is_terminated(record.szRevision) &&
+    return record.abSignature[head_size] == last_character && record.dwSize == record_size && is_terminated(record.szRevision) &&
            is_terminated(record.szDescription) && is_terminated(record.szCopyright) && is_terminated(record.szBuildIdentifier) &&
            is_terminated(record.szBuildDate) && is_terminated(record.szBuildTime) && is_terminated(record.szNotes);
 }
@@ -51,16 +54,16 @@ void print_field(const char* label, const std::string& text)
 /** Prints a NUL-terminated text that may be empty. */
 void print_text(const char* label, const BYTE* text)
 {
-    const std::string escaped = printable(reinterpret_cast<const char*>(text));
+    const std::string escaped = files::printable(reinterpret_cast<const char*>(text));
     print_field(label, escaped.empty() ? "None" : escaped);
 }
 
 } // namespace
 
-std::uint64_t find_version_records(InputFile& file, const VersionRecordReceiver& found)
+std::uint64_t find_version_records(files::InputFile& file, const VersionRecordReceiver& found)
 {
-    const std::string_view head(signatureHead.data(), signatureHead.size());
-    std::vector<char> buffer(bufferSize);
+    const std::string_view head(head_of_signature.data(), head_of_signature.size());
+    std::vector<char> buffer(buffer_size);
     std::uint64_t count = 0;
     std::uint64_t offset = 0; // of the buffer's start in the file
     std::size_t kept = 0;     // bytes at the buffer's start that the previous round has not looked at
@@ -70,19 +73,19 @@ std::uint64_t find_version_records(InputFile& file, const VersionRecordReceiver&
         const std::size_t filled = kept + file.read(std::as_writable_bytes(std::span(buffer).subspan(kept)));
         const std::string_view content(buffer.data(), filled);
 
-        for (std::size_t at = content.find(head); at != std::string_view::npos && at + recordSize <= filled;
+        for (std::size_t at = content.find(head); at != std::string_view::npos && at + record_size <= filled;
              at = content.find(head, at + 1))
         {
             QRVERSIONINFOBLOB record;
-            std::memcpy(&record, content.data() + at, recordSize);
+            std::memcpy(&record, content.data() + at, record_size);
             if (!is_valid(record)) continue;
             ++count;
             found(record, offset + at);
         }
-        if (filled < bufferSize) return count;
+        if (filled < buffer_size) return count;
 
         // A record that begins in the last bytes may go on in the next ones.
-        kept = recordSize - 1;
+        kept = record_size - 1;
         std::copy_n(buffer.end() - static_cast<std::ptrdiff_t>(kept), kept, buffer.begin());
         offset += filled - kept;
     }
@@ -100,3 +103,5 @@ void print_version_record(const QRVERSIONINFOBLOB& record, std::uint64_t offset)
     if (record.szNotes[0] != 0) print_text("Notes", record.szNotes);
     print_field("Offset", std::to_string(offset));
 }
+
+} // namespace commands

@@ -1,5 +1,8 @@
 #include "failure.h"
 
+namespace files
+{
+
 Failure::Failure(ExitStatus status, std::string_view message) : std::runtime_error(printable(message)), status_(status) {}
 
 std::string printable(std::string_view text)
@@ -17,3 +20,10 @@ std::string printable(std::string_view text)
     }
     return escaped;
 }
+
+std::string shown(const std::string& path)
+{
+    return path.empty() ? "''" : path;
+}
+
+} // namespace files

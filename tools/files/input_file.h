@@ -2,14 +2,17 @@
  * @file input_file.h
  * A file that is read from its start to its end, standard input included.
  */
-#ifndef INPUT_FILE_H
-#define INPUT_FILE_H
+#ifndef FILES_INPUT_FILE_H
+#define FILES_INPUT_FILE_H
 
 #include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <span>
 #include <string>
+
+namespace files
+{
 
 /** A file open for reading. */
 class InputFile
@@ -31,6 +34,9 @@ public:
     /** Number of bytes from the present position to the end; nothing if the file is not a regular one. */
     std::optional<std::uint64_t> remaining() const;
 
+    /** When the file was last written [ns since the epoch]; nothing if the file is not a regular one. */
+    std::optional<std::int64_t> modified_at() const;
+
     /**
      * Reads until the buffer is full or the file ends.
      * @return number of bytes read; less than the buffer's size only at the end of the file
@@ -43,5 +49,7 @@ private:
     int descriptor_;
     bool owned_;
 };
+
+} // namespace files
 
 #endif

@@ -2,12 +2,15 @@
  * @file report_library.h
  * The report library, loaded into this process as the appliance's tools load it: its services come from this executable.
  */
-#ifndef REPORT_LIBRARY_H
-#define REPORT_LIBRARY_H
+#ifndef VIEWS_REPORT_LIBRARY_H
+#define VIEWS_REPORT_LIBRARY_H
 
 #include <memory>
 #include <optional>
 #include <string>
+
+namespace views
+{
 
 /** A loaded report library. */
 class ReportLibrary
@@ -20,7 +23,11 @@ public:
      */
     explicit ReportLibrary(const std::optional<std::string>& file);
 
-    /** Finds a function. @return its address, or NULL if the library has none of that name */
+    /**
+     * Finds a function.
+     * @return its address, or NULL if the library has nothing of that name
+     * @throw Failure if the name is not a function's
+     */
     void* find(const char* function) const;
 
     /** The file that the library was loaded from. */
@@ -33,5 +40,7 @@ private:
     };
     std::unique_ptr<void, Close> handle_;
 };
+
+} // namespace views
 
 #endif
