@@ -137,7 +137,7 @@ const Rules& buffering_rules()
             .remedy = "Set a delay of the lower limit and the largest jitter together or more, or use the mode Automatic.",
             .needs_window = false,
             .causes = delays,
-            .follows = stops,
+            .follows = no_effect,
             .reads = {&mode, &fixed_delay, &least, &set, &applied, &late, &output, &late_pictures},
             .test =
                 [](const Window& window, Hit& hit)

@@ -119,7 +119,7 @@ const Rules& link_rules()
             .remedy = "Set the latency to three to four times the round trip time, at either end.",
             .needs_window = false,
             .causes = loses,
-            .follows = stops,
+            .follows = no_effect,
             .reads = {&encapsulation, &latency, &rtt, &too_late, &srt_received},
             .test =
                 [](const Window& window, Hit& hit)
