@@ -46,6 +46,23 @@ bool is_metric(const std::string& name, const Field& field)
            (behind == "_info" && field.metric.type == dictionary::MetricType::info);
 }
 
+bool is_label(std::string_view label, const std::string& name)
+{
+    return lower(label) == name;
+}
+
+/** Whether a name has these words in it, in this order and whole. */
+bool has_words(std::string_view name, const std::string& words)
+{
+    const auto apart = [](std::string text)
+    {
+        for (char& character : text)
+            if (character == '_' || character == '.') character = ' ';
+        return " " + text + " ";
+    };
+    return apart(lower(name)).find(apart(words)) != std::string::npos;
+}
+
 bool is_called(const Field& field, const std::string& name)
 {
     const records::Component& component = dictionary::component_of(field);
@@ -86,7 +103,7 @@ public:
     void consider(std::string_view name, std::string_view form)
     {
         const std::size_t steps = distance(what_, lower(form));
-        if (steps <= std::max<std::size_t>(1, std::min(what_.size(), form.size()) / 3)) found_.emplace_back(steps, name);
+        if (steps <= std::min(what_.size(), form.size()) / 3) found_.emplace_back(steps, name);
     }
 
     std::vector<std::string> names()
@@ -105,18 +122,33 @@ private:
 
 } // namespace
 
-bool is_label(std::string_view label, std::string_view name)
-{
-    return lower(label) == lower(name);
-}
-
 std::vector<const Field*> find_fields(std::string_view what)
 {
     const std::string name = simple(what);
     std::vector<const Field*> found;
+    if (name.empty()) return found;
     for (const Field& field : dictionary::fields())
         if (is_called(field, name)) found.push_back(&field);
+    if (!found.empty()) return found;
+    for (const Field& field : dictionary::fields())
+        if (has_words(field.name, name) || std::ranges::any_of(field.lines, [&](const auto& line) { return has_words(line.label, name); }))
+            found.push_back(&field);
     return found;
+}
+
+std::vector<std::string_view> find_labels(std::string_view what, const std::vector<const Field*>& fields)
+{
+    const auto labels = [&](auto is_meant)
+    {
+        std::vector<std::string_view> found;
+        for (const Field* field : fields)
+            for (const dictionary::ReportLine& line : field->lines)
+                if (is_meant(line.label, lower(what)) && std::ranges::find(found, line.label) == found.end()) found.push_back(line.label);
+        return found;
+    };
+    const std::vector<std::string_view> same = labels(is_label);
+    if (!same.empty() || !std::ranges::none_of(fields, [&](const Field* field) { return is_called(*field, simple(what)); })) return same;
+    return labels(has_words);
 }
 
 std::vector<std::string> nearest_names(std::string_view what)
