@@ -1,7 +1,10 @@
 """Snapshots to look at, and their renderings."""
+import os
+import pathlib
 import random
 import struct
 import subprocess
+import tempfile
 
 import layout
 
@@ -58,3 +61,29 @@ def renderings(program, view, snapshots, environment=None):
         at += 8 + size
 
 
+
+
+def directed_snapshots(records):
+    """Snapshots in which everything is in use, with an SRT link and with FEC, and one of zeros."""
+    for encapsulation in (34, 3):
+        special = {"enEncapsulation": encapsulation, "enFECType": 2, "enType": 2, "enBufferingMode": 4, "trackingMode": 1}
+        snapshot = b""
+        for component, size in records.sizes.items():
+            record = bytearray(size)
+            for leaf in records.leaves[component]:
+                value = special.get(leaf.path[-1], 1)
+                packed = b"t".ljust(leaf.size, b"\0") if leaf.format == "s" else struct.pack(leaf.format, value)
+                record[leaf.offset : leaf.offset + leaf.size] = packed
+            snapshot += bytes(record)
+        yield snapshot
+    yield bytes(sum(records.sizes.values()))
+
+
+def samples(decstats, records):
+    """The made-up decoders of the tool."""
+    listing = subprocess.run([decstats, "demo", "--list"], stdout=subprocess.PIPE, check=True, text=True).stdout
+    for line in listing.splitlines():
+        with tempfile.TemporaryDirectory() as directory:
+            subprocess.run([decstats, "sample", line.split()[0], directory], check=True)
+            paths = [os.path.join(directory, component.replace("_", "-") + ".rec") for component in records.sizes]
+            yield b"".join(pathlib.Path(path).read_bytes() for path in paths)

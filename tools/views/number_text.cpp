@@ -37,6 +37,23 @@ void append_decimals(std::string& text, std::uint64_t billionths)
     for (std::size_t i = digits; i > 0; --i, billionths /= 10) text[point + i] = static_cast<char>('0' + billionths % 10);
 }
 
+/** Appends a number with zeros in front, to nine digits. */
+void append_nine_digits(std::string& text, std::uint64_t value)
+{
+    const std::size_t start = text.size();
+    text.append(9, '0');
+    for (std::size_t i = 9; i > 0; --i, value /= 10) text[start + i - 1] = static_cast<char>('0' + value % 10);
+}
+
+/** Appends a product that is too large for 64 bits, though not for 93. */
+void append_product(std::string& text, std::uint64_t value, std::uint32_t factor)
+{
+    const std::uint64_t low = value % billion * factor;
+    const std::uint64_t high = value / billion * factor + low / billion;
+    append_number(text, high);
+    append_nine_digits(text, low % billion);
+}
+
 } // namespace
 
 void append_integer(std::string& text, std::int64_t value)
@@ -86,16 +103,16 @@ void append_moment(std::string& text, const dictionary::Moment& moment)
     }
     if (negative) text += '-';
     append_integer(text, seconds);
-    const std::size_t point = text.size();
-    text.append(10, '.');
-    for (std::size_t i = 9; i > 0; --i, rest /= 10) text[point + i] = static_cast<char>('0' + rest % 10);
+    text += '.';
+    append_nine_digits(text, static_cast<std::uint64_t>(rest));
 }
 
 void append_scaled(std::string& text, std::uint64_t value, std::uint32_t multiply, std::uint32_t divide)
 {
     std::uint64_t product = 0;
-    if (billion % divide != 0 || __builtin_mul_overflow(value, std::uint64_t{multiply}, &product))
-        return append_number(text, static_cast<double>(value) * multiply / divide);
+    const bool has_overflown = __builtin_mul_overflow(value, std::uint64_t{multiply}, &product);
+    if (has_overflown && divide == 1) return append_product(text, value, multiply);
+    if (has_overflown || billion % divide != 0) return append_number(text, static_cast<double>(value) * multiply / divide);
 
     append_integer(text, product / divide);
     const std::uint64_t rest = product % divide;
