@@ -19,8 +19,9 @@ std::string_view kind_name(Kind kind)
 
 std::span<const Field> fields(const records::Component& component)
 {
-    const auto range = std::ranges::equal_range(fields(), component.index, {}, &Field::component);
-    return {range.begin(), range.end()};
+    const auto first = std::ranges::lower_bound(fields(), component.index, {}, &Field::component);
+    const auto last = std::ranges::upper_bound(fields(), component.index, {}, &Field::component);
+    return {first, last};
 }
 
 std::optional<Found> find(std::string_view name)
