@@ -27,7 +27,7 @@ namespace
 
 struct Options
 {
-    std::string source;
+    sources::Source source;
     std::bitset<records::component_count> components;
     STATS_LEVEL level = STATS_LEVEL_DEFAULT;
     std::string format = "text";
@@ -39,7 +39,7 @@ struct Options
 
 [[noreturn]] void fail(const std::string& message)
 {
-    throw files::Failure(files::ExitStatus::InputFailed, message);
+    throw files::Failure(files::ExitStatus::input_failed, message);
 }
 
 /** Refuses options that have no meaning together. */
@@ -48,7 +48,8 @@ void check(const Options& options)
     const bool is_json = options.format == "json" || options.format == "ndjson";
     if (options.raw && !is_json) fail("--raw is for JSON: --format json or ndjson");
     if (options.raw && !options.fields.empty()) fail("--raw shows whole records, so there is no --field with it");
-    if (!options.fields.empty() && !is_json && options.format != "text") fail("--field is for text and JSON: --format text, json or ndjson");
+    if (!options.fields.empty() && !is_json && options.format != "text")
+        fail("--field is for text and JSON: --format text, json or ndjson");
     if (!options.output.empty() && options.format == "text" && options.fields.empty())
         fail("--output is for what programs read: --format json, ndjson, openmetrics or prometheus");
 }
@@ -78,13 +79,13 @@ void restrict(records::Snapshot& snapshot, const Options& options, const std::ve
     for (const records::Component& component : records::components())
     {
         if (snapshot.has(component)) continue;
-        if (wanted[component.index]) fail(files::shown(options.source) + ": no " + std::string(component.name) + " record");
+        if (wanted[component.index]) fail(files::shown(options.source.text) + ": no " + std::string(component.name) + " record");
         missing += (missing.empty() ? "" : ", ") + std::string(component.name);
     }
     if (wanted.any())
         snapshot.present &= wanted;
-    else if (!missing.empty() && std::filesystem::is_directory(options.source))
-        std::fprintf(stderr, "decstats: %s: no record of %s\n", files::printable(options.source).c_str(), missing.c_str());
+    else if (!missing.empty() && std::filesystem::is_directory(options.source.text))
+        std::fprintf(stderr, "decstats: %s: no record of %s\n", files::printable(options.source.text).c_str(), missing.c_str());
 }
 
 std::string json(const records::Snapshot& snapshot, const Options& options, const std::vector<dictionary::Found>& fields)
@@ -133,9 +134,7 @@ void add_show(CLI::App& app, const LibraryFile& library)
 {
     const auto options = std::make_shared<Options>();
     CLI::App& command = add_command(app, "show", "Show the records of a decoder as reports, JSON or metrics");
-    command.add_option("SOURCE", options->source, "sample:SCENARIO, a directory of record files, or a record file, - for standard input")
-        ->type_name("")
-        ->required();
+    add_source(command, options->source);
     add_components(command, options->components);
     add_level(command, options->level);
     command.add_option("--format", options->format, "text, json, ndjson (one line), openmetrics or prometheus")
