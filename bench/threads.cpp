@@ -13,7 +13,7 @@ enum class Locking
     report, // the caller keeps a report in one piece
 };
 
-static void PrintAll(benchmark::State& state, Locking locking)
+static void print_all(benchmark::State& state, Locking locking)
 {
     const records::Snapshot snapshot = sources::sample("live-srt-1080i", frozen_moment);
     std::array<void*, records::component_count> functions;
@@ -29,11 +29,11 @@ static void PrintAll(benchmark::State& state, Locking locking)
     }
 }
 
-void RegisterThreads()
+void register_threads()
 {
     const auto add = [](const char* name, Locking locking)
     {
-        benchmark::RegisterBenchmark(name, [locking](benchmark::State& state) { PrintAll(state, locking); })
+        benchmark::RegisterBenchmark(name, [locking](benchmark::State& state) { print_all(state, locking); })
             ->Threads(1)
             ->Threads(2)
             ->Threads(4)
