@@ -1,4 +1,4 @@
-// The host program of the README, as its readers see it.
+// The publishing host of the examples, as its readers see it.
 
 #include <csignal>
 #include <gtest/gtest.h>
