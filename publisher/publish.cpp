@@ -235,7 +235,7 @@ long bit_of(const char* name)
         const auto* rows = reinterpret_cast<const FieldRow*>(&layout + 1);
         for (std::uint32_t i = 0; i < layout.field_count; ++i)
             if (std::strlen(wanted) == rows[i].name_length && std::memcmp(wanted, bytes + rows[i].name_offset, rows[i].name_length) == 0)
-                return static_cast<long>(layout.first_field + i);
+                return static_cast<long>(layout.first_field) + static_cast<long>(i);
     }
     return -1;
 }

@@ -447,6 +447,28 @@ TEST(Hostile, SectionsThatAreNotAligned)
     }
 }
 
+TEST(Hostile, MomentsBeyondAnyTime)
+{
+    const ScratchDirectory directory;
+    const Publisher publisher(directory.path(), "a");
+    publish_all(publisher.get(), sample_records("idle"));
+    const std::string path = directory / "a.decstats";
+    const std::string good = content_of(path);
+    const std::size_t heartbeat = slot_offset(good, publisher::SectionType::heartbeat);
+    const std::size_t usage = slot_offset(good, publisher::SectionType::record, 7);
+    for (const std::uint64_t moment : {std::uint64_t{1} << 63, ~std::uint64_t{0}, (std::uint64_t{1} << 63) - 1})
+    {
+        overwrite(path, offsetof(publisher::Header, started_at), moment);
+        overwrite(path, heartbeat + sizeof(publisher::Slot), moment);
+        overwrite(path, usage + offsetof(publisher::Slot, moment), moment);
+        const Look look = Decoder(path).look();
+        EXPECT_TRUE(look.status.state == State::live || look.status.state == State::hung);
+        EXPECT_GE(look.status.heartbeat_age, 0);
+        EXPECT_GE(look.status.instance.started_at, 0);
+        EXPECT_GE(look.status.records.back().published_at, 0);
+    }
+}
+
 TEST(Hostile, ThingsThatAreNoFiles)
 {
     const ScratchDirectory directory;
