@@ -16,7 +16,6 @@
 #include <vector>
 
 #include "all_reports.h"
-#include "frozen_clock.h"
 #include "replays.h"
 
 namespace
@@ -126,14 +125,13 @@ void write_replays(std::ostream& out)
     int index = 0;
     for (const char* sample : measured_samples)
     {
-        SAMPLES_RECORDS records;
-        samples_find(sample)->pFill(&records, frozen_now);
+        const records::Snapshot snapshot = sources::sample(sample, frozen_moment);
         for (const auto& [level_name, level] : measured_levels)
-            for (const Report& report : all_reports)
+            for (const records::Component& component : records::components())
             {
                 calls.clear();
-                report.print(RecordOf(records, report), level);
-                functions << "\n// " << report.component << ", " << sample << ", " << level_name << "\nstatic void replay" << index
+                print_report(component, snapshot.record(component).data(), level);
+                functions << "\n// " << component.name << ", " << sample << ", " << level_name << "\nstatic void replay" << index
                           << "()\n{\n"
                           << calls << "}\n";
                 table << "    replay" << index++ << ",\n";

@@ -1,5 +1,3 @@
-#include "reports.h"
-
 #include <dlfcn.h>
 #include <ext/stdio_filebuf.h>
 #include <sys/mman.h>
@@ -7,8 +5,8 @@
 
 #include <cstdio>
 
+#include "all_reports.h"
 #include "bench.h"
-#include "frozen_clock.h"
 #include "replays.h"
 
 using Print = std::function<void()>;
@@ -43,12 +41,12 @@ static std::string capture(const Print& print)
     return text;
 }
 
-/** The reports of another build of the library's sources, which keeps its functions to itself. */
-static const decltype(all_reports)& reports_of(const char* library)
+/** Another build of the library's sources, which keeps its functions to itself. */
+static void* open_library(const char* path)
 {
-    void* handle = dlopen(library, RTLD_NOW | RTLD_LOCAL);
+    void* const handle = dlopen(path, RTLD_NOW | RTLD_LOCAL);
     if (handle == nullptr) fail(dlerror());
-    return reinterpret_cast<decltype(&reports)>(dlsym(handle, "reports"))();
+    return handle;
 }
 
 /** The ways to print one text. */
@@ -60,12 +58,14 @@ struct Ways
     Print iostreams;
 };
 
-static Ways ways_of(const SAMPLES_RECORDS& records, size_t report, STATS_LEVEL level, Print floor)
+static Ways ways_of(const records::Snapshot& snapshot, const records::Component& component, STATS_LEVEL level, Print floor)
 {
-    static const auto& through_fmt = reports_of(THROUGH_FMT);
-    static const auto& through_iostreams = reports_of(THROUGH_IOSTREAMS);
-    const auto print = [&records, level](const Report& r) { return [&records, &r, level] { r.print(RecordOf(records, r), level); }; };
-    return {print(all_reports[report]), std::move(floor), print(through_fmt[report]), print(through_iostreams[report])};
+    static void* const through_fmt = open_library(THROUGH_FMT);
+    static void* const through_iostreams = open_library(THROUGH_IOSTREAMS);
+    const auto print = [&component, record = snapshot.record(component).data(), level](void* function)
+    { return [&component, record, level, function] { component.print(function, record, level); }; };
+    return {print(report_function(component)), std::move(floor), print(dlsym(through_fmt, component.function)),
+            print(dlsym(through_iostreams, component.function))};
 }
 
 /** One after the other. */
@@ -99,20 +99,20 @@ static void add_variants(std::vector<Variant>& variants, const std::string& name
 
 std::vector<Variant> report_variants()
 {
-    static std::array<SAMPLES_RECORDS, measured_samples.size()> records;
+    static std::array<records::Snapshot, measured_samples.size()> snapshots;
     std::vector<Variant> variants;
     const auto* replay = replays;
     for (size_t i = 0; i < measured_samples.size(); ++i)
     {
-        samples_find(measured_samples[i])->pFill(&records[i], frozen_now);
+        snapshots[i] = sources::sample(measured_samples[i], frozen_moment);
         for (const auto& [level_name, level] : measured_levels)
         {
             const std::string prefix = std::string(measured_samples[i]) + "/" + level_name + "/";
             std::vector<Ways> parts;
-            for (size_t report = 0; report < all_reports.size(); ++report)
+            for (const records::Component& component : records::components())
             {
-                parts.push_back(ways_of(records[i], report, level, *replay++));
-                add_variants(variants, prefix + all_reports[report].component, parts.back());
+                parts.push_back(ways_of(snapshots[i], component, level, *replay++));
+                add_variants(variants, prefix + std::string(component.name), parts.back());
             }
             add_variants(variants, prefix + "all", all(parts));
         }

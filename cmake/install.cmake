@@ -47,17 +47,19 @@ endforeach()
 
 # decstats finds the library from its own folder. The build has the folders of the installation, so that one run path holds in
 # both, and nothing has to be changed in what was linked.
-file(RELATIVE_PATH library_folder ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
-set_target_properties(decstats PROPERTIES
-    INSTALL_RPATH "$ORIGIN/${library_folder}"
-    RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/${CMAKE_INSTALL_BINDIR})
 set_target_properties(stats PROPERTIES LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/${CMAKE_INSTALL_LIBDIR})
-install(TARGETS decstats RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+if(STATS_TOOLS)
+    file(RELATIVE_PATH library_folder ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
+    set_target_properties(decstats PROPERTIES
+        INSTALL_RPATH "$ORIGIN/${library_folder}"
+        RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/${CMAKE_INSTALL_BINDIR})
+    install(TARGETS decstats RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 
-install(FILES packaging/completions/decstats.bash
-        DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME decstats)
-install(FILES packaging/completions/_decstats DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions)
-install(FILES packaging/completions/decstats.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
+    install(FILES packaging/completions/decstats.bash
+            DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME decstats)
+    install(FILES packaging/completions/_decstats DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions)
+    install(FILES packaging/completions/decstats.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
+endif()
 
 # ---- The manual pages ----
 

@@ -20,7 +20,7 @@ struct Result
     const char* szSentence;
 };
 
-// "The session manager" is the service that holds the codes; "the client program" is what asks it, a command or a web page.
+// "The session manager" is the service that holds the codes; "the client program" is what asks it.
 constexpr Result RESULTS[] = {
     {SMGR_ERROR_SUCCESS,                                               "The request succeeded."                                                                    },
     {SMGR_ERROR_GENERIC_FAILURE,                                       "The request failed; no reason was given."                                                  },

@@ -57,7 +57,7 @@ static const char* _PMFECLevel(const SMGR_STREAM_PMFECRX_STATS* pStats)
     return pStats->bRowFEC ? "B (Row and Column)" : "A (Column Only)";
 }
 
-// A count is an int here and is shown at the default level when it is above 0; its text is that of the widened number.
+// These counts are ints. A negative one hides at the default level, and prints as the unsigned number that it widens to.
 static void _PrintPMFECCount(const char* pTitle, int nCount)
 {
     char szBuffer[1024];
@@ -110,7 +110,7 @@ void _PrintTDemuxSource(const SMGR_TDEMUX_SOURCE_STATS* pStats, STATS_LEVEL nLev
     if (printAll) _PrintCounterStatWithTimingIndent2("No-DTS Packets", c.nNumNoDTSValueFrames, c.tLastNoDTSValueFrames);
 }
 
-// A negative code comes from resolving the address, another one is an errno value.
+// A negative code comes from resolving the address; any other is an errno value.
 static const char* _GetLastErrorText(int iLastError)
 {
     return iLastError < 0 ? gai_strerror(iLastError) : strerror(iLastError);

@@ -129,8 +129,7 @@ TEST(IPAddress, HostNameComesFirst)
 
 TEST(IPAddress, BytesOfAHostNameThatAreNotPrintableASCIIAreReplaced)
 {
-    EXPECT_EQ(AddressText(Address(AF_INET, {192, 0, 2, 10}, "a\x1B[2Jb\nState: Active\r\t\x7F")),
-        "a?[2Jb?State: Active??? (192.0.2.10)");
+    EXPECT_EQ(AddressText(Address(AF_INET, {192, 0, 2, 10}, "a\x1B[2Jb\nState: Active\r\t\x7F")), "a?[2Jb?State: Active??? (192.0.2.10)");
     EXPECT_EQ(AddressText(Address(AF_INET, {192, 0, 2, 10}, "m\xC3\xBCnchen\x80\xFF")), "m??nchen?? (192.0.2.10)");
     for (int nByte = 1; nByte < 256; ++nByte)
     {

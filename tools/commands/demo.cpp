@@ -48,7 +48,8 @@ void add_demo(CLI::App& app, const LibraryFile& library)
         [options, &library]
         {
             if (options->list) return list_scenarios();
-            views::print_reports(sources::sample(options->scenario, sources::present_moment()), library, options->components, options->level);
+            views::print_reports(sources::sample(options->scenario, sources::present_moment()), library, options->components,
+                                 options->level);
         });
 }
 

@@ -54,8 +54,10 @@ void add_at(CLI::App& command, std::optional<sources::At>& at)
         if (sources::parse_at(value)) return std::string();
         return "'" + value + "' is no moment; a moment is as 2022-06-06T16:06:55Z, seconds since the epoch, or mtime";
     };
-    command.add_option_function<std::string>("--at", [&at](const std::string& value) { at = sources::parse_at(value); },
-                                             "Moment that the ages count to: RFC 3339, seconds since the epoch, or mtime of the file")
+    command
+        .add_option_function<std::string>(
+            "--at", [&at](const std::string& value) { at = sources::parse_at(value); },
+            "Moment that the ages count to: RFC 3339, seconds since the epoch, or mtime of the file")
         ->check({check, ""})
         ->type_name("TIME");
 }

@@ -141,8 +141,7 @@ private:
 
 } // namespace
 
-LockedDirectory::LockedDirectory(const std::string& path)
-    : path_(path), descriptor_(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC))
+LockedDirectory::LockedDirectory(const std::string& path) : path_(path), descriptor_(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC))
 {
     if (descriptor_ < 0) fail(path, errno);
     // Where a file system has no locks, two writers at the same time are the only ones to notice.

@@ -1,16 +1,18 @@
 #include "report_library.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <dlfcn.h>
 #include <filesystem>
+#include <fstream>
 #include <link.h>
 #include <new>
 #include <string_view>
 #include <vector>
 
 #include "failure.h"
-#include "whole_library.h"
 
 namespace views
 {
@@ -53,6 +55,29 @@ std::optional<std::string> find_default(const std::vector<std::string>& folders)
     return std::nullopt;
 }
 
+/**
+ * Refuses a library that was cut short, as by a full disk. The dynamic linker maps it all the same, and the process dies of
+ * the first access behind the file's end. What else may be wrong with a file, the dynamic linker says.
+ */
+void require_whole(const std::string& path)
+{
+    std::ifstream file(path, std::ios::binary | std::ios::ate);
+    const auto size = static_cast<std::uint64_t>(file.tellg());
+    ElfW(Ehdr) header;
+    file.seekg(0);
+    file.read(reinterpret_cast<char*>(&header), sizeof(header));
+    if (!file || std::memcmp(header.e_ident, ELFMAG, SELFMAG) != 0 || header.e_phentsize != sizeof(ElfW(Phdr))) return;
+
+    file.seekg(static_cast<std::streamoff>(header.e_phoff));
+    for (unsigned i = 0; i < header.e_phnum; ++i)
+    {
+        ElfW(Phdr) segment;
+        if (!file.read(reinterpret_cast<char*>(&segment), sizeof(segment))) return;
+        if (segment.p_type == PT_LOAD && (segment.p_offset > size || segment.p_filesz > size - segment.p_offset))
+            fail(path + ": is cut short: a part to be loaded lies behind its " + std::to_string(size) + " bytes");
+    }
+}
+
 /** The name for dlopen, which searches the system's folders for a name without a slash. */
 std::string name_to_open(const std::string& file)
 {
@@ -70,7 +95,7 @@ ReportLibrary::ReportLibrary(const std::optional<std::string>& file)
 {
     const std::vector<std::string> folders = file ? std::vector<std::string>() : library_folders();
     const std::optional<std::string> found = file ? name_to_open(*file) : find_default(folders);
-    if (found) require_whole_library(*found);
+    if (found) require_whole(*found);
 
     const std::string name = file ? *found : default_name;
     handle_.reset(dlopen(name.c_str(), RTLD_NOW));
@@ -105,8 +130,7 @@ void* ReportLibrary::find(const char* function) const
 std::string ReportLibrary::path() const
 {
     link_map* map = nullptr;
-    if (dlinfo(handle_.get(), RTLD_DI_LINKMAP, &map) != 0 || map == nullptr)
-        fail(std::string("the report library's file: ") + dlerror());
+    if (dlinfo(handle_.get(), RTLD_DI_LINKMAP, &map) != 0 || map == nullptr) fail(std::string("the report library's file: ") + dlerror());
     const std::unique_ptr<char, decltype(&std::free)> resolved(realpath(map->l_name, nullptr), &std::free);
     return resolved ? resolved.get() : map->l_name;
 }

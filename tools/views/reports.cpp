@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdio>
+#include <ctime>
 #include <memory>
 #include <span>
 #include <stdio_ext.h>
@@ -10,7 +11,6 @@
 #include <vector>
 
 #include "failure.h"
-#include "report_clock.h"
 #include "report_library.h"
 
 namespace views
@@ -18,6 +18,9 @@ namespace views
 
 namespace
 {
+
+/** Where time() stands; nothing = it runs. */
+std::optional<time_t> report_clock;
 
 [[noreturn]] void fail(const std::string& message)
 {
@@ -61,7 +64,8 @@ void print_reports(const records::Snapshot& snapshot, const std::optional<std::s
             if (function != nullptr)
                 reports.emplace_back(&component, function);
             else if (is_named)
-                fail(library.path() + ": no function " + component.function + ", which prints the " + std::string(component.name) + " report");
+                fail(library.path() + ": no function " + component.function + ", which prints the " + std::string(component.name) +
+                     " report");
         }
     }
     if (reports.empty()) fail(library.path() + ": none of the report functions, STATS_PrintFor...");
@@ -69,11 +73,25 @@ void print_reports(const records::Snapshot& snapshot, const std::optional<std::s
     auto copy = std::make_unique<records::Snapshot>(snapshot);
     make_texts_printable(copy->records);
     const std::size_t before = __fpending(stdout);
-    const ReportClock clock(snapshot.taken_at);
+    report_clock = snapshot.taken_at / 1'000'000'000;
     for (const auto& [component, function] : reports) component->print(function, copy->record(*component).data(), level);
+    report_clock.reset();
 
     if (__fpending(stdout) == before && level == STATS_LEVEL_DEFAULT && isatty(STDERR_FILENO))
         std::fputs("decstats: all lines of this report belong to the debug level: --level debug\n", stderr);
 }
 
 } // namespace views
+
+/**
+ * The clock of the process, its libraries included: the executable exports it, and the dynamic linker finds it before the C
+ * library's. So a record is printed with the ages that its events had when it was taken.
+ */
+extern "C" [[gnu::visibility("default")]] time_t time(time_t* result) noexcept
+{
+    timespec now = {};
+    clock_gettime(CLOCK_REALTIME_COARSE, &now); // what the C library's looks at
+    if (views::report_clock) now.tv_sec = *views::report_clock;
+    if (result != nullptr) *result = now.tv_sec;
+    return now.tv_sec;
+}

@@ -1,6 +1,0 @@
-#include "reports.h"
-
-const decltype(all_reports)& reports()
-{
-    return all_reports;
-}
