@@ -47,6 +47,7 @@ complete -c decstats -n __decstats_needs_command -a version -d 'Print the versio
 complete -c decstats -n '__fish_seen_subcommand_from demo print' -l level -x -a 'default debug' -d 'How much the reports show'
 complete -c decstats -n '__fish_seen_subcommand_from print' -l at -x -a mtime -d 'The moment of the record'
 complete -c decstats -n '__fish_seen_subcommand_from demo' -l component -x -a '(__decstats_components)' -d 'Print this report only'
+complete -c decstats -n '__fish_seen_subcommand_from print' -l at -x -a mtime -d 'Moment that the ages count to'
 complete -c decstats -n '__decstats_at demo 0' -l list -d 'List the scenarios'
 complete -c decstats -n '__decstats_at demo 0; and not __fish_contains_opt list' -a '(__decstats_scenarios)'
 complete -c decstats -n '__decstats_at print 0' -a '(__decstats_components)'
