@@ -4,6 +4,8 @@
 #include <utility>
 
 #include "duration.h"
+#include "failure.h"
+#include "field_search.h"
 #include "sample.h"
 
 namespace commands
@@ -48,7 +50,7 @@ void add_components(CLI::App& command, std::bitset<records::component_count>& co
     command.footer(component_help());
 }
 
-void add_at(CLI::App& command, std::optional<sources::At>& at)
+void add_moment(CLI::App& command, const std::string& name, std::optional<sources::At>& at, const std::string& description)
 {
     const auto check = [](const std::string& value)
     {
@@ -57,10 +59,19 @@ void add_at(CLI::App& command, std::optional<sources::At>& at)
     };
     command
         .add_option_function<std::string>(
-            "--at", [&at](const std::string& value) { at = sources::parse_at(value); },
-            "Moment that the ages count to: RFC 3339, seconds since the epoch, or mtime of the file")
+            name, [&at](const std::string& value) { at = sources::parse_at(value); }, description)
         ->check({check, ""})
         ->type_name("TIME");
+}
+
+void add_at(CLI::App& command, std::optional<sources::At>& at)
+{
+    add_moment(command, "--at", at, "Moment that the ages count to: RFC 3339, seconds since the epoch, or mtime of the file");
+}
+
+void add_fields(CLI::App& command, std::vector<std::string>& names)
+{
+    command.add_option("--field", names, "Show these fields only, by their public names")->type_name("NAME...");
 }
 
 void add_source(CLI::App& command, sources::Source& source)
@@ -95,6 +106,23 @@ CLI::Option* add_duration(CLI::App& command, const std::string& name, std::chron
             name, [&duration](const std::string& value) { duration = *sources::parse_duration(value); }, description)
         ->check({check, ""})
         ->type_name("TIME");
+}
+
+std::vector<dictionary::Found> named_fields(const std::vector<std::string>& names)
+{
+    std::vector<dictionary::Found> found;
+    for (const std::string& name : names)
+    {
+        const auto field = dictionary::find(name);
+        if (!field)
+        {
+            const std::vector<std::string> nearest = views::nearest_field_names(name);
+            const std::string near = nearest.empty() ? "'decstats describe' lists all" : "near it are " + joined(nearest);
+            throw files::Failure(files::ExitStatus::input_failed, "'" + name + "' is no field; " + near);
+        }
+        found.push_back(*field);
+    }
+    return found;
 }
 
 CLI::Option* add_scenario(CLI::App& command, std::string& scenario)

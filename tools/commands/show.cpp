@@ -10,7 +10,6 @@
 #include "commands.h"
 #include "failure.h"
 #include "field_lines.h"
-#include "field_search.h"
 #include "json.h"
 #include "metrics.h"
 #include "options.h"
@@ -52,22 +51,6 @@ void check(const Options& options)
         fail("--field is for text and JSON: --format text, json or ndjson");
     if (!options.output.empty() && options.format == "text" && options.fields.empty())
         fail("--output is for what programs read: --format json, ndjson, openmetrics or prometheus");
-}
-
-std::vector<dictionary::Found> named_fields(const std::vector<std::string>& names)
-{
-    std::vector<dictionary::Found> found;
-    for (const std::string& name : names)
-    {
-        const auto field = dictionary::find(name);
-        if (!field)
-        {
-            const std::vector<std::string> nearest = views::nearest_field_names(name);
-            fail("'" + name + "' is no field; " + (nearest.empty() ? "'decstats describe' lists all" : "near it are " + joined(nearest)));
-        }
-        found.push_back(*field);
-    }
-    return found;
 }
 
 /** Leaves the wanted components in a Snapshot. Tells which records a directory does not have, unless they are not wanted. */
@@ -143,7 +126,7 @@ void add_show(CLI::App& app, const LibraryFile& library)
         ->capture_default_str();
     command.add_flag("--raw", options->raw, "JSON of all bytes as they stand in the records, nothing interpreted");
     add_at(command, options->at);
-    command.add_option("--field", options->fields, "Show these fields only, by their public names")->type_name("NAME...");
+    add_fields(command, options->fields);
     command.add_option("--output", options->output, "Write this file, whole at once, instead of standard output")->type_name("FILE");
     command.callback([options, &library] { show(*options, library); });
 }

@@ -8,6 +8,7 @@
 #include "json_writer.h"
 #include "number_text.h"
 #include "utf8.h"
+#include "value_text.h"
 
 namespace views
 {
@@ -18,20 +19,6 @@ namespace
 using published::RecordState;
 
 constexpr std::int64_t second = 1'000'000'000;
-
-std::string instance_id(const records::Instance& instance)
-{
-    std::string id;
-    append_hex(id, std::as_bytes(std::span(instance.id)));
-    return id;
-}
-
-std::string rfc3339(std::int64_t moment)
-{
-    std::string text;
-    append_rfc3339(text, moment);
-    return text;
-}
 
 /** An age as people read it: 0.4s, 59.9s, 7m 03s, 5h 12m, 3d 04h. The clock may have been set back. @param age [ns] */
 std::string age_text(std::int64_t age)
@@ -67,7 +54,7 @@ std::string_view record_state_name(RecordState state)
 /** A moment of a clock that has tenths, to the second: 2022-06-14T12:14:00Z. */
 std::string to_the_second(std::int64_t moment)
 {
-    return rfc3339(moment).substr(0, 19) + "Z";
+    return moment_text(moment).substr(0, 19) + "Z";
 }
 
 void decoder_object(JsonWriter& writer, const published::Listed& decoder, std::int64_t now)
@@ -93,8 +80,8 @@ void decoder_object(JsonWriter& writer, const published::Listed& decoder, std::i
     if (is_known)
     {
         writer.start_object();
-        writer.member("id", instance_id(status.instance));
-        writer.member("started_at", rfc3339(status.instance.started_at));
+        writer.member("id", instance_text(status.instance));
+        writer.member("started_at", moment_text(status.instance.started_at));
         writer.end_object();
     }
     writer.object_member("records",
@@ -108,7 +95,7 @@ void decoder_object(JsonWriter& writer, const published::Listed& decoder, std::i
                                  writer.start_object();
                                  writer.member("state", record_state_name(record.state));
                                  const bool is_whole = record.state == RecordState::whole;
-                                 text_or_null("published_at", is_whole ? rfc3339(record.published_at) : "");
+                                 text_or_null("published_at", is_whole ? moment_text(record.published_at) : "");
                                  writer.key("age");
                                  std::string age;
                                  append_moment(age, {.nanoseconds = std::max<std::int64_t>(now - record.published_at, 0)});
@@ -134,7 +121,7 @@ std::string decoder_lines(const published::Listing& listing, std::int64_t now)
         text.append(name).append(width - name.size() + 2, ' ').append(published::state_name(status.state));
         const bool is_known = published::has_records(status.state);
         if (is_known) text.append(" since ").append(to_the_second(status.instance.started_at));
-        if (is_known) text.append(", instance ").append(instance_id(status.instance));
+        if (is_known) text.append(", instance ").append(instance_text(status.instance));
         if (is_known && !status.host.empty()) text.append(", host ").append(files::printable(status.host));
         text += '\n';
         const std::string indent(width + 2, ' ');
@@ -157,7 +144,7 @@ std::string decoders_json(const published::Listing& listing, const std::string& 
     writer.start_object();
     writer.member("schema", "decstats-list/1");
     writer.member("directory", valid_utf8(directory));
-    writer.member("taken_at", rfc3339(now));
+    writer.member("taken_at", moment_text(now));
     writer.key("decoders");
     writer.start_array();
     for (const published::Listed& decoder : listing.decoders) decoder_object(writer, decoder, now);
