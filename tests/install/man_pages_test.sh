@@ -4,7 +4,7 @@
 set -eu
 command -v groff >/dev/null || { echo "groff is missing"; exit 77; }
 cd "$1/share/man"
-for page in man1/decstats.1 man3/libstats.3 man3/libstatspublish.3 man5/decstats-reports.5; do
+for page in $(grep -L '^\.so ' man*/*); do
     messages=$(groff -mandoc -ww -Tutf8 -z "$page" 2>&1)
     [ -z "$messages" ] || { echo "$messages"; exit 1; }
 done
