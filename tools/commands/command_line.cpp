@@ -15,7 +15,7 @@ namespace
 
 [[noreturn]] void fail(const std::string& message)
 {
-    throw files::Failure(files::ExitStatus::InputFailed, message);
+    throw files::Failure(files::ExitStatus::input_failed, message);
 }
 
 /** The command that the command line names, or the app itself. */

@@ -40,7 +40,7 @@ std::vector<const Field*> described_fields(const std::vector<std::string>& names
         if (found.empty())
         {
             const std::vector<std::string> nearest = views::nearest_names(name);
-            throw files::Failure(files::ExitStatus::InputFailed,
+            throw files::Failure(files::ExitStatus::input_failed,
                                  "'" + name + "' is no field, C member, metric, report line or component" +
                                      (nearest.empty() ? "; 'decstats describe' lists all" : "; near it are " + joined(nearest)));
         }

@@ -39,7 +39,7 @@ struct Options
 
 [[noreturn]] void fail(const std::string& message)
 {
-    throw files::Failure(files::ExitStatus::InputFailed, message);
+    throw files::Failure(files::ExitStatus::input_failed, message);
 }
 
 /** Refuses options that have no meaning together. */

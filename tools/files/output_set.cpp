@@ -22,7 +22,7 @@ namespace
 
 [[noreturn]] void fail(const std::string& path, int error)
 {
-    throw Failure(ExitStatus::OutputFailed, shown(path) + ": " + std::strerror(error));
+    throw Failure(ExitStatus::output_failed, shown(path) + ": " + std::strerror(error));
 }
 
 mode_t file_creation_mask()
