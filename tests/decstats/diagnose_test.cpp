@@ -10,7 +10,7 @@ namespace
 {
 
 /** @return the exit status of "decstats diagnose ARGUMENTS" */
-Finish diagnose(std::vector<std::string> arguments, Output output = Output::Captured)
+Finish diagnose(std::vector<std::string> arguments, Output output = Output::captured)
 {
     arguments.insert(arguments.begin(), "diagnose");
     return run(Start{.arguments = std::move(arguments), .output = output});
@@ -60,9 +60,9 @@ TEST(Diagnose, WhatCannotBeToldIsThree)
         EXPECT_EQ(finish.err.find('\n'), finish.err.size() - 1) << finish.err;
     }
     EXPECT_EQ(run({"--bogus", "diagnose", "sample:idle"}).status, 3);
-    EXPECT_EQ(diagnose({"sample:trouble"}, Output::FullDevice).status, 3);
-    EXPECT_EQ(diagnose({"sample:live-srt-1080i"}, Output::Closed).status, 3);
-    EXPECT_EQ(diagnose({"--help"}, Output::FullDevice).status, 3);
+    EXPECT_EQ(diagnose({"sample:trouble"}, Output::full_device).status, 3);
+    EXPECT_EQ(diagnose({"sample:live-srt-1080i"}, Output::closed).status, 3);
+    EXPECT_EQ(diagnose({"--help"}, Output::full_device).status, 3);
 }
 
 TEST(Diagnose, HelpIsZero)
@@ -91,7 +91,7 @@ TEST(Diagnose, JsonIsOneObject)
 TEST(Diagnose, OtherCommandsKeepTheirStatuses)
 {
     EXPECT_EQ(run({"show", "/nonexistent"}).status, 2);
-    EXPECT_EQ(run(Start{.arguments = {"demo"}, .output = Output::FullDevice}).status, 1);
+    EXPECT_EQ(run(Start{.arguments = {"demo"}, .output = Output::full_device}).status, 1);
 }
 
 } // namespace
