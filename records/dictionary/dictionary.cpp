@@ -19,8 +19,9 @@ std::string_view kind_name(Kind kind)
 
 std::span<const Field> fields(const records::Component& component)
 {
-    const auto range = std::ranges::equal_range(fields(), component.index, {}, &Field::component);
-    return {range.begin(), range.end()};
+    // Not equal_range: Clang 14 does not know what this C++ library makes of it.
+    return {std::ranges::lower_bound(fields(), component.index, {}, &Field::component),
+            std::ranges::upper_bound(fields(), component.index, {}, &Field::component)};
 }
 
 std::optional<Found> find(std::string_view name)
