@@ -22,7 +22,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     catch (const files::Failure& failure)
     {
         require(content.size() != component.record_size, "what was not read has another size");
-        require(failure.status() == files::ExitStatus::InputFailed, "the failure is one of the input");
+        require(failure.status() == files::ExitStatus::input_failed, "the failure is one of the input");
     }
     return 0;
 }

@@ -1,6 +1,7 @@
 #include "simulation.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <climits>
 #include <cmath>
 #include <stdexcept>
@@ -207,6 +208,7 @@ void Simulation::advance(nanoseconds duration)
 
 void Simulation::tick(nanoseconds duration)
 {
+    tick_ = duration;
     const double seconds = seconds_of(duration);
     const Disturbance d = disturbance();
     if (d.hung) return;
@@ -246,6 +248,9 @@ void Simulation::suffer()
 {
     auto& demux = r_.tTDemux;
     auto& link = demux.Xport.SRT;
+    const long usual = std::lround(1e6 / datagram_rate_);
+    demux.tCounters.nRxPacketToPacketIntervalUs = static_cast<unsigned long>(usual + noise(usual / 4));
+    demux.tCounters.nExternalRxPacketToPacketIntervalUs = static_cast<unsigned long>(usual + noise(usual / 4));
     if (chance(1.0 / 20, 1))
     {
         const long lost = 20 + std::abs(noise(180));
@@ -254,7 +259,7 @@ void Simulation::suffer()
         link.nXmitNakPkts += static_cast<unsigned long>(lost * 3 / 4);
         link.nDroppedPkts += static_cast<unsigned long>(late);
         link.nDroppedBytes += static_cast<unsigned long>(late) * static_cast<unsigned long>(datagram_bytes_);
-        demux.tCounters.nRxPacketToPacketIntervalUs = static_cast<unsigned long>(60000 + 1000 * std::abs(noise(300)));
+        demux.tCounters.nRxPacketToPacketIntervalUs = static_cast<unsigned long>(20000 + 1000 * std::abs(noise(60)));
         demux.tCounters.nExternalRxPacketToPacketIntervalUs = demux.tCounters.nRxPacketToPacketIntervalUs;
         RAISE(demux.tCounters, nRxPacketToPacketIntervalUs, nMaxRxPacketToPacketIntervalUs, tMaxRxPacketToPacketInterval);
         RAISE(demux.tCounters, nExternalRxPacketToPacketIntervalUs, nMaxExternalRxPacketToPacketIntervalUs,
@@ -280,6 +285,18 @@ void Simulation::receive(const Disturbance& d, double seconds)
     auto& demux = r_.tTDemux;
     auto& counters = demux.tCounters;
     gone_ = d.gone;
+    if (flows_ && !srt_) demux.enState = d.calling ? SMGR_TDEMUX_STATS_STATE_CONNECTING : SMGR_TDEMUX_STATS_STATE_ACTIVE;
+    if (d.reconnects && is_every(std::chrono::seconds(8)))
+    {
+        COUNT(counters, nNumReconnections, tLastReconnection, 1);
+        gone_ = 0.2; // what was under way when it broke
+    }
+    if (d.errors && chance(0.7, seconds))
+    {
+        COUNT(counters, nNumErrors, tLastError, 1);
+        counters.iLastError = ENOBUFS;
+        counters.iLastErrorTime = now_s_;
+    }
     const long received = link(d, sent, seconds);
 
     COUNT(counters, nNumReceivedPackets, tLastReceivedPacket, received);
@@ -322,7 +339,10 @@ void Simulation::receive(const Disturbance& d, double seconds)
 long Simulation::link(const Disturbance& d, long sent, double seconds)
 {
     if (srt_) return srt(d, sent, seconds);
-    if (fec_) return fec(d, sent);
+    if (d.fec_off)
+        r_.tTDemux.enFECType = SMGR_FEC_TYPE_NONE;
+    else if (fec_)
+        return fec(d, sent);
     const long gone = share(d.gone + d.lost, sent, carries_[1]);
     COUNT(r_.tTDemux.tCounters, nNumLostSegmentsRTP, tLastLostSegmentRTP, gone);
     return sent - gone;
@@ -355,7 +375,10 @@ long Simulation::srt(const Disturbance& d, long sent, double seconds)
     link.iKeyState = d.key_state >= 0 ? d.key_state : was.iKeyState;
 
     const bool opaque = d.undecryptable || !flows_;
-    if (flows_) r_.tTDemux.enState = opaque ? SMGR_TDEMUX_STATS_STATE_SCRAMBLED : SMGR_TDEMUX_STATS_STATE_ACTIVE;
+    if (flows_)
+        r_.tTDemux.enState = opaque      ? SMGR_TDEMUX_STATS_STATE_SCRAMBLED
+                             : d.calling ? SMGR_TDEMUX_STATS_STATE_CONNECTING
+                                         : SMGR_TDEMUX_STATS_STATE_ACTIVE;
     if (opaque)
     {
         link.Dir.Rx.nUndecryptedPkts += static_cast<unsigned long>(received);
@@ -408,8 +431,7 @@ void Simulation::clocks(const Disturbance& d, double seconds)
     {
         const unsigned long before = demux.nPCR;
         pcrs_ += n;
-        if (d.pcr_jumps &&
-            elapsed_ / std::chrono::seconds(5) != (elapsed_ - nanoseconds(static_cast<long>(seconds * 1e9))) / std::chrono::seconds(5))
+        if (d.pcr_jumps && is_every(std::chrono::seconds(5)))
         {
             clock.PcrJump = 700 + noise(200);
             clock.tLastPcrJump = now_s_;
@@ -497,13 +519,14 @@ void Simulation::demultiplex(const Disturbance& d, double seconds)
         long n = std::max(0L, static_cast<long>(std::floor(flow.due_in - lag * flow.rate)));
         flow.due_in -= static_cast<double>(n);
         flow.received += n; // by the time stamps
-        if (!readable || missing) n = 0;
+        if (!readable || missing || d.demux_stalled) n = 0;
 
         const double bytes = static_cast<double>(n) * flow.bytes * (1 + 0.01 * static_cast<double>(flow.pair < 0 ? noise(5) : 0));
         const auto whole = static_cast<unsigned long>(std::llround(bytes));
         COUNT(source.tCounters, nNumReceivedPackets, tLastReceivedPacket, n);
         source.tCounters.nNumReceivedBytes += whole;
         const bool passes = !d.scrambled;
+        if (d.scrambled && demux.enState == SMGR_TDEMUX_STATS_STATE_ACTIVE) demux.enState = SMGR_TDEMUX_STATS_STATE_SCRAMBLED;
         if (passes)
         {
             COUNT(source.tCounters, nNumOutputPackets, tLastOutputPacket, n);
@@ -567,7 +590,8 @@ void Simulation::buffer(const Disturbance& d, double seconds)
         if (type == SMGR_TDEMUX_DATA_TYPE_VIDEO)
         {
             const double mean = held_before > 0 ? bytes_before / static_cast<double>(held_before) : flow.bytes;
-            decode(d, frame(d, released, mean * static_cast<double>(released)), seconds);
+            const long given = d.framer_starved ? 0 : released;
+            decode(d, frame(d, given, mean * static_cast<double>(given)), seconds);
         }
         else if (type == SMGR_TDEMUX_DATA_TYPE_AUDIO)
             play(d, flow, released, seconds);
@@ -615,7 +639,7 @@ long Simulation::release(const Disturbance& d, Flow& flow, double seconds)
 
     if (flow.filling && flow.held.now >= flow.held.usual) flow.filling = false;
     long due = take(flow.due_out, flow.rate * seconds);
-    if (flow.filling) due = 0;
+    if (flow.filling || d.buffer_stalled) due = 0;
     const long released = std::min(due, flow.held.now);
     if (released < due) flow.filling = true;
     if (d.bunched > 0 && released < due)
@@ -625,7 +649,10 @@ long Simulation::release(const Disturbance& d, Flow& flow, double seconds)
     }
     // With what was not there, the buffer would never shrink again.
     const long surplus = flow.held.now - released - 3 * flow.held.usual - static_cast<long>(flow.rate);
-    const long out = released + std::max(0L, surplus);
+    const long out = d.buffer_stalled ? 0 : released + std::max(0L, surplus);
+    const long late = share(d.late_release, out, carries_[17]);
+    COUNT(counters, nNumLateOutputs, tLastLateOutput, late);
+    if (late > 0) counters.nMaxLateOutputMs = std::max(counters.nMaxLateOutputMs, 80 + static_cast<int>(noise(30)));
 
     if (flow.held.now > 0) flow.held_bytes -= flow.held_bytes * static_cast<double>(out) / static_cast<double>(flow.held.now);
     flow.held.now -= out;
@@ -703,7 +730,14 @@ long Simulation::frame(const Disturbance& d, long pictures, double bytes)
         }
         framed = 0;
     }
-    if (d.format_changes && chance(1.0 / 3, 1))
+    if (d.framer_stalled) framed = 0;
+    const long overflown = share(d.framer_overflow, pictures, carries_[18]);
+    if (overflown > 0 && framed > 0)
+    {
+        framed -= std::min(framed, overflown);
+        COUNT(counters, nInputPacketListOverflows, tLastInputPacketListOverflow, 1);
+    }
+    if (d.format_changes && is_every(std::chrono::seconds(3)))
     {
         COUNT(counters, nNumFormatTransitions, tLastFormatTransition, 1);
         framer.tPreviousProperties = properties;
@@ -727,11 +761,11 @@ long Simulation::frame(const Disturbance& d, long pictures, double bytes)
     counters.nNumInputPacketsFreed += static_cast<unsigned long>(pictures);
     if (d.unsupported)
         COUNT(counters, nNumInputPacketsDropped, tLastInputPacketDropped, pictures);
-    else if (unframed > 0)
+    else if (pictures > framed)
     {
-        COUNT(counters, nNumOutputFramesDropped, tLastOutputFrameDropped, unframed);
+        COUNT(counters, nNumOutputFramesDropped, tLastOutputFrameDropped, pictures - framed);
         counters.nNumOutputBytesDropped +=
-            static_cast<unsigned long>(bytes * static_cast<double>(unframed) / static_cast<double>(pictures));
+            static_cast<unsigned long>(bytes * static_cast<double>(pictures - framed) / static_cast<double>(pictures));
         COUNT(counters, nNumSHErrors, tLastSHError, unframed);
     }
     if (framed > 0)
@@ -751,6 +785,7 @@ void Simulation::decode(const Disturbance& d, long pictures, double seconds)
     const auto& was = first_.tVideoDecoder;
     Flow& flow = streams_.front();
 
+    if (d.decoder_starved) pictures = 0;
     COUNT(counters, nNumReceivedFrames, tLastReceivedFrame, pictures);
     long dropped = share(d.dropped, pictures, carries_[10]);
     if (d.no_memory || d.stalled) dropped = d.no_memory ? pictures : 0;
@@ -800,7 +835,7 @@ void Simulation::decode(const Disturbance& d, long pictures, double seconds)
 
     metadata(d, SMGR_METADATA_CHANNEL_TYPE_CC, pictures, ordered, ordered, -1);
     metadata(d, SMGR_METADATA_CHANNEL_TYPE_TC, pictures, ordered, ordered, -1);
-    show(d, ordered, seconds);
+    show(d, d.output_starved ? 0 : ordered, seconds);
 }
 
 void Simulation::show(const Disturbance& d, long pictures, double seconds)
@@ -813,22 +848,23 @@ void Simulation::show(const Disturbance& d, long pictures, double seconds)
 
     const long skipped = std::min(undisplayed_.now, share(d.skipped, pictures, carries_[12]));
     COUNT(counters, nNumSkippedOutputFrames, tLastSkippedOutputFrame, skipped);
-    undisplayed_.now -= skipped;
+    const long refused = std::min(undisplayed_.now - skipped, share(d.output_errors, pictures, carries_[19]));
+    COUNT(counters, nNumOutputErrors, tLastOutputError, refused);
+    undisplayed_.now -= skipped + refused;
     COUNT(counters, nNumOutputLate, tLastOutputLate, share(d.late_pts ? 1 : d.late, pictures, carries_[13]));
 
     // Having run empty, the output waits until as many pictures as usual are there.
     if (starved_ && undisplayed_.now >= undisplayed_.usual) starved_ = false;
-    const long due = take(due_shown_, streams_.front().rate * seconds);
-    long again = std::min(due, share(d.replayed, due, carries_[14]));
-    long shown = starved_ || d.frozen ? 0 : std::min(due - again, undisplayed_.now);
+    const long due = take(due_shown_, streams_.front().rate * d.output_clock * seconds);
+    const long shown = starved_ || d.frozen ? 0 : std::min(due, undisplayed_.now);
     if (undisplayed_.now - shown > 4 * undisplayed_.usual + 8 && !d.frozen)
     {
         const long surplus = undisplayed_.now - shown - undisplayed_.usual;
         COUNT(counters, nNumSkippedOutputFrames, tLastSkippedOutputFrame, surplus);
         undisplayed_.now -= surplus;
     }
-    again = due - shown;
-    if (shown + again > 0 && shown == 0) starved_ = true;
+    const long again = due - shown;
+    if (due > 0 && shown == 0) starved_ = true;
     undisplayed_.now -= shown;
     if (d.frozen) undisplayed_.now = std::min(undisplayed_.now, 4 * undisplayed_.usual);
     shown_ += shown;
@@ -858,6 +894,7 @@ void Simulation::play(const Disturbance& d, Flow& flow, long frames, double seco
 {
     auto& pair = r_.tAudio.PairStats[flow.pair];
     const auto& was = first_.tAudio.PairStats[flow.pair];
+    if (d.audio_starved) frames = 0;
     COUNT(pair, nReceivedFrames, tLastReceivedFrame, frames);
 
     long decoded = 0;
@@ -966,6 +1003,9 @@ void Simulation::metadata(const Disturbance& d, int type, long in, long out, lon
     decoder.tCounters.nNumReceivedPackets += static_cast<unsigned long>(in);
     counters.nNumOutputPayloadBytes +=
         counters.nNumOutputPayloadBytes / std::max(1UL, +counters.nNumOutputPackets) * static_cast<unsigned long>(out);
+    const long dropped = std::min(out, share(d.metadata_dropped, out, carries_[20]));
+    COUNT(counters, nNumDroppedPackets, tLastDroppedPacket, dropped);
+    out -= dropped;
     COUNT(counters, nNumOutputPackets, tLastOutputPacket, out);
     COUNT(counters, nNumFreedPackets, tLastFreedPacket, out);
     if (out > 0) counters.tLastOutputTime = now_s_;
@@ -978,7 +1018,7 @@ void Simulation::metadata(const Disturbance& d, int type, long in, long out, lon
     counters.nNumBDInFreeList = descriptors > used ? descriptors - used : 0;
     counters.nBDUsedListHeadIndex = static_cast<int>(counters.nNumBDFreed % descriptors);
     counters.nBDFreeListHeadIndex = static_cast<int>(counters.nNumBDAllocated % descriptors);
-    counters.nNumInPacketList = counters.nNumInputPackets - counters.nNumOutputPackets;
+    counters.nNumInPacketList = counters.nNumInputPackets - counters.nNumOutputPackets - counters.nNumDroppedPackets;
     counters.nNumInDelayList = counters.nNumInPacketList;
     counters.nCurrentDelayInPackets = used;
     counters.nOutputSTCLeadTime = was.nOutputSTCLeadTime + static_cast<int>(noise(4));
@@ -1041,6 +1081,12 @@ double Simulation::fraction()
 bool Simulation::chance(double per_second, double seconds)
 {
     return fraction() < per_second * seconds;
+}
+
+/** Whether a moment that comes again and again lies in this tick. */
+bool Simulation::is_every(nanoseconds period) const
+{
+    return elapsed_ / period != (elapsed_ - tick_) / period;
 }
 
 /** @return the whole packets of a share, what is left over is kept for the next time */

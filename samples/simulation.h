@@ -153,6 +153,7 @@ private:
     long noise(long range);
     double fraction();
     bool chance(double per_second, double seconds);
+    bool is_every(std::chrono::nanoseconds period) const;
     static long share(double part, long of, double& carry);
 
     SAMPLES_RECORDS r_ = {};
@@ -163,6 +164,7 @@ private:
     bool fec_ = false;
     bool srt_ = false;
     std::chrono::nanoseconds elapsed_ = {};
+    std::chrono::nanoseconds tick_ = {};
     time_t now_s_ = 0;
 
     std::vector<Flow> streams_;

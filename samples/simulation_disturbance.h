@@ -11,9 +11,12 @@ namespace samples
 struct Disturbance
 {
     /* network */
-    double arriving = 1; /**< share of what is sent that arrives in any form */
-    double bunched = 0;  /**< the datagrams come in bunches, so far apart [s] */
-    bool hung = false;   /**< the host does not update its records */
+    double arriving = 1;     /**< share of what is sent that arrives in any form */
+    double bunched = 0;      /**< the datagrams come in bunches, so far apart [s] */
+    bool hung = false;       /**< the host does not update its records */
+    bool calling = false;    /**< the connection is gone and the sender does not answer */
+    bool reconnects = false; /**< the connection is made again every eight seconds */
+    bool errors = false;     /**< receiving fails now and then */
 
     /* link */
     double lost = 0;            /**< share lost on the way and sent again or rebuilt in time */
@@ -22,6 +25,7 @@ struct Disturbance
     bool undecryptable = false; /**< the keys do not fit */
     int key_state = -1;         /**< state of the key exchange; -1 = as it was */
     bool without_fec = false;   /**< no FEC packet arrives */
+    bool fec_off = false;       /**< the input is RTP without FEC */
     bool fec_in_vain = false;   /**< nothing was lost since the start */
 
     /* transport stream */
@@ -32,6 +36,7 @@ struct Disturbance
     bool without_audio = false;
     bool without_klv = false;
     bool late_pts = false; /**< time stamps lie behind the PCR */
+    bool demux_stalled = false;
     double demux_overflow = 0;
 
     /* clock */
@@ -45,22 +50,29 @@ struct Disturbance
     bool unsupported = false;
     bool format_changes = false; /**< every three seconds */
     double unframed = 0;         /**< share of the pictures that the framer drops */
+    bool framer_starved = false;
+    bool framer_stalled = false;
+    double framer_overflow = 0;
 
     /* video decoder */
     bool stalled = false; /**< takes pictures and decodes none */
+    bool decoder_starved = false;
     bool no_memory = false;
     bool overloaded = false;
     double dropped = 0;   /**< share of the pictures that it drops */
     double concealed = 0; /**< share of the pictures that it conceals */
 
     /* output */
-    double late = 0;     /**< share of the pictures that are sent late */
-    double skipped = 0;  /**< share of the pictures that are skipped */
-    double replayed = 0; /**< share of the frames that are shown again though there are new ones */
-    bool frozen = false; /**< the output takes no picture */
+    double late = 0;             /**< share of the pictures that are sent late */
+    double skipped = 0;          /**< share of the pictures that are skipped */
+    double output_clock = 1;     /**< speed of the output against the stream */
+    bool frozen = false;         /**< the output takes no picture */
+    bool output_starved = false; /**< nothing is sent to the output */
+    double output_errors = 0;
 
     /* audio */
     bool audio_stalled = false;
+    bool audio_starved = false;
     double audio_errors = 0;
     double audio_skipped = 0;
     bool audio_discontinuous = false;
@@ -68,9 +80,12 @@ struct Disturbance
 
     /* metadata */
     bool metadata_stalled = false;
+    double metadata_dropped = 0;
 
     /* buffering */
     bool too_small = false;
+    bool buffer_stalled = false;
+    double late_release = 0; /**< share of the packets that the buffering controller releases late */
     bool too_large = false;
     double overflow = 0; /**< share of the packets that the buffering controller throws away */
     int multisync = 0;   /**< error of the MultiSync mode; 0 = none */

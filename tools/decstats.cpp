@@ -33,7 +33,7 @@ void close_output()
     errno = 0;
     const bool failed = std::ferror(stdout) != 0;
     if (std::fclose(stdout) == 0 && !failed) return;
-    throw files::Failure(files::ExitStatus::OutputFailed, std::string("standard output: ") + std::strerror(errno != 0 ? errno : EIO));
+    throw files::Failure(files::ExitStatus::output_failed, std::string("standard output: ") + std::strerror(errno != 0 ? errno : EIO));
 }
 
 int fail(files::ExitStatus status, const char* message)
@@ -58,7 +58,7 @@ int main(int argc, char** argv)
     {
         commands::run(argc, argv);
         close_output();
-        return static_cast<int>(files::ExitStatus::Done);
+        return static_cast<int>(files::ExitStatus::done);
     }
     catch (const files::Failure& failure)
     {
@@ -66,6 +66,6 @@ int main(int argc, char** argv)
     }
     catch (const std::exception& error)
     {
-        return fail(files::ExitStatus::InputFailed, error.what());
+        return fail(files::ExitStatus::input_failed, error.what());
     }
 }

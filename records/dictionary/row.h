@@ -15,6 +15,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 
 #include "dictionary.h"
@@ -42,26 +43,27 @@ struct Place
     std::size_t count = 0;
 };
 
-#define DICTIONARY_TYPE_OF(record, path) decltype(std::declval<record&>().path)
+template <typename T> constexpr Member member(std::type_identity<T>, std::string_view path, std::size_t offset)
+{
+    return {path, offset, sizeof(T), type_of<T>()};
+}
 
-#define DICTIONARY_MEMBER(record, path)                                          \
-    ::dictionary::row::Member                                                    \
-    {                                                                            \
-#path, offsetof(record, path), sizeof(DICTIONARY_TYPE_OF(record, path)), \
-            ::dictionary::type_of < DICTIONARY_TYPE_OF(record, path)>()          \
-    }
+constexpr Place place(std::string_view path, std::size_t offset)
+{
+    return {.path = path, .offset = offset};
+}
 
-#define DICTIONARY_PLACE(record, path) \
-    ::dictionary::row::Place           \
-    {                                  \
-#path, offsetof(record, path)  \
-    }
+template <typename T, std::size_t N> constexpr Place array(std::type_identity<T[N]>, std::string_view path, std::size_t offset)
+{
+    return {path, offset, sizeof(T), N};
+}
 
-#define DICTIONARY_ARRAY(record, path)                                                                                             \
-    ::dictionary::row::Place                                                                                                       \
-    {                                                                                                                              \
-#path, offsetof(record, path), sizeof(std::declval <record&>().path[0]), std::extent_v < DICTIONARY_TYPE_OF(record, path)> \
-    }
+// A member cannot stand in parentheses. NOLINTBEGIN(bugprone-macro-parentheses)
+#define DICTIONARY_TYPE_OF(record, path) std::type_identity<decltype(std::declval<record&>().path)>()
+#define DICTIONARY_MEMBER(record, path)  ::dictionary::row::member(DICTIONARY_TYPE_OF(record, path), #path, offsetof(record, path))
+#define DICTIONARY_ARRAY(record, path)   ::dictionary::row::array(DICTIONARY_TYPE_OF(record, path), #path, offsetof(record, path))
+#define DICTIONARY_PLACE(record, path)   ::dictionary::row::place(#path, offsetof(record, path))
+// NOLINTEND(bugprone-macro-parentheses)
 
 /** A Term that names its field. */
 struct NamedTerm

@@ -98,7 +98,7 @@ template <auto Make> constexpr auto pool()
     {
         all.start[i] = all.text.size;
         all.text += Make(entries[i]).view();
-        all.text += std::string_view("", 1);
+        all.text += std::string_view("\0", 1);
     }
     all.start[entries.size()] = all.text.size;
     return all;

@@ -15,7 +15,7 @@ namespace
 
 [[noreturn]] void fail(const std::string& message)
 {
-    throw files::Failure(files::ExitStatus::InputFailed, message);
+    throw files::Failure(files::ExitStatus::input_failed, message);
 }
 
 /** The command that the command line names, or the app itself. */
@@ -82,6 +82,8 @@ void run(int argc, char** argv)
     app.require_subcommand(0, 1);
     app.fallthrough();
     app.add_option("--library", library, "Load this report library instead of libstats.so")->type_name("FILE");
+    add_show(app, library);
+    add_describe(app);
     add_demo(app, library);
     add_print(app, library);
     add_sample(app);

@@ -15,9 +15,9 @@ namespace files
 /** The exit status of the command. */
 enum class ExitStatus
 {
-    Done = 0,         /**< everything asked for was written */
-    OutputFailed = 1, /**< output could not be written */
-    InputFailed = 2,  /**< the command line was wrong or an input could not be read */
+    done = 0,          /**< everything asked for was written */
+    output_failed = 1, /**< output could not be written */
+    input_failed = 2,  /**< the command line was wrong or an input could not be read */
 };
 
 /** Ends the command with one line on standard error and a status. */

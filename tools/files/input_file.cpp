@@ -16,7 +16,7 @@ namespace
 
 [[noreturn]] void fail(const std::string& name)
 {
-    throw Failure(ExitStatus::InputFailed, name + ": " + std::strerror(errno));
+    throw Failure(ExitStatus::input_failed, name + ": " + std::strerror(errno));
 }
 
 std::optional<struct stat> status_of_regular_file(int descriptor)

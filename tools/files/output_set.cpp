@@ -22,7 +22,7 @@ namespace
 
 [[noreturn]] void fail(const std::string& path, int error)
 {
-    throw Failure(ExitStatus::OutputFailed, shown(path) + ": " + std::strerror(error));
+    throw Failure(ExitStatus::output_failed, shown(path) + ": " + std::strerror(error));
 }
 
 mode_t file_creation_mask()
@@ -108,8 +108,15 @@ public:
         if (close(std::exchange(descriptor_, -1)) != 0) fail(path_, errno);
     }
 
-    /** Gives the file its own name, and the one that had it another. */
+    /** Gives the file its own name in place of the one that had it. */
     void publish()
+    {
+        if (std::rename(temporary_.c_str(), path_.c_str()) != 0) fail(path_, errno);
+        is_published_ = true;
+    }
+
+    /** The same, and the one that had it keeps another name until this one is kept. */
+    void publish_with_way_back()
     {
         struct stat status = {};
         if (lstat(path_.c_str(), &status) == 0)
@@ -118,8 +125,7 @@ public:
             if (std::rename(path_.c_str(), replaced_.c_str()) != 0) fail(path_, errno);
             has_replaced_ = true;
         }
-        if (std::rename(temporary_.c_str(), path_.c_str()) != 0) fail(path_, errno);
-        is_published_ = true;
+        publish();
     }
 
     /** Makes it final. */
@@ -165,7 +171,10 @@ void write_set(const LockedDirectory& directory, const std::vector<OutputFile>& 
         next.finish();
     }
     if (signals.arrived()) return;
-    for (PendingFile& file : pending) file.publish();
+    if (pending.size() == 1)
+        pending.front().publish(); // a reader sees the old file or the new one, and never none
+    else
+        for (PendingFile& file : pending) file.publish_with_way_back();
     for (PendingFile& file : pending) file.keep();
 }
 

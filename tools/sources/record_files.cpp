@@ -18,7 +18,7 @@ namespace
 
 [[noreturn]] void fail(const std::string& message)
 {
-    throw files::Failure(files::ExitStatus::InputFailed, message);
+    throw files::Failure(files::ExitStatus::input_failed, message);
 }
 
 std::string count_of_bytes(std::uint64_t count)

@@ -24,7 +24,7 @@ constexpr const char* default_name = STATS_SONAME;
 
 [[noreturn]] void fail(const std::string& message)
 {
-    throw files::Failure(files::ExitStatus::InputFailed, message);
+    throw files::Failure(files::ExitStatus::input_failed, message);
 }
 
 /** The folders in which the dynamic linker looks for a library of this executable, in its order. */

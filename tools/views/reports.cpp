@@ -24,7 +24,7 @@ std::optional<time_t> report_clock;
 
 [[noreturn]] void fail(const std::string& message)
 {
-    throw files::Failure(files::ExitStatus::InputFailed, message);
+    throw files::Failure(files::ExitStatus::input_failed, message);
 }
 
 /** A record may come from anyone: its texts must not reach a terminal as escape sequences, nor as lines of their own. */

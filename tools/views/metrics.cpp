@@ -1,0 +1,232 @@
+#include "metrics.h"
+
+#include <array>
+#include <cmath>
+#include <cstring>
+
+#include "metric_families.h"
+#include "number_text.h"
+#include "presence.h"
+#include "text_buffer.h"
+#include "value_text.h"
+
+namespace views
+{
+
+namespace
+{
+
+using dictionary::Field;
+using dictionary::MetricType;
+using Record = std::span<const std::byte>;
+
+/** A value as the text of a label. */
+std::string label_value(const Field& field, Record record, std::size_t element)
+{
+    if (field.kind == dictionary::Kind::state)
+    {
+        std::string identifier = dictionary::identifier(field, dictionary::integer(field, record, element));
+        if (!identifier.empty()) return identifier;
+    }
+    const dictionary::Value value = dictionary::value(field, record, element);
+    if (const auto* text = std::get_if<std::string_view>(&value)) return std::string(*text);
+    if (std::holds_alternative<Record>(value)) return bytes_text(field, record);
+    std::string digits;
+    if (const auto* natural = std::get_if<std::uint64_t>(&value))
+        append_integer(digits, *natural);
+    else
+        append_integer(digits, dictionary::integer(field, record, element));
+    return digits;
+}
+
+/** A decoder while its metrics are written. */
+class Decoder
+{
+public:
+    explicit Decoder(const ExposedDecoder& exposed) : snapshot_(*exposed.snapshot), is_up_(exposed.is_up)
+    {
+        append_label(labels_, "decoder", snapshot_.decoder);
+        if (!is_up_) return;
+        for (const records::Component& component : records::components())
+            if (const dictionary::Array* array = dictionary::array_of(component); array != nullptr && snapshot_.has(component))
+                add_elements(component, *array);
+    }
+
+    const std::string& labels() const { return labels_; }
+    bool is_up() const { return is_up_; }
+    std::int64_t taken_at() const { return snapshot_.taken_at; }
+
+    /** Appends a family's samples, each with its line. */
+    void append_samples(TextBuffer& text, const MetricFamily& family) const
+    {
+        const Field& first = *family.members.front().field;
+        const records::Component& component = dictionary::component_of(first);
+        if (!is_up_ || !snapshot_.has(component)) return;
+        const Record record = snapshot_.record(component);
+        if (first.array == nullptr) return append_samples(text, family, record, 0, labels_);
+        const std::vector<std::string>& elements = element_labels_.at(component.index);
+        for (std::size_t i = 0; i < elements.size(); ++i)
+            if (!elements[i].empty()) append_samples(text, family, record, i, elements[i]);
+    }
+
+private:
+    /** The labels of an array's elements: the number, and what makes it readable. Those of elements not in use stay empty. */
+    void add_elements(const records::Component& component, const dictionary::Array& array)
+    {
+        const Record record = snapshot_.record(component);
+        std::vector<std::string>& elements = element_labels_.at(component.index);
+        elements.resize(array.count);
+        for (std::size_t i = 0; i < array.count; ++i)
+        {
+            if (!dictionary::in_use(array, record, i)) continue;
+            elements[i] = labels_ + ',';
+            append_label(elements[i], array.label, std::to_string(i + array.first_number));
+            for (const Field& field : dictionary::fields().subspan(array.first_field, array.field_count))
+            {
+                if (!field.is_label || !is_shown(field, record, i)) continue;
+                elements[i] += ',';
+                append_label(elements[i], field.label_name, label_value(field, record, i));
+            }
+        }
+    }
+
+    bool is_shown(const Field& field, Record record, std::size_t element) const
+    {
+        return applies_in_use(field, record, element) && has_value(snapshot_, field, record, element);
+    }
+
+    void append_samples(TextBuffer& text, const MetricFamily& family, Record record, std::size_t element, const std::string& labels) const
+    {
+        if (family.type == MetricType::info) return append_info(text, family, record, element, labels);
+        for (const FamilyMember& member : family.members)
+        {
+            if (member.is_plain ? snapshot_.not_measured[member.index] : !is_shown(*member.field, record, element)) continue;
+            if (family.type == MetricType::state_set)
+                append_states(text, family, dictionary::integer(*member.field, record, element), labels);
+            else
+                append_number(text, family, member, record.data() + member.offset + element * member.stride, labels);
+        }
+    }
+
+    /** @param bytes where the value stands */
+    static void append_number(TextBuffer& text, const MetricFamily& family, const FamilyMember& member, const std::byte* bytes,
+                              const std::string& labels)
+    {
+        char* to = text.room(family.start.size() + labels.size() + member.labels.size() + number_size + 1);
+        to = TextBuffer::put(to, family.start);
+        to = TextBuffer::put(to, labels);
+        to = TextBuffer::put(to, member.labels);
+        const char* const value = to;
+        to = write_value(to, member, bytes);
+        if (family.type == MetricType::counter && *value == '-') return; // no counter is below 0: nothing has been written
+        *to++ = '\n';
+        text.written_to(to);
+    }
+
+    template <typename Number> static Number read(const std::byte* bytes)
+    {
+        Number number;
+        std::memcpy(&number, bytes, sizeof number);
+        return number;
+    }
+
+    static char* write_value(char* to, const FamilyMember& member, const std::byte* bytes)
+    {
+        const auto scaled = [&](auto number) { return write_scaled(to, number, member.multiply, member.divide); };
+        switch (member.type)
+        {
+        case dictionary::Type::i32: return scaled(std::int64_t{read<std::int32_t>(bytes)});
+        case dictionary::Type::u32: return scaled(std::uint64_t{read<std::uint32_t>(bytes)});
+        case dictionary::Type::i64: return scaled(read<std::int64_t>(bytes));
+        case dictionary::Type::u64: return scaled(read<std::uint64_t>(bytes));
+        case dictionary::Type::u8: return scaled(std::uint64_t{read<std::uint8_t>(bytes)});
+        case dictionary::Type::f32: return write_real(to, read<float>(bytes));
+        case dictionary::Type::timespec:
+            return write_moment(to, {read<std::int64_t>(bytes), read<std::int64_t>(bytes + sizeof(std::int64_t))});
+        case dictionary::Type::text:
+        case dictionary::Type::bytes: break; // labels of infos
+        }
+        return to;
+    }
+
+    /** Fields that are floats have the base unit already. */
+    static char* write_real(char* to, float value)
+    {
+        if (std::isfinite(value)) return write_float(to, value);
+        return TextBuffer::put(to, std::isnan(value) ? "NaN" : value > 0 ? "+Inf" : "-Inf");
+    }
+
+    static void append_states(TextBuffer& text, const MetricFamily& family, std::int64_t code, const std::string& labels)
+    {
+        const auto states = family.members.front().field->states->values;
+        bool is_known = false;
+        for (std::size_t i = 0; i <= states.size(); ++i)
+        {
+            const bool is_true = i < states.size() ? states[i].value == code : !is_known;
+            is_known = is_known || is_true;
+            char* to = text.room(family.start.size() + labels.size() + family.states[i].size() + 2);
+            to = TextBuffer::put(to, family.start);
+            to = TextBuffer::put(to, labels);
+            to = TextBuffer::put(to, family.states[i]);
+            text.written_to(TextBuffer::put(to, is_true ? "1\n" : "0\n"));
+        }
+    }
+
+    void append_info(TextBuffer& text, const MetricFamily& family, Record record, std::size_t element, const std::string& labels) const
+    {
+        std::string sample = std::string(family.start) + labels;
+        bool has_any = false;
+        for (const FamilyMember& member : family.members)
+        {
+            const Field& field = *member.field;
+            if (!is_shown(field, record, element)) continue;
+            has_any = true;
+            if (field.is_label) continue; // among the labels already
+            sample += ',';
+            append_label(sample, field.metric.label, label_value(field, record, element));
+        }
+        if (has_any) text.append(sample + "} 1\n");
+    }
+
+    const records::Snapshot& snapshot_;
+    bool is_up_;
+    std::string labels_;
+    std::array<std::vector<std::string>, records::component_count> element_labels_;
+};
+
+/** Which decoders there are, and how old what is known of them is. */
+std::string presence(const std::vector<Decoder>& decoders, MetricsFormat format)
+{
+    std::string text =
+        family_metadata(format, "decoder_up", "gauge", "", "1 = the decoder's records are being updated, 0 = they no longer are");
+    for (const Decoder& decoder : decoders) text += "decoder_up{" + decoder.labels() + (decoder.is_up() ? "} 1\n" : "} 0\n");
+    text +=
+        family_metadata(format, "decoder_last_update_timestamp_seconds", "gauge", "seconds", "when the decoder's records were last taken");
+    for (const Decoder& decoder : decoders)
+    {
+        text += "decoder_last_update_timestamp_seconds{" + decoder.labels() + "} ";
+        append_moment(text, {.seconds = 0, .nanoseconds = decoder.taken_at()});
+        text += '\n';
+    }
+    return text;
+}
+
+} // namespace
+
+void write_metrics(std::string& text, std::span<const ExposedDecoder> decoders, MetricsFormat format)
+{
+    const std::vector<Decoder> all(decoders.begin(), decoders.end());
+    TextBuffer buffer(text);
+    buffer.append(presence(all, format));
+    for (const MetricFamily& family : metric_families(format))
+    {
+        const std::size_t before = buffer.size();
+        buffer.append(family.metadata);
+        const std::size_t metadata_end = buffer.size();
+        for (const Decoder& decoder : all) decoder.append_samples(buffer, family);
+        if (buffer.size() == metadata_end) buffer.cut(before);
+    }
+    if (format == MetricsFormat::openmetrics) buffer.append("# EOF\n");
+}
+
+} // namespace views
