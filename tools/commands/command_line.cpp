@@ -83,10 +83,12 @@ void run(int argc, char** argv)
     app.fallthrough();
     app.add_option("--library", library, "Load this report library instead of libstats.so")->type_name("FILE");
     add_show(app, library);
+    add_list(app);
     add_describe(app);
     add_demo(app, library);
     add_print(app, library);
     add_sample(app);
+    add_simulate(app);
     add_version(app, library);
 
     try

@@ -21,9 +21,11 @@ using LibraryFile = std::optional<std::string>;
 
 void add_demo(CLI::App& app, const LibraryFile& library);
 void add_describe(CLI::App& app);
+void add_list(CLI::App& app);
 void add_print(CLI::App& app, const LibraryFile& library);
 void add_sample(CLI::App& app);
 void add_show(CLI::App& app, const LibraryFile& library);
+void add_simulate(CLI::App& app);
 void add_version(CLI::App& app, const LibraryFile& library);
 
 } // namespace commands

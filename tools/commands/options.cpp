@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "duration.h"
 #include "sample.h"
 
 namespace commands
@@ -58,6 +59,40 @@ void add_at(CLI::App& command, std::optional<sources::At>& at)
         .add_option_function<std::string>(
             "--at", [&at](const std::string& value) { at = sources::parse_at(value); },
             "Moment that the ages count to: RFC 3339, seconds since the epoch, or mtime of the file")
+        ->check({check, ""})
+        ->type_name("TIME");
+}
+
+void add_source(CLI::App& command, sources::Source& source)
+{
+    command
+        .add_option("SOURCE", source.text,
+                    "A live decoder by name or path, sample:SCENARIO, a directory of record files, or a record file, - for standard input; "
+                    "the only live decoder without one")
+        ->type_name("");
+    add_directory(command, source.directory);
+}
+
+void add_directory(CLI::App& command, std::string& directory)
+{
+    command.add_option("--directory", directory, "Where live decoders are")
+        ->type_name("DIR")
+        ->envname("DECSTATS_DIRECTORY")
+        ->capture_default_str();
+}
+
+CLI::Option* add_duration(CLI::App& command, const std::string& name, std::chrono::nanoseconds& duration, std::chrono::nanoseconds least,
+                          const std::string& description)
+{
+    const auto check = [least](const std::string& value)
+    {
+        const auto read = sources::parse_duration(value);
+        if (!read) return "'" + value + "' is no duration; a duration is as 500ms, 1.5s, 10m, 2h or 1d";
+        return *read < least ? "'" + value + "' is too short" : std::string();
+    };
+    return command
+        .add_option_function<std::string>(
+            name, [&duration](const std::string& value) { duration = *sources::parse_duration(value); }, description)
         ->check({check, ""})
         ->type_name("TIME");
 }

@@ -6,6 +6,7 @@
 #define COMMANDS_OPTIONS_H
 
 #include <bitset>
+#include <chrono>
 #include <optional>
 #include <string>
 #include <vector>
@@ -13,7 +14,7 @@
 #include <CLI/CLI.hpp>
 
 #include "component.h"
-#include "moment.h"
+#include "source.h"
 
 namespace commands
 {
@@ -35,6 +36,16 @@ void add_components(CLI::App& command, std::bitset<records::component_count>& co
 
 /** Adds "--at TIME". */
 void add_at(CLI::App& command, std::optional<sources::At>& at);
+
+/** Adds the argument SOURCE, and the option that its live decoders are looked for with. */
+void add_source(CLI::App& command, sources::Source& source);
+
+/** Adds "--directory DIR", where live decoders are. */
+void add_directory(CLI::App& command, std::string& directory);
+
+/** Adds an option whose value is a duration. @param least what it is not below */
+CLI::Option* add_duration(CLI::App& command, const std::string& name, std::chrono::nanoseconds& duration, std::chrono::nanoseconds least,
+                          const std::string& description);
 
 /** Adds the argument SCENARIO. */
 CLI::Option* add_scenario(CLI::App& command, std::string& scenario);

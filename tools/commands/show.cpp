@@ -27,7 +27,7 @@ namespace
 
 struct Options
 {
-    std::string source;
+    sources::Source source;
     std::bitset<records::component_count> components;
     STATS_LEVEL level = STATS_LEVEL_DEFAULT;
     std::string format = "text";
@@ -79,13 +79,13 @@ void restrict(records::Snapshot& snapshot, const Options& options, const std::ve
     for (const records::Component& component : records::components())
     {
         if (snapshot.has(component)) continue;
-        if (wanted[component.index]) fail(files::shown(options.source) + ": no " + std::string(component.name) + " record");
+        if (wanted[component.index]) fail(files::shown(options.source.text) + ": no " + std::string(component.name) + " record");
         missing += (missing.empty() ? "" : ", ") + std::string(component.name);
     }
     if (wanted.any())
         snapshot.present &= wanted;
-    else if (!missing.empty() && std::filesystem::is_directory(options.source))
-        std::fprintf(stderr, "decstats: %s: no record of %s\n", files::printable(options.source).c_str(), missing.c_str());
+    else if (!missing.empty() && std::filesystem::is_directory(options.source.text))
+        std::fprintf(stderr, "decstats: %s: no record of %s\n", files::printable(options.source.text).c_str(), missing.c_str());
 }
 
 std::string json(const records::Snapshot& snapshot, const Options& options, const std::vector<dictionary::Found>& fields)
@@ -136,9 +136,7 @@ void add_show(CLI::App& app, const LibraryFile& library)
 {
     const auto options = std::make_shared<Options>();
     CLI::App& command = add_command(app, "show", "Show the records of a decoder as reports, JSON or metrics");
-    command.add_option("SOURCE", options->source, "sample:SCENARIO, a directory of record files, or a record file, - for standard input")
-        ->type_name("")
-        ->required();
+    add_source(command, options->source);
     add_components(command, options->components);
     add_level(command, options->level);
     command.add_option("--format", options->format, "text, json, ndjson (one line), openmetrics or prometheus")
