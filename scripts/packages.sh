@@ -5,6 +5,7 @@ test_packages="$build_packages clang clang-format clang-tidy libgtest-dev binuti
 target_packages="g++-aarch64-linux-gnu qemu-user googletest"
 package_packages="$build_packages build-essential debhelper lintian"
 fuzz_packages="$build_packages clang libclang-rt-14-dev"
+softdec_packages="$build_packages pkg-config libavcodec-dev libavutil-dev libdvbpsi-dev libbitstream-dev libpcap0.8-dev"
 bench_packages="$build_packages libbenchmark-dev libfmt-dev valgrind"
 
 # install_packages PACKAGE...
