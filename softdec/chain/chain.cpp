@@ -80,6 +80,7 @@ std::optional<Nanoseconds> Chain::arrival_of(Pcr pcr, std::optional<Nanoseconds>
 void Chain::step()
 {
     buffering_.step();
+    framer_.step();
     if (recovery_.time_bases() != time_base_)
     {
         time_base_ = recovery_.time_bases();

@@ -18,8 +18,9 @@ constexpr Pcr pcr_range = static_cast<Pcr>(timestamp_range) * 300;
 /** A longer step of the PCR against arrival is another time base, not jitter [s]. */
 constexpr double jump_limit = 1.0;
 
-/** Jitter is an error when it exceeds this [s], and what is usual of this input by the factor. */
-constexpr double jitter_floor = 0.050;
+/** Jitter is an error when it exceeds this [s], and what is usual of this input by the factor. Below it may be that a PCR waited for the
+    other packets of its datagram. */
+constexpr double jitter_floor = 0.100;
 constexpr double jitter_factor = 5;
 
 /** As many outliers in a row that agree are a step of the clock. */

@@ -25,7 +25,18 @@ CodecContext new_decoder(SMGR_TDEMUX_COMPRESSION_TYPE compression)
     if (codec == nullptr) return nullptr;
     CodecContext context(avcodec_alloc_context3(codec));
     // One thread: the delay of more would not be the stream's, and the same input is to give the same records.
-    if (context) context->thread_count = 1;
+    if (!context) return nullptr;
+    context->thread_count = 1;
+    switch (compression)
+    {
+    // These decoders hide an error that they have found unless they are to stop at it. (That for H.264 marks the picture.)
+    case SMGR_TDEMUX_COMPRESSION_TYPE_H265: context->err_recognition |= AV_EF_EXPLODE; break;
+    case SMGR_TDEMUX_COMPRESSION_TYPE_AC3:
+    case SMGR_TDEMUX_COMPRESSION_TYPE_MP1:
+    case SMGR_TDEMUX_COMPRESSION_TYPE_MP2:
+    case SMGR_TDEMUX_COMPRESSION_TYPE_MP3: context->err_recognition |= AV_EF_CRCCHECK | AV_EF_EXPLODE; break;
+    default: break;
+    }
     return context;
 }
 

@@ -12,7 +12,7 @@ namespace
 {
 
 /** Pictures that a decoder may hold at most; what is older has not come out and will not. */
-constexpr std::size_t most_pending = 64;
+constexpr std::size_t most_pending = 32;
 
 /** A longer step of the DTS than this is no longer a matter of a few pictures lost. */
 constexpr Ticks longest_step = ticks_per_second / 2;
@@ -124,8 +124,13 @@ void VideoDecoder::send(Picture& picture)
     packet_->data = picture.data.data();
     packet_->size = static_cast<int>(size);
     decoder_->reordered_opaque = ++number_;
-    pending_[number_] = {
-        .pts = picture.pts, .time_base = picture.time_base, .damaged = picture.damaged, .cut = picture.cut, .taken = clock_.now()};
+    pending_[number_] = {.pts = picture.pts,
+                         .time_base = picture.time_base,
+                         .damaged = picture.damaged,
+                         .cut = picture.cut,
+                         .failed = false,
+                         .type = picture.type,
+                         .taken = clock_.now()};
 
     load_.begin();
     bool decoded = avcodec_send_packet(decoder_.get(), packet_.get()) == 0;
@@ -153,15 +158,24 @@ void VideoDecoder::send(Picture& picture)
     }
     else
     {
-        pending_.erase(number_);
-        if (!picture.cut) drop(picture.type);
+        // It may come out all the same, as well as it could be decoded.
+        const auto pending = pending_.find(number_);
+        if (pending != pending_.end()) pending->second.damaged = pending->second.failed = true;
     }
-    while (pending_.size() > most_pending) pending_.erase(pending_.begin());
+    while (pending_.size() > most_pending) give_up_first();
     counters.nNumReorderFramesQOcc = pending_.size();
     reorder_length_.add(clock_.now(), static_cast<std::int64_t>(pending_.size()));
     record_.nVCurReOrderLen = static_cast<UINT>(pending_.size());
     record_.nVMaxReOrderLen = static_cast<UINT>(reorder_length_.greatest());
     record_.nVMinReOrderLen = static_cast<UINT>(reorder_length_.least());
+}
+
+/** The picture that has waited longest will not come out. The second field of a frame comes out with the first. */
+void VideoDecoder::give_up_first()
+{
+    const auto first = pending_.begin();
+    if (first->second.failed && !first->second.cut) drop(first->second.type);
+    pending_.erase(first);
 }
 
 void VideoDecoder::drop(PictureType type)
@@ -236,7 +250,7 @@ void VideoDecoder::finish()
     avcodec_flush_buffers(decoder_.get());
     record_.tCounters.nNumReorderFramesQOcc = 0;
     record_.nVCurReOrderLen = 0;
-    pending_.clear();
+    while (!pending_.empty()) give_up_first();
     ++record_.tCounters.nNumEOSEvents;
     record_.tCounters.tLastEOSEvent = clock_.seconds();
 }

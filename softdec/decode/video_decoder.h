@@ -51,6 +51,8 @@ private:
         unsigned time_base;
         bool damaged;
         bool cut;
+        bool failed; // the decoder has refused it, and what comes out of it may be nothing
+        PictureType type;
         Nanoseconds taken;
     };
 
@@ -60,6 +62,7 @@ private:
     void send(Picture& picture);
     void take_frame();
     void drop(PictureType type);
+    void give_up_first();
 
     const VirtualClock& clock_;
     SMGR_VCUDEC_STATS& record_;

@@ -132,6 +132,7 @@ void TransportDemux::take_stream(Followed& followed, std::span<const std::uint8_
         followed.assembler.damage();
         return;
     }
+    followed.last_piece = clock_.now();
     if (!start) return followed.assembler.take(payload, false);
     // The packet before ends here, and what follows is of the one that begins.
     followed.assembler.finish(false);
@@ -266,7 +267,9 @@ void TransportDemux::follow(const Program& program)
 void TransportDemux::finish()
 {
     sync_.finish();
-    for (auto& [pid, followed] : followed_) followed->assembler.finish(true);
+    // What a stream that has ceased before had begun is not completed by the end of the others.
+    for (auto& [pid, followed] : followed_)
+        if (clock_.now() - followed->last_piece < pcr_gone) followed->assembler.finish(true);
 }
 
 void TransportDemux::update()

@@ -63,6 +63,7 @@ private:
         Ticks pcr_at_start = 0; // last PCR when the PES packet began that is being assembled
         bool pcr_known = false;
         unsigned time_base = 0;
+        Nanoseconds last_piece = 0; // when a piece of it last came
     };
 
     void take(std::span<const std::uint8_t, packet_size> packet);

@@ -11,6 +11,9 @@ namespace
 /** Larger than any picture; a stream without one would otherwise be gathered for ever. */
 constexpr std::size_t largest_picture = 32U << 20;
 
+/** A picture whose end the next one has not shown for this long is whole; fewer than four pictures a second are none to show. */
+constexpr Nanoseconds longest_wait = 250 * millisecond;
+
 } // namespace
 
 SMGR_VIDEO_COLOR_TYPE color_type(const VideoFormat& format)
@@ -87,6 +90,7 @@ void VideoFramer::take(ElementaryPacket packet)
         return;
     }
 
+    last_piece_ = clock_.now();
     pts_taken_ = false;
     std::optional<std::size_t> cut; // where the picture that goes on begins in the packet
     bool any = false;
@@ -214,6 +218,11 @@ void VideoFramer::complete()
     if (picture.format) take_format(*picture.format);
     count_picture(picture);
     output_(std::move(picture));
+}
+
+void VideoFramer::step()
+{
+    if (has_slices_ && clock_.now() - last_piece_ > longest_wait) complete();
 }
 
 void VideoFramer::finish()

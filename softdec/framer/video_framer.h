@@ -32,6 +32,9 @@ public:
 
     void take(ElementaryPacket packet);
 
+    /** Passes the last picture on when none follows that would show where it ends. */
+    void step();
+
     /** The stream has ended: the last picture is complete. */
     void finish();
 
@@ -67,6 +70,7 @@ private:
 
     Picture picture_; // that goes on
     bool has_slices_ = false;
+    Nanoseconds last_piece_ = 0; // when the last packet came
     std::optional<Slice> first_slice_;
     bool pts_taken_ = false; // the time stamps of the packet that goes on belong to a picture already
     bool started_ = false;   // a key picture has come

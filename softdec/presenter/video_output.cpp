@@ -1,6 +1,6 @@
 #include "presenter/video_output.h"
 
-#include <iterator>
+#include <algorithm>
 
 namespace softdec
 {
@@ -89,6 +89,7 @@ void VideoOutput::restart()
         waiting_.erase(waiting_.begin());
     }
     shown_.reset();
+    next_ = 0;
 }
 
 void VideoOutput::show(Ticks pts)
@@ -99,7 +100,8 @@ void VideoOutput::show(Ticks pts)
     ++counters.nNumDisplayedFramesFreed;
     counters.tLastDisplayedFrameFreed = clock_.seconds();
     shown_ = pts;
-    next_ = pts + period_;
+    // The times that passed before it was shown late have been filled already.
+    next_ = std::max(pts + period_, next_);
 }
 
 void VideoOutput::skip()
