@@ -3,6 +3,7 @@
 #define BENCH_H
 
 #include <functional>
+#include <iosfwd>
 #include <string>
 #include <vector>
 
@@ -13,21 +14,21 @@ struct Variant
 };
 
 /** Prints a message and exits. */
-[[noreturn]] void Fail(const std::string& message);
+[[noreturn]] void fail(const std::string& message);
 
 /** Each report, and all eight, as the library prints them and in the other ways. Fails unless all ways give the same bytes. */
-std::vector<Variant> ReportVariants();
+std::vector<Variant> report_variants();
+
+/** The file stream beside stdout: on the same descriptor and with a buffer of the same size. */
+std::ostream& stdout_stream();
 
 /** Empties every buffer on the way to file descriptor 1. */
-void FlushAll();
-
-/** Some services and snprintf in their place. Fails unless both give the same texts. */
-std::vector<Variant> ServiceVariants();
+void flush_all();
 
 /** Registers all reports printed by several threads. */
-void RegisterThreads();
+void register_threads();
 
-/** Registers the command decstats, from start to exit. */
-void RegisterTool();
+/** Prints how long the tool and a program that calls puts take from start to exit: the minima of 500 runs of each, in turn. */
+void print_start_up_times();
 
 #endif

@@ -1,8 +1,9 @@
-// Records the calls of the C library by which the reports print, and writes them as straight-line C++ sources: once as they
-// were, once through {fmt} and once through iostreams. Their texts and numbers stand in a second source, so that no compiler
-// folds them into the formats.
+// Records the calls of the C library by which the reports print, and writes them as straight-line C++ sources. Their texts and
+// numbers stand in a second source, so that no compiler folds them into the formats.
 //
 //     record_calls REPLAYS.cpp ARGUMENTS.cpp
+
+#include <unistd.h>
 
 #include <cstdarg>
 #include <cstdlib>
@@ -12,313 +13,156 @@
 #include <regex>
 #include <sstream>
 #include <string>
-#include <unistd.h>
 #include <vector>
 
-#include "frozen_clock.h"
+#include "all_reports.h"
 #include "replays.h"
 
 namespace
 {
 
-[[noreturn]] void Fail(const std::string& message)
+[[noreturn]] void fail(const std::string& message)
 {
     dprintf(STDERR_FILENO, "record_calls: %s\n", message.c_str());
     exit(1);
 }
 
-/** A C string literal. */
-std::string Quoted(const std::string& text)
+std::string quoted(const std::string& text)
 {
-    std::string literal = "\"";
-    for (const char c : text)
-    {
-        if (c == '\n')
-            literal += "\\n";
-        else if (c == '\t')
-            literal += "\\t";
-        else if (c == '"' || c == '\\')
-            literal += std::string("\\") + c;
-        else if (c >= ' ' && c <= '~')
-            literal += c;
-        else
-            Fail("not a character of a report in: " + text);
-    }
-    return literal + "\"";
+    return "R\"~(" + text + ")~\"";
 }
 
-std::string WithBracesDoubled(const std::string& text)
-{
-    return std::regex_replace(text, std::regex("[{}]"), "$&$&");
-}
-
-/** Different entries in the order in which they came up. */
+/** Different entries in the order in which they came up, as an array of the second source. */
 class Table
 {
 public:
-    std::string IndexOf(const std::string& entry)
+    Table(std::string type, std::string name) : type_(std::move(type)), name_(std::move(name)) {}
+
+    /** An expression for the entry. */
+    std::string element(const std::string& entry)
     {
-        const auto [at, isNew] = indices_.try_emplace(entry, entries_.size());
-        if (isNew) entries_.push_back(entry);
-        return std::to_string(at->second);
+        const auto [at, is_new] = indices_.try_emplace(entry, entries_.size());
+        if (is_new) entries_.push_back(entry);
+        return "recorded::" + name_ + "[" + std::to_string(at->second) + "]";
     }
-    const std::vector<std::string>& Entries() const { return entries_; }
+    std::string declaration() const { return type_ + " " + name_ + "[]"; }
+    const std::vector<std::string>& entries() const { return entries_; }
 
 private:
+    std::string type_;
+    std::string name_;
     std::map<std::string, size_t> indices_;
     std::vector<std::string> entries_;
 };
 
-// The arguments: literals of texts, integers and floating-point numbers.
-Table texts;
-Table numbers;
-Table reals;
-
-// What stands once for all the calls that share it.
-Table fmt_formats; // literals
-Table inserters;   // parameters and body of a function that inserts into a stream what a format prints
+Table texts("const char*", "text");
+Table numbers("long", "number");
+Table reals("double", "real");
 
 // The calls of the report that is being recorded.
-std::string floor_calls;
-std::string fmt_calls;
-std::string iostreams_calls;
+std::string calls;
 
-std::string TextArgument(const std::string& text)
+/** The next argument of a conversion, as an expression. */
+std::string read_argument(const std::smatch& conversion, va_list* arguments)
 {
-    return "recorded::text[" + texts.IndexOf(Quoted(text)) + "]";
-}
-
-/** A conversion of a printf format: flag, width, precision, length and type. */
-struct Conversion
-{
-    explicit Conversion(const std::smatch& match)
-        : left(match[1] == "-"), zeros(match[1] == "0"), width(match[2]), precision(match[3]), isLong(match[4] == "l"),
-          type(match[5].str()[0])
-    {
-        if (!strchr("duxX", type) || precision.empty()) return;
-        // The digits that a precision asks for are zeros in a field of that width, unless the width is greater.
-        if (!width.empty() && std::stoi(width) > std::stoi(precision)) Fail("width greater than precision: " + match.str());
-        zeros = true;
-        width = precision;
-        precision.clear();
-    }
-
-    std::string CppType() const
-    {
-        if (type == 'c') return "char";
-        if (type == 'f') return "double";
-        if (type == 's') return "const char*";
-        return (type == 'd' ? "" : "unsigned ") + std::string(isLong ? "long" : "int");
-    }
-
-    bool left;
-    bool zeros;
-    std::string width;
-    std::string precision;
-    bool isLong;
-    char type;
-};
-
-/** The next argument as an expression. */
-std::string ReadArgument(const Conversion& c, va_list* arguments)
-{
-    if (c.type == 'f')
+    const std::string precision = conversion[1];
+    const bool is_long = conversion[2] == "l";
+    const char type = conversion[3].str()[0];
+    if (type == 'f')
     {
         std::ostringstream literal;
         literal << std::hexfloat << va_arg(*arguments, double);
-        return "recorded::real[" + reals.IndexOf(literal.str()) + "]";
+        return reals.element(literal.str());
     }
-    if (c.type == 's')
+    if (type == 's')
     {
         const char* text = va_arg(*arguments, const char*);
-        return TextArgument(c.precision.empty() ? text : std::string(text, strnlen(text, std::stoul(c.precision))));
+        return texts.element(quoted(precision.empty() ? text : std::string(text, strnlen(text, std::stoul(precision)))));
     }
-    const long number = c.isLong ? va_arg(*arguments, long) : va_arg(*arguments, int);
-    return "static_cast<" + c.CppType() + ">(recorded::number[" + numbers.IndexOf(std::to_string(number)) + "])";
+    const long number = is_long ? va_arg(*arguments, long) : va_arg(*arguments, int);
+    const char* sign = type == 'c' || type == 'd' ? "" : "unsigned ";
+    return std::string("static_cast<") + sign + (is_long ? "long" : "int") + ">(" + numbers.element(std::to_string(number)) + ")";
 }
 
-/** The replacement field of {fmt}. */
-std::string FmtField(const Conversion& c)
+void record_printf(const std::string& format, va_list* argument_list)
 {
-    std::string field = "{:";
-    if (c.zeros)
-        field += '0';
-    else if (!c.width.empty())
-        field += c.left ? '<' : '>';
-    field += c.width;
-    if (!c.precision.empty()) field += "." + c.precision;
-    if (strchr("fxX", c.type)) field += c.type;
-    return field == "{:" ? "{}" : field + "}";
-}
-
-/** The insertions into a stream. They leave it as they find it, but for what the next number sets anew. */
-std::string Insertions(const Conversion& c, const std::string& parameter)
-{
-    std::string text;
-    if (c.type == 'f') text += " << std::fixed << std::setprecision(" + c.precision + ")";
-    if (c.type == 'x') text += " << std::hex";
-    if (c.type == 'X') text += " << std::hex << std::uppercase";
-    if (c.zeros) text += " << std::setfill('0')";
-    if (!c.width.empty()) text += std::string(c.left ? " << std::left" : " << std::right") + " << std::setw(" + c.width + ")";
-    text += " << " + parameter;
-    if (c.zeros) text += " << std::setfill(' ')";
-    if (c.type == 'X') text += " << std::nouppercase";
-    if (c.type == 'x' || c.type == 'X') text += " << std::dec";
-    return text;
-}
-
-void RecordCall(const std::string& call, const std::string& fmtFormat, const std::string& inserter, const std::string& arguments)
-{
-    floor_calls += "    " + call + ";\n";
-    fmt_calls += "    fmt::print(stdout, format" + fmt_formats.IndexOf(Quoted(fmtFormat)) + arguments + ");\n";
-    iostreams_calls += "    Insert" + inserters.IndexOf(inserter) + "(stream" + arguments + ");\n";
-}
-
-std::string Inserter(const std::string& parameters, const std::string& insertions)
-{
-    return "(std::ostream& stream" + parameters + ")\n{\n    stream" + insertions + ";\n}\n";
-}
-
-void RecordPrintf(const std::string& format, va_list* argumentList)
-{
-    static const std::regex conversion_pattern("%([-0]?)([0-9]*)(?:\\.([0-9]+))?(l?)([cdfsuxX])");
+    static const std::regex pattern("%(?:%|[-0]?[0-9]*(?:\\.([0-9]+))?(l?)([cdfsuxX]))");
     std::string arguments;
-    std::string fmtFormat;
-    std::string parameters;
-    std::string insertions;
-    const auto addLiteral = [&](const std::string& text)
-    {
-        const std::string literal = std::regex_replace(text, std::regex("%%"), "%");
-        if (std::regex_replace(text, std::regex("%%"), "").find('%') != std::string::npos) Fail("unknown conversion in: " + format);
-        fmtFormat += WithBracesDoubled(literal);
-        if (!literal.empty()) insertions += " << " + Quoted(literal);
-    };
-
-    std::string rest = format;
-    for (std::smatch match; std::regex_search(rest, match, conversion_pattern); rest = match.suffix())
-    {
-        const Conversion conversion(match);
-        const std::string parameter = "a" + std::to_string(match.position() + static_cast<long>(format.size() - rest.size()));
-        addLiteral(match.prefix());
-        arguments += ", " + ReadArgument(conversion, argumentList);
-        fmtFormat += FmtField(conversion);
-        parameters += ", " + conversion.CppType() + " " + parameter;
-        insertions += Insertions(conversion, parameter);
-    }
-    addLiteral(rest);
-    RecordCall("fprintf(stdout, " + Quoted(format) + arguments + ")", fmtFormat, Inserter(parameters, insertions), arguments);
+    for (std::sregex_iterator match(format.begin(), format.end(), pattern); match != std::sregex_iterator(); ++match)
+        if (match->str() != "%%") arguments += ", " + read_argument(*match, argument_list);
+    if (std::regex_replace(format, pattern, "").find('%') != std::string::npos) fail("unknown conversion in: " + format);
+    calls += "    fprintf(stdout, " + quoted(format) + arguments + ");\n";
 }
 
 } // namespace
 
-// These take the places of the C library's functions for the report library. The compiler writes some calls of fprintf as
-// fwrite or fputs, and a hardened build calls __fprintf_chk.
+// These take the places of the C library's functions for the report library, which is built hardened, and whose calls of fprintf
+// the compiler writes as fwrite where nothing is converted. stats_bench fails if a call goes another way.
 
-extern "C" int fprintf(FILE*, const char* pFormat, ...)
+extern "C" int __fprintf_chk(FILE*, int, const char* format, ...)
 {
     va_list arguments;
-    va_start(arguments, pFormat);
-    RecordPrintf(pFormat, &arguments);
+    va_start(arguments, format);
+    record_printf(format, &arguments);
     va_end(arguments);
     return 0;
 }
 
-extern "C" int __fprintf_chk(FILE*, int, const char* pFormat, ...)
+extern "C" size_t fwrite(const void* data, size_t size, size_t count, FILE*)
 {
-    va_list arguments;
-    va_start(arguments, pFormat);
-    RecordPrintf(pFormat, &arguments);
-    va_end(arguments);
-    return 0;
-}
-
-extern "C" size_t fwrite(const void* pData, size_t nSize, size_t nItems, FILE*)
-{
-    const std::string text(static_cast<const char*>(pData), nSize * nItems);
-    RecordCall("fwrite(" + Quoted(text) + ", 1, " + std::to_string(text.size()) + ", stdout)", WithBracesDoubled(text),
-               Inserter("", " << " + Quoted(text)), "");
-    return nItems;
-}
-
-extern "C" int fputs(const char* pText, FILE*)
-{
-    const std::string argument = TextArgument(pText);
-    RecordCall("fputs(" + argument + ", stdout)", "{}", Inserter(", const char* text", " << text"), ", " + argument);
-    return 1;
+    const std::string text(static_cast<const char*>(data), size * count);
+    calls += "    fwrite(" + quoted(text) + ", 1, " + std::to_string(text.size()) + ", stdout);\n";
+    return count;
 }
 
 namespace
 {
 
-/** Writes the functions of all reports to functions, and the table of them to table. */
-void RecordReports(std::ostream& functions, std::ostream& table)
-{
-    int index = 0;
-    for (const char* sample : measured_samples)
-    {
-        SAMPLES_RECORDS records;
-        samples_find(sample)->pFill(&records, frozen_now);
-        for (const auto& [levelName, level] : measured_levels)
-        {
-            for (const Report& report : all_reports)
-            {
-                floor_calls = fmt_calls = iostreams_calls = {};
-                report.print(RecordOf(records, report), level);
-                functions << "// " << report.component << ", " << sample << ", " << levelName << "\n"
-                          << "static void Floor" << index << "()\n{\n"
-                          << floor_calls << "}\n\n"
-                          << "static void Fmt" << index << "()\n{\n"
-                          << fmt_calls << "}\n\n"
-                          << "static void Iostreams" << index << "([[maybe_unused]] std::ostream& stream)\n{\n"
-                          << iostreams_calls << "}\n\n";
-                table << "    {Floor" << index << ", Fmt" << index << ", Iostreams" << index << "},\n";
-                ++index;
-            }
-        }
-    }
-}
-
-void WriteReplays(std::ostream& out)
+void write_replays(std::ostream& out)
 {
     std::ostringstream functions;
     std::ostringstream table;
-    RecordReports(functions, table);
-
-    out << "// Written by record_calls.\n#include <cstdio>\n#include <iomanip>\n#include <fmt/compile.h>\n#include \"replays.h\"\n\n"
-           "namespace recorded\n{\nextern const char* text[];\nextern long number[];\nextern double real[];\n}\n\n";
     int index = 0;
-    for (const std::string& format : fmt_formats.Entries())
-        out << "static constexpr auto format" << index++ << " = FMT_COMPILE(" << format << ");\n";
-    index = 0;
-    for (const std::string& inserter : inserters.Entries()) out << "\n[[gnu::noinline]] static void Insert" << index++ << inserter;
-    out << "\n" << functions.str() << "const Replay replays[] = {\n" << table.str() << "};\n";
+    for (const char* sample : measured_samples)
+    {
+        const records::Snapshot snapshot = sources::sample(sample, frozen_moment);
+        for (const auto& [level_name, level] : measured_levels)
+            for (const records::Component& component : records::components())
+            {
+                calls.clear();
+                print_report(component, snapshot.record(component).data(), level);
+                functions << "\n// " << component.name << ", " << sample << ", " << level_name << "\nstatic void replay" << index
+                          << "()\n{\n"
+                          << calls << "}\n";
+                table << "    replay" << index++ << ",\n";
+            }
+    }
+    out << "// Written by record_calls.\n#include \"replays.h\"\n\n#include <cstdio>\n\nnamespace recorded\n{\n";
+    for (const Table* t : {&texts, &numbers, &reals}) out << "extern " << t->declaration() << ";\n";
+    out << "}\n" << functions.str() << "\nvoid (*const replays[])() = {\n" << table.str() << "};\n";
 }
 
-void WriteTable(std::ostream& out, const char* declaration, const Table& table)
-{
-    out << declaration << " = {\n";
-    for (const std::string& entry : table.Entries()) out << "    " << entry << ",\n";
-    out << "};\n";
-}
-
-void WriteArguments(std::ostream& out)
+void write_arguments(std::ostream& out)
 {
     out << "// Written by record_calls.\nnamespace recorded\n{\n";
-    WriteTable(out, "const char* text[]", texts);
-    WriteTable(out, "long number[]", numbers);
-    WriteTable(out, "double real[]", reals);
+    for (const Table* t : {&texts, &numbers, &reals})
+    {
+        out << t->declaration() << " = {\n";
+        for (const std::string& entry : t->entries()) out << "    " << entry << ",\n";
+        out << "};\n";
+    }
     out << "}\n";
 }
 
 } // namespace
 
-int main(int argumentCount, char** arguments)
+int main(int argument_count, char** arguments)
 {
-    if (argumentCount != 3) Fail("usage: record_calls REPLAYS.cpp ARGUMENTS.cpp");
-    std::ofstream replaysFile(arguments[1]);
-    WriteReplays(replaysFile);
-    std::ofstream argumentsFile(arguments[2]);
-    WriteArguments(argumentsFile);
-    if (!replaysFile.flush() || !argumentsFile.flush()) Fail("cannot write the sources");
+    if (argument_count != 3) fail("usage: record_calls REPLAYS.cpp ARGUMENTS.cpp");
+    std::ofstream replays_file(arguments[1]);
+    write_replays(replays_file);
+    std::ofstream arguments_file(arguments[2]);
+    write_arguments(arguments_file);
+    if (!replays_file.flush() || !arguments_file.flush()) fail("cannot write the sources");
     return 0;
 }

@@ -3,10 +3,9 @@
 #define REPLAYS_H
 
 #include <array>
-#include <ostream>
 #include <tuple>
 
-#include "all_reports.h"
+#include "stats.h"
 
 /** The samples that are measured, and the levels. */
 inline constexpr std::array<const char*, 2> measured_samples = {"live-srt-1080i", "trouble"};
@@ -15,15 +14,7 @@ inline constexpr std::array<std::tuple<const char*, STATS_LEVEL>, 2> measured_le
     {"debug", STATS_LEVEL_DEBUG},
 }};
 
-/** One report's text, made in other ways from the same arguments: texts that are ready, and numbers. */
-struct Replay
-{
-    void (*floor)();                         /**< the report's own calls, on stdout */
-    void (*fmt)();                           /**< the same through {fmt} with compiled formats, on stdout */
-    void (*iostreams)(std::ostream& stream); /**< the same through a stream */
-};
-
-/** By sample, then by level, then by report. */
-extern const Replay replays[];
+/** The reports' own calls on stdout, with texts that are ready: by sample, then by level, then by report. */
+extern void (*const replays[])();
 
 #endif

@@ -1,44 +1,52 @@
+#include <dlfcn.h>
 #include <ext/stdio_filebuf.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
 #include <cstdio>
 
+#include "all_reports.h"
 #include "bench.h"
-#include "frozen_clock.h"
 #include "replays.h"
 
 using Print = std::function<void()>;
 
-/** The file stream beside stdout: on the same descriptor and with a buffer of the same size. */
-static std::ostream& Stream()
+std::ostream& stdout_stream()
 {
     static __gnu_cxx::stdio_filebuf<char> buffer(STDOUT_FILENO, std::ios::out, 65536);
     static std::ostream stream(&buffer);
     return stream;
 }
 
-void FlushAll()
+void flush_all()
 {
     fflush(stdout);
-    Stream().flush();
+    stdout_stream().flush();
 }
 
-static std::string Capture(const Print& print)
+static std::string capture(const Print& print)
 {
-    FlushAll();
+    flush_all();
     const int saved = dup(STDOUT_FILENO);
     const int memory = memfd_create("stdout", 0);
-    if (saved < 0 || memory < 0 || dup2(memory, STDOUT_FILENO) < 0) Fail("cannot redirect stdout");
+    if (saved < 0 || memory < 0 || dup2(memory, STDOUT_FILENO) < 0) fail("cannot redirect stdout");
     print();
-    FlushAll();
+    flush_all();
     dup2(saved, STDOUT_FILENO);
     close(saved);
 
     std::string text(static_cast<size_t>(lseek(memory, 0, SEEK_END)), '\0');
-    if (pread(memory, text.data(), text.size(), 0) != static_cast<ssize_t>(text.size())) Fail("cannot read what was printed");
+    if (pread(memory, text.data(), text.size(), 0) != static_cast<ssize_t>(text.size())) fail("cannot read what was printed");
     close(memory);
     return text;
+}
+
+/** Another build of the library's sources, which keeps its functions to itself. */
+static void* open_library(const char* path)
+{
+    void* const handle = dlopen(path, RTLD_NOW | RTLD_LOCAL);
+    if (handle == nullptr) fail(dlerror());
+    return handle;
 }
 
 /** The ways to print one text. */
@@ -50,32 +58,36 @@ struct Ways
     Print iostreams;
 };
 
-static Ways WaysOf(const SAMPLES_RECORDS& records, const Report& report, STATS_LEVEL level, const Replay& replay)
+static Ways ways_of(const records::Snapshot& snapshot, const records::Component& component, STATS_LEVEL level, Print floor)
 {
-    return {[&records, &report, level] { report.print(RecordOf(records, report), level); }, replay.floor, replay.fmt,
-            [&replay] { replay.iostreams(Stream()); }};
+    static void* const through_fmt = open_library(THROUGH_FMT);
+    static void* const through_iostreams = open_library(THROUGH_IOSTREAMS);
+    const auto print = [&component, record = snapshot.record(component).data(), level](void* function)
+    { return [&component, record, level, function] { component.print(function, record, level); }; };
+    return {print(report_function(component)), std::move(floor), print(dlsym(through_fmt, component.function)),
+            print(dlsym(through_iostreams, component.function))};
 }
 
 /** One after the other. */
-static Ways All(const std::vector<Ways>& parts)
+static Ways all(const std::vector<Ways>& parts)
 {
-    const auto inTurn = [&parts](Print Ways::*way)
+    const auto in_turn = [&parts](Print Ways::*way)
     {
         return [parts, way]
         {
             for (const Ways& part : parts) (part.*way)();
         };
     };
-    return {inTurn(&Ways::library), inTurn(&Ways::floor), inTurn(&Ways::fmt), inTurn(&Ways::iostreams)};
+    return {in_turn(&Ways::library), in_turn(&Ways::floor), in_turn(&Ways::fmt), in_turn(&Ways::iostreams)};
 }
 
-static void AddVariants(std::vector<Variant>& variants, const std::string& name, const Ways& ways)
+static void add_variants(std::vector<Variant>& variants, const std::string& name, const Ways& ways)
 {
-    const std::string bytes = Capture(ways.library);
+    const std::string bytes = capture(ways.library);
     if (bytes.empty()) return; // as decoder usage at the default level
     const auto add = [&](const char* way, const Print& print)
     {
-        if (Capture(print) != bytes) Fail(name + "/" + way + " differs from what the library prints");
+        if (capture(print) != bytes) fail(name + "/" + way + " differs from what the library prints");
         variants.push_back({name + "/" + way, print});
     };
     add("library", ways.library);
@@ -85,24 +97,24 @@ static void AddVariants(std::vector<Variant>& variants, const std::string& name,
     add("fwrite", [bytes] { fwrite(bytes.data(), 1, bytes.size(), stdout); });
 }
 
-std::vector<Variant> ReportVariants()
+std::vector<Variant> report_variants()
 {
-    static std::array<SAMPLES_RECORDS, measured_samples.size()> records;
+    static std::array<records::Snapshot, measured_samples.size()> snapshots;
     std::vector<Variant> variants;
-    const Replay* replay = replays;
+    const auto* replay = replays;
     for (size_t i = 0; i < measured_samples.size(); ++i)
     {
-        samples_find(measured_samples[i])->pFill(&records[i], frozen_now);
-        for (const auto& [levelName, level] : measured_levels)
+        snapshots[i] = sources::sample(measured_samples[i], frozen_moment);
+        for (const auto& [level_name, level] : measured_levels)
         {
-            const std::string prefix = std::string(measured_samples[i]) + "/" + levelName + "/";
+            const std::string prefix = std::string(measured_samples[i]) + "/" + level_name + "/";
             std::vector<Ways> parts;
-            for (const Report& report : all_reports)
+            for (const records::Component& component : records::components())
             {
-                parts.push_back(WaysOf(records[i], report, level, *replay++));
-                AddVariants(variants, prefix + report.component, parts.back());
+                parts.push_back(ways_of(snapshots[i], component, level, *replay++));
+                add_variants(variants, prefix + std::string(component.name), parts.back());
             }
-            AddVariants(variants, prefix + "all", All(parts));
+            add_variants(variants, prefix + "all", all(parts));
         }
     }
     return variants;

@@ -1,10 +1,11 @@
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
+#include <array>
 #include <cstdio>
 
 #include "all_reports.h"
 #include "bench.h"
-#include "frozen_clock.h"
 
 enum class Locking
 {
@@ -12,26 +13,27 @@ enum class Locking
     report, // the caller keeps a report in one piece
 };
 
-static void PrintAll(benchmark::State& state, Locking locking)
+static void print_all(benchmark::State& state, Locking locking)
 {
-    SAMPLES_RECORDS records;
-    samples_find("live-srt-1080i")->pFill(&records, frozen_now);
+    const records::Snapshot snapshot = sources::sample("live-srt-1080i", frozen_moment);
+    std::array<void*, records::component_count> functions;
+    std::ranges::transform(records::components(), functions.begin(), report_function);
     for (auto _ : state)
     {
-        for (const Report& report : all_reports)
+        for (const records::Component& component : records::components())
         {
             if (locking == Locking::report) flockfile(stdout);
-            report.print(RecordOf(records, report), STATS_LEVEL_DEBUG);
+            component.print(functions[component.index], snapshot.record(component).data(), STATS_LEVEL_DEBUG);
             if (locking == Locking::report) funlockfile(stdout);
         }
     }
 }
 
-void RegisterThreads()
+void register_threads()
 {
     const auto add = [](const char* name, Locking locking)
     {
-        benchmark::RegisterBenchmark(name, [locking](benchmark::State& state) { PrintAll(state, locking); })
+        benchmark::RegisterBenchmark(name, [locking](benchmark::State& state) { print_all(state, locking); })
             ->Threads(1)
             ->Threads(2)
             ->Threads(4)

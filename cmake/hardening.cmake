@@ -10,8 +10,8 @@ if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(aarch64|arm64)$")
     add_compile_options(-mbranch-protection=standard)
 endif()
 
-# The linker's tables are filled and made read-only at load, so calls through them need no stubs; "text" makes a relocation in
-# code an error of the build.
+# The linker's tables are filled and made read-only at load, so calls through them need no stubs. The report library sets both
+# back (src/CMakeLists.txt): its host chooses when services bind. "text" makes a relocation in code an error of the build.
 add_compile_options(-fno-plt)
 add_link_options(LINKER:-z,relro LINKER:-z,now LINKER:-z,noexecstack LINKER:-z,text)
 

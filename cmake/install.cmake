@@ -1,11 +1,13 @@
-# What "cmake --install" installs: the libraries with their headers, pkg-config files and CMake package, and decstats with its
-# manual pages and completions. No installed file names a folder of the machine, so the whole may be moved.
+# What "cmake --install" installs: the libraries with their headers, examples, pkg-config files and CMake package, and decstats
+# with its manual pages and completions; the target "delivered" builds it. No installed file names a folder of the machine, so the whole may be moved.
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
 set(header_folder ${CMAKE_INSTALL_INCLUDEDIR}/decoder-stats)
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/decoder-stats)
 set(pkgconfig_folder ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+add_custom_target(delivered DEPENDS stats hostsvc hostsvc_archive decstats)
 
 # ---- The libraries ----
 
@@ -28,6 +30,7 @@ install(TARGETS stats hostsvc hostsvc_archive EXPORT decoder-stats
         INCLUDES DESTINATION ${header_folder})
 install(DIRECTORY include/ DESTINATION ${header_folder} FILES_MATCHING PATTERN *.h)
 install(FILES hostsvc/hostsvc.h DESTINATION ${header_folder})
+install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR})
 
 install(EXPORT decoder-stats NAMESPACE decoder-stats:: FILE decoder-stats-targets.cmake DESTINATION ${package_folder})
 write_basic_package_version_file(decoder-stats-config-version.cmake COMPATIBILITY SameMajorVersion)
@@ -44,17 +47,19 @@ endforeach()
 
 # decstats finds the library from its own folder. The build has the folders of the installation, so that one run path holds in
 # both, and nothing has to be changed in what was linked.
-file(RELATIVE_PATH library_folder ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
-set_target_properties(decstats PROPERTIES
-    INSTALL_RPATH "$ORIGIN/${library_folder}"
-    RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/${CMAKE_INSTALL_BINDIR})
 set_target_properties(stats PROPERTIES LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/${CMAKE_INSTALL_LIBDIR})
-install(TARGETS decstats RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+if(STATS_TOOLS)
+    file(RELATIVE_PATH library_folder ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
+    set_target_properties(decstats PROPERTIES
+        INSTALL_RPATH "$ORIGIN/${library_folder}"
+        RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/${CMAKE_INSTALL_BINDIR})
+    install(TARGETS decstats RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 
-install(FILES packaging/completions/decstats.bash
-        DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME decstats)
-install(FILES packaging/completions/_decstats DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions)
-install(FILES packaging/completions/decstats.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
+    install(FILES packaging/completions/decstats.bash
+            DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME decstats)
+    install(FILES packaging/completions/_decstats DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions)
+    install(FILES packaging/completions/decstats.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
+endif()
 
 # ---- The manual pages ----
 
@@ -62,4 +67,12 @@ file(GLOB manual_pages CONFIGURE_DEPENDS man/*.[135])
 foreach(page ${manual_pages})
     string(REGEX REPLACE ".*\\." "man" section ${page})
     install(FILES ${page} DESTINATION ${CMAKE_INSTALL_MANDIR}/${section})
+endforeach()
+
+# Each exported function leads to the page of the library.
+file(READ src/libstats.map map)
+string(REGEX MATCHALL "(STATS_|_Get)[A-Za-z]+" functions "${map}")
+foreach(function ${functions})
+    file(CONFIGURE OUTPUT ${function}.3 CONTENT ".so man3/libstats.3\n")
+    install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${function}.3 DESTINATION ${CMAKE_INSTALL_MANDIR}/man3)
 endforeach()

@@ -36,16 +36,16 @@ public:
         return OpenFile(ends[0]);
     }
 
-    ~OpenFile() { close(m_descriptor); }
+    ~OpenFile() { close(descriptor_); }
     OpenFile(const OpenFile&) = delete;
     OpenFile& operator=(const OpenFile&) = delete;
 
     /** A path by which it can be opened. */
-    std::string path() const { return "/proc/self/fd/" + std::to_string(m_descriptor); }
+    std::string path() const { return "/proc/self/fd/" + std::to_string(descriptor_); }
 
 private:
-    explicit OpenFile(int descriptor) : m_descriptor(descriptor) {}
-    int m_descriptor;
+    explicit OpenFile(int descriptor) : descriptor_(descriptor) {}
+    int descriptor_;
 };
 
 #endif

@@ -1,13 +1,13 @@
 // One report on any record. The input: a byte for the level, then the record's bytes; those that are missing are 0.
 #include <algorithm>
 #include <cstdint>
-#include <string_view>
 #include <vector>
 
 #include "all_reports.h"
 #include "require.h"
 
-static const Report& report = *std::ranges::find(all_reports, std::string_view(COMPONENT), &Report::component);
+static const records::Component& component = *records::find_component(COMPONENT);
+static void* const function = report_function(component);
 
 extern "C" int LLVMFuzzerInitialize(int*, char***)
 {
@@ -21,11 +21,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     const auto level = static_cast<STATS_LEVEL>(static_cast<signed char>(data[0]));
 
     // On the heap and no longer than a record, so that the sanitizer sees every read past its end.
-    std::vector<uint8_t> record(report.size);
-    std::copy_n(data + 1, std::min(size - 1, report.size), record.begin());
+    std::vector<uint8_t> record(component.record_size);
+    std::copy_n(data + 1, std::min(size - 1, component.record_size), record.begin());
     const std::vector<uint8_t> before = record;
 
-    require(report.print(record.data(), level) == TRUE, "the report returns TRUE");
+    require(component.print(function, record.data(), level) == TRUE, "the report returns TRUE");
     require(record == before, "the record is as it was");
     require(!std::ferror(stdout), "the output has no error");
     return 0;

@@ -10,12 +10,11 @@
 #include <vector>
 
 #include "all_reports.h"
-#include "frozen_clock.h"
 #include "qrversioninfo.h"
 
 static std::filesystem::path folder;
 
-static void Write(const std::string& target, const std::string& name, std::string_view bytes)
+static void write(const std::string& target, const std::string& name, std::string_view bytes)
 {
     std::filesystem::create_directories(folder / target);
     std::ofstream file(folder / target / name, std::ios::binary);
@@ -24,75 +23,73 @@ static void Write(const std::string& target, const std::string& name, std::strin
     if (!file) throw std::runtime_error("cannot write " + (folder / target / name).string());
 }
 
-static void WriteRecords()
+static void write_records()
 {
-    for (size_t i = 0; i < samples_scenario_count; i++)
+    for (const auto& [scenario, summary] : sources::scenarios())
     {
-        SAMPLES_RECORDS records;
-        samples_scenarios[i].pFill(&records, frozen_now);
-        const std::string scenario = samples_scenarios[i].szName;
-        char component = 0; // the number of a component is its place in the table, here and in the tool
-        for (const Report& report : all_reports)
+        const records::Snapshot snapshot = sources::sample(scenario, frozen_moment);
+        for (const records::Component& component : records::components())
         {
-            const std::string record(static_cast<const char*>(RecordOf(records, report)), report.size);
-            Write(report.component, scenario + ".default", '\0' + record);
-            Write(report.component, scenario + ".debug", '\1' + record);
+            const std::string name(component.name);
+            const std::string record(reinterpret_cast<const char*>(snapshot.record(component).data()), component.record_size);
+            const char number = static_cast<char>(component.index);
+            write(name, scenario + ".default", '\0' + record);
+            write(name, scenario + ".debug", '\1' + record);
 
-            const char piped = static_cast<char>(component + 0x80);
-            Write("record-file", scenario + '.' + report.component, component + record);
-            Write("record-file", scenario + '.' + report.component + ".pipe", piped + record);
-            Write("record-file", scenario + '.' + report.component + ".short", component + record.substr(1));
-            Write("record-file", scenario + '.' + report.component + ".long.pipe", piped + record + '\0');
-            component++;
+            const char piped = static_cast<char>(number + 0x80);
+            write("record-file", scenario + '.' + name, number + record);
+            write("record-file", scenario + '.' + name + ".pipe", piped + record);
+            write("record-file", scenario + '.' + name + ".short", number + record.substr(1));
+            write("record-file", scenario + '.' + name + ".long.pipe", piped + record + '\0');
         }
     }
 }
 
-template <size_t width> static void Set(BYTE (&field)[width], std::string_view text)
+template <size_t width> static void set(BYTE (&field)[width], std::string_view text)
 {
     std::copy_n(text.begin(), std::min(text.size(), width), field);
 }
 
-static std::string VersionRecord(std::string_view revision, std::string_view notes)
+static std::string version_record(std::string_view revision, std::string_view notes)
 {
     QRVERSIONINFOBLOB record = {};
-    Set(record.abSignature, QRVERSIONINFO_SIGNATURE);
+    set(record.abSignature, QRVERSIONINFO_SIGNATURE);
     record.dwSize = sizeof record;
     record.cMajor = 2;
     record.cMinor = 17;
-    Set(record.szRevision, revision);
-    Set(record.szDescription, "Statistics Printing Library");
-    Set(record.szBuildDate, "Feb  3 2021");
-    Set(record.szBuildTime, "04:05:06");
-    Set(record.szNotes, notes);
+    set(record.szRevision, revision);
+    set(record.szDescription, "Statistics Printing Library");
+    set(record.szBuildDate, "Feb  3 2021");
+    set(record.szBuildTime, "04:05:06");
+    set(record.szNotes, notes);
     return {reinterpret_cast<const char*>(&record), sizeof record};
 }
 
 /** The two bytes that say where in the file the rest of an input lies. */
-static std::string Place(unsigned block, unsigned distance)
+static std::string place(unsigned block, unsigned distance)
 {
     return {static_cast<char>((block + distance) % 256), static_cast<char>((block + distance) / 256)};
 }
 
-static void WriteVersionRecords()
+static void write_version_records()
 {
     const std::string target = "version-records";
-    const std::string atStart(2, '\0');
-    const std::string record = VersionRecord("4711", "");
-    Write(target, "one", atStart + record);
-    Write(target, "two", atStart + record + VersionRecord("", std::string(79, 'n')));
-    Write(target, "notes-without-end", atStart + VersionRecord("1", std::string(80, 'n')));
-    Write(target, "cut-off", atStart + record.substr(0, record.size() - 1));
-    Write(target, "within-another", atStart + record.substr(0, 34) + record + record);
+    const std::string at_start(2, '\0');
+    const std::string record = version_record("4711", "");
+    write(target, "one", at_start + record);
+    write(target, "two", at_start + record + version_record("", std::string(79, 'n')));
+    write(target, "notes-without-end", at_start + version_record("1", std::string(80, 'n')));
+    write(target, "cut-off", at_start + record.substr(0, record.size() - 1));
+    write(target, "within-another", at_start + record.substr(0, 34) + record + record);
     // So many bytes before 1 MiB, where the first read ends, and before 2 MiB, which the second one ends a record short of.
     for (const unsigned distance : {1U, 100U, 273U, 274U})
-        Write(target, "across-first-" + std::to_string(distance), Place(0x8000, distance) + record);
+        write(target, "across-first-" + std::to_string(distance), place(0x8000, distance) + record);
     for (const unsigned distance : {274U, 400U, 546U, 547U})
-        Write(target, "across-second-" + std::to_string(distance), Place(0xc000, distance) + record);
-    Write(target, "not-one", atStart + "Q$R$V$B$L$O$B<>!");
+        write(target, "across-second-" + std::to_string(distance), place(0xc000, distance) + record);
+    write(target, "not-one", at_start + "Q$R$V$B$L$O$B<>!");
 }
 
-static void WriteCommandLines()
+static void write_command_lines()
 {
     const std::vector<std::vector<std::string_view>> lines = {
         {},
@@ -107,6 +104,9 @@ static void WriteCommandLines()
         {"--library", "t", "demo", "resolving"},
         {"print", "tdemux", "t"},
         {"print", "tdemux", "t", "--level", "debug"},
+        {"print", "tdemux", "t", "--at", "2022-06-06T18:06:55.5+02:00"},
+        {"print", "tdemux", "t", "--at=1654531615.25"},
+        {"print", "tdemux", "t", "--at", "mtime"},
         {"print", "vdecoder", "-"},
         {"print", "usage", "missing", "--library=libstats.so"},
         {"sample", "rtp-fec-2160p", "out"},
@@ -124,7 +124,7 @@ static void WriteCommandLines()
     {
         std::string bytes;
         for (const std::string_view word : line) bytes += std::string(word) + '\0';
-        Write("command-line", std::to_string(number++), bytes);
+        write("command-line", std::to_string(number++), bytes);
     }
 }
 
@@ -132,8 +132,8 @@ int main(int argc, char** argv)
 {
     if (argc != 2) return 2;
     folder = argv[1];
-    WriteRecords();
-    WriteVersionRecords();
-    WriteCommandLines();
+    write_records();
+    write_version_records();
+    write_command_lines();
     return 0;
 }

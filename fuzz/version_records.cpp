@@ -53,14 +53,14 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         if (is_record(text.substr(at))) expected.push_back(static_cast<uint64_t>(zeros) + at);
 
     const OpenFile file = OpenFile::regular(content, zeros);
-    InputFile input(file.path());
+    files::InputFile input(file.path());
     std::vector<uint64_t> found;
-    const uint64_t count = find_version_records(input,
-                                                [&found](const QRVERSIONINFOBLOB& record, uint64_t offset)
-                                                {
-                                                    found.push_back(offset);
-                                                    print_version_record(record, offset);
-                                                });
+    const uint64_t count = commands::find_version_records(input,
+                                                          [&found](const QRVERSIONINFOBLOB& record, uint64_t offset)
+                                                          {
+                                                              found.push_back(offset);
+                                                              commands::print_version_record(record, offset);
+                                                          });
     require(found == expected, "the records found are those in the file");
     require(count == found.size(), "the count is that of the records");
     return 0;

@@ -120,7 +120,7 @@ HOSTSVC_API char* SessMgr_GetStreamEncapsulationString(int enEncapsulation, char
 
 /**
  * Writes an address: 192.0.2.10, 2001:db8::1 (RFC 5952), or with a host name "encoder.example (192.0.2.10)". A record
- * without an address reads 0.0.0.0.
+ * without an address reads 0.0.0.0. A byte of a host name that is not printable ASCII reads '?'.
  * @param pAddress address record, not NULL; only read
  */
 HOSTSVC_API char* SessMgr_GetIPAddressString(const SMGR_IP_ADDRESS* pAddress, char* szBuffer, size_t nSize);

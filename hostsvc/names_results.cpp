@@ -3,9 +3,7 @@
  * Result codes of the session manager and of the codec unit, in the words that an operator reads.
  */
 #include <algorithm>
-#include <charconv>
 #include <iterator>
-#include <string_view>
 
 #include "hostsvc.h"
 #include "sessmgr_const.h"
@@ -22,7 +20,7 @@ struct Result
     const char* szSentence;
 };
 
-// "The session manager" is the service that holds the codes; "the client program" is what asks it, a command or a web page.
+// "The session manager" is the service that holds the codes; "the client program" is what asks it.
 constexpr Result RESULTS[] = {
     {SMGR_ERROR_SUCCESS,                                               "The request succeeded."                                                                    },
     {SMGR_ERROR_GENERIC_FAILURE,                                       "The request failed; no reason was given."                                                  },
@@ -280,23 +278,6 @@ static_assert(std::adjacent_find(std::begin(RESULTS), std::end(RESULTS),
                   [](const Result& left, const Result& right) { return left.nCode >= right.nCode; }) == std::end(RESULTS),
     "the search relies on ascending codes, none twice");
 
-// The flags make the lead digit of a flagged code 1 or more: its hexadecimal form always has all 8 digits.
-char* UnknownFlaggedText(int nErrorCode, char* szBuffer, size_t nSize)
-{
-    constexpr std::string_view LONGEST = "Unknown (-2147483648, 0x80000000)";
-    return BuildText<LONGEST.size()>(szBuffer, nSize,
-        [=](char* pEnd)
-        {
-            pEnd = Append(pEnd, "Unknown (");
-            pEnd = AppendNumber(pEnd, nErrorCode);
-            pEnd = Append(pEnd, ", 0x");
-            char* pDigits = pEnd;
-            pEnd = std::to_chars(pDigits, pDigits + 8, static_cast<unsigned>(nErrorCode), 16).ptr;
-            std::transform(pDigits, pEnd, pDigits, [](char digit) { return digit >= 'a' ? static_cast<char>(digit - 'a' + 'A') : digit; });
-            return Append(pEnd, ")");
-        });
-}
-
 } // namespace
 
 char* SessMgr_GetErrorString(int nErrorCode, char* szBuffer, size_t nSize)
@@ -306,13 +287,15 @@ char* SessMgr_GetErrorString(int nErrorCode, char* szBuffer, size_t nSize)
         std::lower_bound(std::begin(RESULTS), std::end(RESULTS), nCode, [](const Result& result, unsigned n) { return result.nCode < n; });
     if (pResult != std::end(RESULTS) && pResult->nCode == nCode) return CopyText(pResult->szSentence, szBuffer, nSize);
     if ((nCode & (SMGR_IS_TEXT_DESCRIBED_ERROR | SMGR_IS_SUCCESS_WITH_WARNING)) != 0)
-        return UnknownFlaggedText(nErrorCode, szBuffer, nSize);
+    {
+        snprintf(szBuffer, nSize, "Unknown (%d, 0x%08X)", nErrorCode, nCode);
+        return szBuffer;
+    }
     return UnknownText(nErrorCode, szBuffer, nSize);
 }
 
 char* SessMgr_GetVCUDecoderErrorString(int nErrorCode, char* szBuffer, size_t nSize)
 {
-    // The codec unit defines no code but 0.
     if (nErrorCode == 0) return CopyText("No error", szBuffer, nSize);
     return UnknownText(nErrorCode, szBuffer, nSize);
 }

@@ -70,54 +70,41 @@ char* SessMgr_GetStreamEncapsulationString(int enEncapsulation, char* szBuffer, 
 namespace
 {
 
-/** Writes the address without the host name. szBuffer has INET6_ADDRSTRLEN characters. @return the text */
-std::string_view NumericAddress(const SMGR_IP_ADDRESS& address, char* szBuffer)
+/** The longest text is "Unknown (-2147483648)" or an IPv6 address. */
+constexpr size_t ADDRESS_SIZE = INET6_ADDRSTRLEN;
+
+/** Writes the address without the host name. szBuffer has ADDRESS_SIZE characters. @return the text */
+const char* NumericAddress(const SMGR_IP_ADDRESS& address, char* szBuffer)
 {
-    static constexpr std::string_view NO_ADDRESS = "0.0.0.0";
     static constexpr BYTE UNSPECIFIED[sizeof(address.acAddress)] = {};
 
-    switch (address.enType)
-    {
-    case AF_UNSPEC: return NO_ADDRESS;
-    case AF_INET6:
-        // The IPv6 address of zeros means the absence of an address (RFC 4291, 2.5.2), which has one text for both families.
-        if (std::memcmp(address.acAddress, UNSPECIFIED, sizeof(UNSPECIFIED)) == 0) return NO_ADDRESS;
-        return inet_ntop(address.enType, address.acAddress, szBuffer, INET6_ADDRSTRLEN);
-    case AF_INET:
-    {
-        char* pEnd = AppendNumber<unsigned>(szBuffer, address.acAddress[0]);
-        for (size_t i = 1; i < 4; ++i) pEnd = AppendNumber<unsigned>(Append(pEnd, "."), address.acAddress[i]);
-        return {szBuffer, static_cast<size_t>(pEnd - szBuffer)};
-    }
-    default: return UnknownText(address.enType, szBuffer, INET6_ADDRSTRLEN);
-    }
+    if (address.enType == AF_UNSPEC) return "0.0.0.0";
+    if (address.enType != AF_INET && address.enType != AF_INET6) return UnknownText(address.enType, szBuffer, ADDRESS_SIZE);
+    // The IPv6 address of zeros means the absence of an address (RFC 4291, 2.5.2), which has one text for both families.
+    if (address.enType == AF_INET6 && std::memcmp(address.acAddress, UNSPECIFIED, sizeof(UNSPECIFIED)) == 0) return "0.0.0.0";
+    return inet_ntop(address.enType, address.acAddress, szBuffer, ADDRESS_SIZE);
 }
 
 } // namespace
 
 char* SessMgr_GetIPAddressString(const SMGR_IP_ADDRESS* pAddress, char* szBuffer, size_t nSize)
 {
-    char szAddress[INET6_ADDRSTRLEN];
-    const std::string_view address = NumericAddress(*pAddress, szAddress);
-    const std::string_view hostName(pAddress->szHostName, strnlen(pAddress->szHostName, sizeof(pAddress->szHostName)));
-    if (hostName.empty()) return CopyText(address, szBuffer, nSize);
+    char szAddress[ADDRESS_SIZE];
+    const char* pText = NumericAddress(*pAddress, szAddress);
+    const size_t nLength = strnlen(pAddress->szHostName, sizeof(pAddress->szHostName));
+    if (nLength == 0) return CopyText(pText, szBuffer, nSize);
 
-    constexpr size_t LENGTH = sizeof(pAddress->szHostName) + std::string_view(" ()").size() + sizeof(szAddress);
-    return BuildText<LENGTH>(
-        szBuffer, nSize, [=](char* pEnd) { return Append(Append(Append(Append(pEnd, hostName), " ("), address), ")"); });
+    // Whoever sends the stream may choose the host name, and an operator's terminal obeys what it is sent.
+    char acHostName[sizeof(pAddress->szHostName)];
+    std::transform(pAddress->szHostName, pAddress->szHostName + nLength, acHostName, [](char c) { return c >= ' ' && c <= '~' ? c : '?'; });
+    snprintf(szBuffer, nSize, "%.*s (%s)", static_cast<int>(nLength), acHostName, pText);
+    return szBuffer;
 }
 
 char* SessMgr_GetSRTVersionString(int nVersion, char* szBuffer, size_t nSize)
 {
     if (nVersion == 0) return CopyText("Unknown", szBuffer, nSize);
     if (nVersion < 0 || nVersion > 0xFFFFFF) return UnknownText(nVersion, szBuffer, nSize);
-
-    constexpr size_t LENGTH = 2 * std::string_view("255.").size() + NUMBER_LENGTH;
-    return BuildText<LENGTH>(szBuffer, nSize,
-        [=](char* pEnd)
-        {
-            pEnd = Append(AppendNumber(pEnd, nVersion >> 16), ".");
-            pEnd = Append(AppendNumber(pEnd, nVersion >> 8 & 0xFF), ".");
-            return AppendNumber(pEnd, nVersion & 0xFF);
-        });
+    snprintf(szBuffer, nSize, "%d.%d.%d", nVersion >> 16, nVersion >> 8 & 0xFF, nVersion & 0xFF);
+    return szBuffer;
 }

@@ -4,9 +4,11 @@
  * that is also C++17 and later.
  *
  * - Layout: 4-byte packing, so 64-bit fields may stand on 4-byte boundaries. Copy such a field before taking its address.
- * - Brackets hold a field's unit; what follows a semicolon is the value that means absent. Where none is given, every
- *   value is a measurement, 0 included.
+ * - A field's comment reads: meaning [unit]; value = what it means. What follows the semicolon is the value that means
+ *   absent, in an enumerated field the one that stands for no information. "with nField 0" means absent while nField is 0.
+ *   Where none is given, every value is a measurement, 0 included.
  * - Event times are seconds since the epoch and 0 means never.
+ * - An extreme or a last value is absent while the moment at which it occurred, where one is kept, is never.
  * - A BOOL is a flag: 0 is no, everything else yes, except where a comment says that exactly 1 is yes.
  * - A char array holds a NUL-terminated text. A reader must stop at the array's end all the same.
  * - An enumerated field may hold a value that no enumerator names.
@@ -218,23 +220,23 @@ enum XTYPES_ENUM32
 typedef struct tagSMGR_DECODER_SDI_USAGE_STATS
 {
     unsigned long nNumStarts;      /**< start requests [requests] */
-    time_t        tLastStart;      /**< last start [epoch s]; 0 = never */
+    time_t        tLastStart;      /**< last start request [epoch s]; 0 = never */
     unsigned long nNumStops;       /**< stop requests [requests] */
-    time_t        tLastStop;       /**< last stop [epoch s]; 0 = never */
+    time_t        tLastStop;       /**< last stop request [epoch s]; 0 = never */
     unsigned long nNumGetStats;    /**< statistics queries [requests] */
     time_t        tLastGetStat;    /**< last statistics query [epoch s]; 0 = never */
     unsigned long nNumGetInfos;    /**< information queries [requests] */
     time_t        tLastGetInfo;    /**< last information query [epoch s]; 0 = never */
     unsigned long nNumConfigures;  /**< configuration requests [requests] */
-    time_t        tLastConfigure;  /**< last configuration [epoch s]; 0 = never */
+    time_t        tLastConfigure;  /**< last configuration request [epoch s]; 0 = never */
     unsigned long nNumCaptures;    /**< capture requests [requests] */
-    time_t        tLastCapture;    /**< last capture [epoch s]; 0 = never */
+    time_t        tLastCapture;    /**< last capture request [epoch s]; 0 = never */
     unsigned long nNumClears;      /**< clear requests [requests] */
-    time_t        tLastClear;      /**< last clear [epoch s]; 0 = never */
+    time_t        tLastClear;      /**< last clear request [epoch s]; 0 = never */
     unsigned long nNumLoadConfigs; /**< configuration loads [requests] */
-    time_t        tLastLoadConfig; /**< last load [epoch s]; 0 = never */
+    time_t        tLastLoadConfig; /**< last configuration load [epoch s]; 0 = never */
     unsigned long nNumSaveConfigs; /**< configuration saves [requests] */
-    time_t        tLastSaveConfig; /**< last save [epoch s]; 0 = never */
+    time_t        tLastSaveConfig; /**< last configuration save [epoch s]; 0 = never */
 } SMGR_DECODER_SDI_USAGE_STATS;
 
 /* ---- Transport demux ---- */
@@ -242,21 +244,21 @@ typedef struct tagSMGR_DECODER_SDI_USAGE_STATS
 /** A network address. */
 typedef struct tagSMGR_IP_ADDRESS
 {
-    int  enType;          /**< address family, AF_INET or AF_INET6 of <sys/socket.h>; 0 (AF_UNSPEC) = no address */
-    BYTE acAddress[16];   /**< address in network byte order, the first 4 bytes of it for AF_INET; all 0 = unset */
+    int  enType;          /**< address family, AF_INET, AF_INET6 or AF_UNSPEC of <sys/socket.h>; 0 = no address */
+    BYTE acAddress[16];   /**< address in network byte order, for AF_INET in the first 4 bytes; all 0 = unset */
     char szHostName[512]; /**< host name; empty = none */
 } SMGR_IP_ADDRESS;
 
 /** Counters of one elementary stream. */
 typedef struct tagSMGR_TDEMUX_SOURCE_COUNTERS
 {
-    unsigned long nNumReceivedPackets;   /**< packets received [packets]; 0 = none yet, and the stream is not printed */
+    unsigned long nNumReceivedPackets;   /**< packets received [packets] */
     unsigned long nNumReceivedBytes;     /**< bytes received [bytes] */
     time_t        tLastReceivedPacket;   /**< last packet received [epoch s]; 0 = never */
     unsigned long nNumOutputPackets;     /**< packets passed on [packets] */
     unsigned long nNumOutputBytes;       /**< bytes passed on [bytes] */
     time_t        tLastOutputPacket;     /**< last packet passed on [epoch s]; 0 = never */
-    time_t        iLastTxTime;           /**< last transmission [epoch s]; 0 = never */
+    time_t        iLastTxTime;           /**< last transmission to the decoders [epoch s]; 0 = never */
     unsigned int  nBitsPerSecond;        /**< measured bit rate [bit/s] */
     unsigned long nNumNoPTSValueFrames;  /**< frames that came without a PTS [frames] */
     time_t        tLastNoPTSValueFrames; /**< last frame without a PTS [epoch s]; 0 = never */
@@ -271,12 +273,12 @@ typedef struct tagSMGR_TDEMUX_SOURCE_STATS
     SMGR_TDEMUX_COMPRESSION_TYPE enCompressionType; /**< coding of the stream; 0 = unknown */
     unsigned int                 tsStreamId;        /**< stream identifier within the transport stream [id] */
     unsigned int                 tsPid;             /**< packet identifier, ISO/IEC 13818-1 [PID] */
-    unsigned int                 nTimebaseNum;      /**< time base of the time stamps, numerator [s] */
-    unsigned int                 nTimebaseDen;      /**< time base of the time stamps, denominator */
+    unsigned int                 nTimebaseNum;      /**< time base of the time stamps in seconds, numerator */
+    unsigned int                 nTimebaseDen;      /**< time base of the time stamps in seconds, denominator */
     UINT64                       nPTS;              /**< last presentation time stamp [time base units] */
     UINT64                       nDTS;              /**< last decoding time stamp [time base units] */
     SMGR_TDEMUX_SOURCE_COUNTERS  tCounters;         /**< counters */
-    int                          nAudioPairNum;     /**< for audio, number of the audio pair that the stream feeds [pair] */
+    int                          nAudioPairNum;     /**< for audio, number of the audio pair that the stream feeds, counted from 1 [pair number] */
 } SMGR_TDEMUX_SOURCE_STATS;
 
 /** Counters of the transport demux. */
@@ -287,10 +289,10 @@ typedef struct tagSMGR_TDEMUX_COUNTERS
     time_t        tLastReceivedPacket;                    /**< last packet received [epoch s]; 0 = never */
     unsigned long nRxPacketToPacketIntervalUs;            /**< time between the last two packets [us] */
     unsigned long nMaxRxPacketToPacketIntervalUs;         /**< longest time between two packets [us] */
-    time_t        tMaxRxPacketToPacketInterval;           /**< when the longest time occurred [epoch s]; 0 = never */
+    time_t        tMaxRxPacketToPacketInterval;           /**< when the longest time between two packets occurred [epoch s]; 0 = never */
     unsigned long nExternalRxPacketToPacketIntervalUs;    /**< time between the last two packets at the external receive point [us] */
-    unsigned long nMaxExternalRxPacketToPacketIntervalUs; /**< longest time between two packets there [us] */
-    time_t        tMaxExternalRxPacketToPacketInterval;   /**< when the longest time there occurred [epoch s]; 0 = never */
+    unsigned long nMaxExternalRxPacketToPacketIntervalUs; /**< longest time between two packets at the external receive point [us] */
+    time_t        tMaxExternalRxPacketToPacketInterval;   /**< when the longest time between two packets at the external receive point occurred [epoch s]; 0 = never */
     unsigned long nNumOutputPackets;                      /**< packets passed on [packets] */
     unsigned long nNumOutputBytes;                        /**< bytes passed on [bytes] */
     time_t        tLastOutputPacket;                      /**< last packet passed on [epoch s]; 0 = never */
@@ -300,23 +302,23 @@ typedef struct tagSMGR_TDEMUX_COUNTERS
     unsigned long nNumErrors;                             /**< receive errors [errors] */
     time_t        tLastError;                             /**< last receive error [epoch s]; 0 = never */
     unsigned long nNumTSCorruptedFrames;                  /**< corrupted transport stream frames [frames] */
-    time_t        tLastTSCorruptedFrame;                  /**< last corrupted frame [epoch s]; 0 = never */
+    time_t        tLastTSCorruptedFrame;                  /**< last corrupted transport stream frame [epoch s]; 0 = never */
     unsigned long nNumPESSizeMismatches;                  /**< PES packets whose length contradicts their header [packets] */
-    time_t        tLastPESSizeMismatch;                   /**< last such packet [epoch s]; 0 = never */
+    time_t        tLastPESSizeMismatch;                   /**< last PES packet whose length contradicts its header [epoch s]; 0 = never */
     unsigned long nNumLostSegmentsMPEG2TS;                /**< segments lost by transport stream continuity [segments] */
-    time_t        tLastLostSegmentMPEG2TS;                /**< last such loss [epoch s]; 0 = never */
+    time_t        tLastLostSegmentMPEG2TS;                /**< last segment lost by transport stream continuity [epoch s]; 0 = never */
     unsigned long nNumLostSegmentsRTP;                    /**< segments lost by RTP sequence numbers [segments] */
-    time_t        tLastLostSegmentRTP;                    /**< last such loss [epoch s]; 0 = never */
+    time_t        tLastLostSegmentRTP;                    /**< last segment lost by RTP sequence numbers [epoch s]; 0 = never */
     unsigned long nNumReconnections;                      /**< connections made [connections] */
     time_t        tLastReconnection;                      /**< last connection made [epoch s]; 0 = never */
     unsigned long nNumFailovers;                          /**< switches to a backup input [switches] */
-    time_t        tLastFailover;                          /**< last switch [epoch s]; 0 = never */
+    time_t        tLastFailover;                          /**< last switch to a backup input [epoch s]; 0 = never */
     unsigned long nNumTimestampRollovers;                 /**< time stamp wrap-arounds [count] */
-    time_t        tLastTimestampRollover;                 /**< last wrap-around [epoch s]; 0 = never */
+    time_t        tLastTimestampRollover;                 /**< last time stamp wrap-around [epoch s]; 0 = never */
     unsigned long nNumFramesWithNoPCR;                    /**< frames received with no clock reference [frames] */
-    time_t        tLastFrameWithNoPCR;                    /**< last such frame [epoch s]; 0 = never */
+    time_t        tLastFrameWithNoPCR;                    /**< last frame received with no clock reference [epoch s]; 0 = never */
     unsigned long nNumFramesWithPTSLowerThanPCR;          /**< frames whose PTS is not after the PCR [frames] */
-    time_t        tLastFrameWithPTSLowerThanPCR;          /**< last such frame [epoch s]; 0 = never */
+    time_t        tLastFrameWithPTSLowerThanPCR;          /**< last frame whose PTS is not after the PCR [epoch s]; 0 = never */
     unsigned long nNumNewStreamFlags;                     /**< new-stream markers [markers] */
     time_t        tLastNewStreamFlag;                     /**< last new-stream marker [epoch s]; 0 = never */
     unsigned long nNumResumedStreamFlags;                 /**< resumed-stream markers [markers] */
@@ -324,25 +326,25 @@ typedef struct tagSMGR_TDEMUX_COUNTERS
     int           iLastPIDDropped;                        /**< PID of the last packet dropped [PID]; 0 or less = none */
     int           iLastError;                             /**< last error: errno value, or if negative an EAI_ code; 0 = none */
     time_t        iLastErrorTime;                         /**< when iLastError was set [epoch s]; 0 = never */
-    time_t        iLastCorruptedFrameTime;                /**< last corrupted frame [epoch s]; 0 = never */
+    time_t        iLastCorruptedFrameTime;                /**< last corrupted frame of the input [epoch s]; 0 = never */
     unsigned int  nBitsPerSecond;                         /**< measured input bit rate [bit/s] */
     UINT64        TimeStamp;                              /**< last time stamp seen [90 kHz ticks] */
-    time_t        iLastRxTime;                            /**< last reception [epoch s]; 0 = never */
+    time_t        iLastRxTime;                            /**< last reception from the network [epoch s]; 0 = never */
     unsigned int  nNumStreams;                            /**< elementary streams found [streams] */
-    unsigned int  nVideoStreams;                          /**< video streams among them [streams] */
-    unsigned int  nAudioStreams;                          /**< audio streams among them [streams] */
-    unsigned int  nKLVStreams;                            /**< KLV metadata streams among them [streams] */
-    unsigned int  nFilteredStreams;                       /**< streams filtered out [streams] */
+    unsigned int  nVideoStreams;                          /**< video streams among the elementary streams found [streams] */
+    unsigned int  nAudioStreams;                          /**< audio streams among the elementary streams found [streams] */
+    unsigned int  nKLVStreams;                            /**< KLV metadata streams among the elementary streams found [streams] */
+    unsigned int  nFilteredStreams;                       /**< elementary streams filtered out [streams] */
     unsigned long nInputPacketListSize;                   /**< size of the input packet list [bytes] */
     unsigned long nMaxInputPacketListSize;                /**< largest size of the input packet list [bytes] */
-    time_t        tMaxInputPacketListSize;                /**< when the largest size occurred [epoch s]; 0 = never */
+    time_t        tMaxInputPacketListSize;                /**< when the largest size of the input packet list occurred [epoch s]; 0 = never */
     unsigned long nInputPacketListOverflows;              /**< overflows of the input packet list [overflows] */
-    time_t        tLastInputPacketListOverflow;           /**< last overflow of it [epoch s]; 0 = never */
+    time_t        tLastInputPacketListOverflow;           /**< last overflow of the input packet list [epoch s]; 0 = never */
     unsigned long nReadPacketListSize;                    /**< size of the read packet list [bytes] */
     unsigned long nMaxReadPacketListSize;                 /**< largest size of the read packet list [bytes] */
-    time_t        tMaxReadPacketListSize;                 /**< when the largest size occurred [epoch s]; 0 = never */
+    time_t        tMaxReadPacketListSize;                 /**< when the largest size of the read packet list occurred [epoch s]; 0 = never */
     unsigned long nReadPacketListOverflows;               /**< overflows of the read packet list [overflows] */
-    time_t        tLastReadPacketListOverflow;            /**< last overflow of it [epoch s]; 0 = never */
+    time_t        tLastReadPacketListOverflow;            /**< last overflow of the read packet list [epoch s]; 0 = never */
 } SMGR_TDEMUX_COUNTERS;
 
 /** An SRT link. */
@@ -372,14 +374,14 @@ typedef struct tagSMGR_STREAM_SRT_STATS
     } Dir;
     SMGR_COUNTER nLostPkts;              /**< packets lost on the link [packets] */
     SMGR_COUNTER nDroppedPkts;           /**< packets dropped because they came too late to play [packets] */
-    SMGR_COUNTER nDroppedBytes;          /**< bytes of those packets [bytes] */
+    SMGR_COUNTER nDroppedBytes;          /**< bytes of the packets dropped because they came too late to play [bytes] */
     SMGR_COUNTER nXmitAckPkts;           /**< acknowledgements sent [packets] */
     SMGR_COUNTER nXmitNakPkts;           /**< retransmission requests sent [packets] */
     int          iReconnects;            /**< connections made [connections] */
     int          iMSS;                   /**< maximum segment size [bytes] */
     int          iLatency;               /**< configured latency [ms] */
-    int          iMaxBw;                 /**< maximum bandwidth [kbit/s] */
-    int          iAvailBw;               /**< available bandwidth [kbit/s]; 0 or less = unknown */
+    int          iMaxBw;                 /**< maximum bandwidth allowed [kbit/s] */
+    int          iAvailBw;               /**< available bandwidth of the link [kbit/s]; 0 or less = unknown */
     int          iKeyState;              /**< state of the key exchange, an SMGR_STREAM_SRT_KM_S; 0 = no encryption */
     int          iKeyLength;             /**< AES key length [bytes]; 0 or less = unknown */
     int          iRTT;                   /**< time to the peer and back [us] */
@@ -390,7 +392,7 @@ typedef struct tagSMGR_STREAM_SRT_STATS
     int          iLocalPort;             /**< local UDP port [port] */
     int          iOutPortGettingFullCnt; /**< times that the output port became nearly full [count] */
     int          iMaxOutPortLevel;       /**< highest output port level */
-    int          iVersion;               /**< SRT version of this end, 0xMMmmpp; 0 = unknown */
+    int          iVersion;               /**< SRT version of the local end, 0xMMmmpp; 0 = unknown */
     int          iPeerVersion;           /**< SRT version of the peer, 0xMMmmpp; 0 = unknown */
 } SMGR_STREAM_SRT_STATS;
 
@@ -404,7 +406,7 @@ typedef struct tagSMGR_STREAM_PMFECRX_STATS
     int  nMediaPkts;         /**< media packets received [packets] */
     int  nColFecPkts;        /**< column FEC packets received [packets] */
     int  nRowFecPkts;        /**< row FEC packets received [packets] */
-    int  nDroppedPkts;       /**< media packets dropped [packets] */
+    int  nDroppedPkts;       /**< media packets dropped on the way, before repair [packets] */
     int  nRecoveredPkts;     /**< media packets rebuilt from FEC [packets] */
     int  nLostPkts;          /**< media packets lost for good [packets] */
     int  nDroppedRowFECPkts; /**< row FEC packets missing [packets] */
@@ -414,11 +416,11 @@ typedef struct tagSMGR_STREAM_PMFECRX_STATS
 /** The transport demux. */
 typedef struct tagSMGR_TDEMUX_STATS
 {
-    UINT                     nSize;                             /**< size of this record as the session manager sets it [bytes] */
+    UINT                     nSize;                             /**< size of this record, set by the session manager [bytes] */
     SMGR_TDEMUX_STATS_STATE  enState;                           /**< state of the input; 0 = unknown */
-    BOOL                     bStreamHasBeenStarted;             /**< the stream has been started; until then the report ends after the state */
+    BOOL                     bStreamHasBeenStarted;             /**< the stream has been started */
     unsigned int             nSmgrStreamID;                     /**< the session manager's stream identifier [id] */
-    int                      enEncapsulation;                   /**< encapsulation code, such as SMGR_STREAM_ENCAPSULATION_TS_SRT */
+    int                      enEncapsulation;                   /**< encapsulation code, SMGR_STREAM_ENCAPSULATION_TS_SRT or another */
     int                      enFECType;                         /**< forward error correction, an SMGR_FEC_TYPE; 0 = none */
     SMGR_IP_ADDRESS          tStreamAddress;                    /**< address that the stream is received on */
     unsigned int             nStreamPort;                       /**< port that the stream is received on [port]; 0 = none */
@@ -450,11 +452,11 @@ typedef struct tagSMGR_VFRAMER_STREAM_PROPS
     int                          nLevel;                    /**< level number of the coding's own standard */
     int                          nWidth;                    /**< picture width [pixels] */
     int                          nHeight;                   /**< picture height [lines] */
-    BOOL                         bInterlaced;               /**< interlaced; the scan letter is i for exactly 1 */
+    BOOL                         bInterlaced;               /**< interlaced, with scan letter i in the report for exactly 1 */
     BOOL                         bInterlacedTFF;            /**< interlaced, with the top field first */
-    float                        fFrameRate;                /**< frame rate [frames/s]; 0 = unknown */
+    float                        fFrameRate;                /**< frame rate of the stream [frames/s]; 0 = unknown */
     BOOL                         bFrameRateFoundInStream;   /**< the stream itself gives the frame rate */
-    unsigned int                 nBitsPerSecond;            /**< bit rate [bit/s] */
+    unsigned int                 nBitsPerSecond;            /**< bit rate of the stream [bit/s] */
     char                         szFraming[64];             /**< name of the framing; empty = none */
     unsigned int                 nNumberOfBPicturesInARow;  /**< consecutive B pictures now [pictures] */
     unsigned long                nGopInterval;              /**< GOP interval, the distance of key frames [pictures] */
@@ -462,10 +464,10 @@ typedef struct tagSMGR_VFRAMER_STREAM_PROPS
     BOOL                         bHasIFrames;               /**< I frames seen */
     BOOL                         bHasPFrames;               /**< P frames seen */
     BOOL                         bHasBFrames;               /**< B frames seen */
-    UINT64                       TimeStamp;                 /**< last time stamp [90 kHz ticks] */
+    UINT64                       TimeStamp;                 /**< last time stamp of the stream [90 kHz ticks] */
     UINT64                       TimeStampDelta;            /**< difference of the last two time stamps [90 kHz ticks] */
-    BOOL                         bCompatibilityModeEnabled; /**< compatibility mode of the framer; the default report shows it for exactly 1 */
-    unsigned int                 nLatencyInUs;              /**< latency [us] */
+    BOOL                         bCompatibilityModeEnabled; /**< compatibility mode of the framer, in the default report for exactly 1 */
+    unsigned int                 nLatencyInUs;              /**< latency of the framer [us] */
     BOOL                         bTCPresent;                /**< timecode in the stream */
     BOOL                         bCCPresent;                /**< closed captions in the stream */
     BOOL                         bAFDPresent;               /**< active format description in the stream */
@@ -486,8 +488,8 @@ typedef struct tagSMGR_VFRAMER_COUNTERS
     unsigned long nNumFormatTransitions;         /**< changes of the stream properties [changes] */
     time_t        tLastFormatTransition;         /**< last change of the stream properties [epoch s]; 0 = never */
     unsigned long nNumUnsupported;               /**< times that the stream was found unsupported [count] */
-    time_t        tLastUnsupported;              /**< last such finding [epoch s]; 0 = never */
-    int           nLastUnsupportedErrorCode;     /**< result code of the last such finding, an SMGR_ERROR_ code; 0 = none */
+    time_t        tLastUnsupported;              /**< when the stream was last found unsupported [epoch s]; 0 = never */
+    int           nLastUnsupportedErrorCode;     /**< why the stream was last found unsupported, an SMGR_ERROR_ code; 0 = none */
     unsigned long nNumH264Compression;           /**< H.264 streams seen [streams] */
     time_t        tLastH264Compression;          /**< last H.264 stream [epoch s]; 0 = never */
     unsigned long nNumH265Compression;           /**< H.265 streams seen [streams] */
@@ -511,18 +513,18 @@ typedef struct tagSMGR_VFRAMER_COUNTERS
     unsigned long nInputFifoLength;              /**< packets in the input FIFO now [packets] */
     float         fInputFrameRate;               /**< measured input frame rate [frames/s]; 0 = none measured */
     unsigned long nNumOutputFrames;              /**< pictures sent to the decoder [pictures] */
-    time_t        tLastOutputFrame;              /**< last picture sent [epoch s]; 0 = never */
+    time_t        tLastOutputFrame;              /**< last picture sent to the decoder [epoch s]; 0 = never */
     unsigned long nNumOutputFramesOnePiece;      /**< pictures that came in one piece [pictures] */
-    time_t        tLastOutputFrameOnePiece;      /**< last such picture [epoch s]; 0 = never */
+    time_t        tLastOutputFrameOnePiece;      /**< last picture that came in one piece [epoch s]; 0 = never */
     unsigned long nNumOutputFramesAssembled;     /**< pictures assembled from several pieces [pictures] */
-    time_t        tLastOutputFrameAssembled;     /**< last such picture [epoch s]; 0 = never */
+    time_t        tLastOutputFrameAssembled;     /**< last picture assembled from several pieces [epoch s]; 0 = never */
     unsigned long nNumOutputFramesDropped;       /**< pictures dropped [pictures] */
     time_t        tLastOutputFrameDropped;       /**< last picture dropped [epoch s]; 0 = never */
     unsigned long nNumOutputBytesToDecoder;      /**< bytes sent to the decoder [bytes] */
-    unsigned long nNumOutputBytesDropped;        /**< bytes dropped [bytes] */
+    unsigned long nNumOutputBytesDropped;        /**< bytes of the pictures dropped [bytes] */
     unsigned long nOutputFifoLength;             /**< pictures in the output FIFO now [pictures] */
     unsigned long nNumKeyFrames;                 /**< key frames sent to the decoder [frames] */
-    time_t        tLastKeyFrame;                 /**< last key frame [epoch s]; 0 = never */
+    time_t        tLastKeyFrame;                 /**< last key frame sent to the decoder [epoch s]; 0 = never */
     unsigned long nNumIPictures;                 /**< I pictures [pictures] */
     time_t        tLastIPicture;                 /**< last I picture [epoch s]; 0 = never */
     unsigned long nNumPPictures;                 /**< P pictures [pictures] */
@@ -541,25 +543,25 @@ typedef struct tagSMGR_VFRAMER_COUNTERS
     unsigned long nNumInterlacedBottomFields;    /**< bottom fields [fields] */
     time_t        tLastInterlacedBottomField;    /**< last bottom field [epoch s]; 0 = never */
     unsigned long nNumInterlacedBothFields;      /**< pictures that carry both fields [pictures] */
-    time_t        tLastInterlacedBothFields;     /**< last such picture [epoch s]; 0 = never */
+    time_t        tLastInterlacedBothFields;     /**< last picture that carries both fields [epoch s]; 0 = never */
     unsigned long nNumUnknownPicStruct;          /**< pictures of unknown structure [pictures] */
-    time_t        tLastUnknownPicStruct;         /**< last such picture [epoch s]; 0 = never */
-    unsigned long nNumVPSNALs;                   /**< VPS NAL units [units] */
-    time_t        tLastVPSNAL;                   /**< last VPS [epoch s]; 0 = never */
-    unsigned long nNumSPSNALs;                   /**< SPS NAL units [units] */
-    time_t        tLastSPSNAL;                   /**< last SPS [epoch s]; 0 = never */
-    unsigned long nNumPPSNALs;                   /**< PPS NAL units [units] */
-    time_t        tLastPPSNAL;                   /**< last PPS [epoch s]; 0 = never */
-    unsigned long nNumSEINALs;                   /**< SEI NAL units [units] */
-    time_t        tLastSEINAL;                   /**< last SEI [epoch s]; 0 = never */
-    unsigned long nNumSHNALs;                    /**< slice NAL units [units] */
-    time_t        tLastSHNAL;                    /**< last slice [epoch s]; 0 = never */
-    unsigned long nNumAUDNALs;                   /**< access unit delimiters [units] */
+    time_t        tLastUnknownPicStruct;         /**< last picture of unknown structure [epoch s]; 0 = never */
+    unsigned long nNumVPSNALs;                   /**< VPS NAL units [NAL units] */
+    time_t        tLastVPSNAL;                   /**< last VPS NAL unit [epoch s]; 0 = never */
+    unsigned long nNumSPSNALs;                   /**< SPS NAL units [NAL units] */
+    time_t        tLastSPSNAL;                   /**< last SPS NAL unit [epoch s]; 0 = never */
+    unsigned long nNumPPSNALs;                   /**< PPS NAL units [NAL units] */
+    time_t        tLastPPSNAL;                   /**< last PPS NAL unit [epoch s]; 0 = never */
+    unsigned long nNumSEINALs;                   /**< SEI NAL units [NAL units] */
+    time_t        tLastSEINAL;                   /**< last SEI NAL unit [epoch s]; 0 = never */
+    unsigned long nNumSHNALs;                    /**< slice NAL units [NAL units] */
+    time_t        tLastSHNAL;                    /**< last slice NAL unit [epoch s]; 0 = never */
+    unsigned long nNumAUDNALs;                   /**< access unit delimiters [NAL units] */
     time_t        tLastAUDNAL;                   /**< last access unit delimiter [epoch s]; 0 = never */
-    unsigned long nNumFillerNALs;                /**< filler NAL units [units] */
-    time_t        tLastFillerNAL;                /**< last filler [epoch s]; 0 = never */
-    unsigned long nNumUnknownNALs;               /**< NAL units of unknown type [units] */
-    time_t        tLastUnknownNAL;               /**< last unit of unknown type [epoch s]; 0 = never */
+    unsigned long nNumFillerNALs;                /**< filler NAL units [NAL units] */
+    time_t        tLastFillerNAL;                /**< last filler NAL unit [epoch s]; 0 = never */
+    unsigned long nNumUnknownNALs;               /**< NAL units of unknown type [NAL units] */
+    time_t        tLastUnknownNAL;               /**< last NAL unit of unknown type [epoch s]; 0 = never */
     unsigned long nNumSPSErrors;                 /**< SPS parse errors [errors] */
     time_t        tLastSPSError;                 /**< last SPS parse error [epoch s]; 0 = never */
     unsigned long nNumPPSErrors;                 /**< PPS parse errors [errors] */
@@ -569,32 +571,32 @@ typedef struct tagSMGR_VFRAMER_COUNTERS
     unsigned long nNumSHErrors;                  /**< slice header parse errors [errors] */
     time_t        tLastSHError;                  /**< last slice header parse error [epoch s]; 0 = never */
     unsigned long nNumNoNALsInFrame;             /**< frames that held no NAL unit [frames] */
-    time_t        tLastNoNALsInFrame;            /**< last such frame [epoch s]; 0 = never */
+    time_t        tLastNoNALsInFrame;            /**< last frame that held no NAL unit [epoch s]; 0 = never */
     unsigned long nNumTC;                        /**< frames with timecode [frames] */
     unsigned long nNumTCBytesOutput;             /**< timecode bytes output [bytes] */
-    time_t        tLastTCReceived;               /**< last timecode [epoch s]; 0 = never */
+    time_t        tLastTCReceived;               /**< last frame with timecode [epoch s]; 0 = never */
     unsigned long nNumCC;                        /**< frames with closed captions [frames] */
     unsigned long nNumCCBytesOutput;             /**< closed caption bytes output [bytes] */
-    time_t        tLastCCReceived;               /**< last closed captions [epoch s]; 0 = never */
+    time_t        tLastCCReceived;               /**< last frame with closed captions [epoch s]; 0 = never */
     unsigned long nNumAFD;                       /**< frames with active format description [frames] */
     unsigned long nNumAFDBytesOutput;            /**< active format description bytes output [bytes] */
-    time_t        tLastAFDReceived;              /**< last active format description [epoch s]; 0 = never */
+    time_t        tLastAFDReceived;              /**< last frame with active format description [epoch s]; 0 = never */
     unsigned long nInputPacketListSize;          /**< size of the input packet list [bytes] */
     unsigned long nMaxInputPacketListSize;       /**< largest size of the input packet list [bytes] */
-    time_t        tMaxInputPacketListSize;       /**< when the largest size occurred [epoch s]; 0 = never */
+    time_t        tMaxInputPacketListSize;       /**< when the largest size of the input packet list occurred [epoch s]; 0 = never */
     unsigned long nInputPacketListOverflows;     /**< overflows of the input packet list [overflows] */
-    time_t        tLastInputPacketListOverflow;  /**< last overflow of it [epoch s]; 0 = never */
+    time_t        tLastInputPacketListOverflow;  /**< last overflow of the input packet list [epoch s]; 0 = never */
     unsigned long nOutputPacketListSize;         /**< size of the output packet list [bytes] */
     unsigned long nMaxOutputPacketListSize;      /**< largest size of the output packet list [bytes] */
-    time_t        tMaxOutputPacketListSize;      /**< when the largest size occurred [epoch s]; 0 = never */
+    time_t        tMaxOutputPacketListSize;      /**< when the largest size of the output packet list occurred [epoch s]; 0 = never */
     unsigned long nOutputPacketListOverflows;    /**< overflows of the output packet list [overflows] */
-    time_t        tLastOutputPacketListOverflow; /**< last overflow of it [epoch s]; 0 = never */
+    time_t        tLastOutputPacketListOverflow; /**< last overflow of the output packet list [epoch s]; 0 = never */
 } SMGR_VFRAMER_COUNTERS;
 
 /** The video framer. */
 typedef struct tagSMGR_VFRAMER_STATS
 {
-    SMGR_VFRAMER_STATE        enState;             /**< state; 0 = unknown */
+    SMGR_VFRAMER_STATE        enState;             /**< state of the framer; 0 = unknown */
     UINT                      nDecoderID;          /**< decoder that the framer belongs to [id] */
     int                       nStreamID;           /**< input stream [id] */
     SMGR_VFRAMER_STREAM_PROPS tCurrentProperties;  /**< properties of the stream being framed */
@@ -612,21 +614,21 @@ typedef struct tagSMGR_VCUDEC_COUNTERS
     SMGR_COUNTER nNumReceivedFramesFreed;           /**< received pictures freed [pictures] */
     time_t       tLastReceivedFrameFreed;           /**< last received picture freed [epoch s]; 0 = never */
     SMGR_COUNTER nNumFramesSentToDecoder;           /**< pictures sent to the codec unit [pictures] */
-    time_t       tLastFrameSentToDecoder;           /**< last picture sent to it [epoch s]; 0 = never */
+    time_t       tLastFrameSentToDecoder;           /**< last picture sent to the codec unit [epoch s]; 0 = never */
     SMGR_COUNTER nNumDroppedFrames;                 /**< input pictures dropped [pictures] */
     time_t       tLastDroppedFrame;                 /**< last input picture dropped [epoch s]; 0 = never */
-    SMGR_COUNTER nNumDroppedIFrames;                /**< I pictures among them [pictures] */
-    time_t       tLastDroppedIFrame;                /**< last I picture dropped [epoch s]; 0 = never */
-    SMGR_COUNTER nNumDroppedPFrames;                /**< P pictures among them [pictures] */
-    time_t       tLastDroppedPFrame;                /**< last P picture dropped [epoch s]; 0 = never */
-    SMGR_COUNTER nNumDroppedBFrames;                /**< B pictures among them [pictures] */
-    time_t       tLastDroppedBFrame;                /**< last B picture dropped [epoch s]; 0 = never */
+    SMGR_COUNTER nNumDroppedIFrames;                /**< I pictures among the input pictures dropped [pictures] */
+    time_t       tLastDroppedIFrame;                /**< last I picture dropped at the input [epoch s]; 0 = never */
+    SMGR_COUNTER nNumDroppedPFrames;                /**< P pictures among the input pictures dropped [pictures] */
+    time_t       tLastDroppedPFrame;                /**< last P picture dropped at the input [epoch s]; 0 = never */
+    SMGR_COUNTER nNumDroppedBFrames;                /**< B pictures among the input pictures dropped [pictures] */
+    time_t       tLastDroppedBFrame;                /**< last B picture dropped at the input [epoch s]; 0 = never */
     SMGR_COUNTER nNumDecodedFrames;                 /**< input pictures decoded [pictures] */
     time_t       tLastDecodedFrame;                 /**< last input picture decoded [epoch s]; 0 = never */
     SMGR_COUNTER nNumConcealedFrames;               /**< input pictures concealed [pictures] */
     time_t       tLastConcealedFrame;               /**< last input picture concealed [epoch s]; 0 = never */
     SMGR_COUNTER nNumResyncForLostOfAVSync;         /**< resynchronisations after a loss of A/V sync [count] */
-    time_t       tLastResyncForLostOfAVSync;        /**< last resynchronisation [epoch s]; 0 = never */
+    time_t       tLastResyncForLostOfAVSync;        /**< last resynchronisation after a loss of A/V sync [epoch s]; 0 = never */
     SMGR_COUNTER nNumFramesSentToDisplay;           /**< pictures sent to the display [pictures] */
     time_t       tLastFrameSentToDisplay;           /**< last picture sent to the display [epoch s]; 0 = never */
     SMGR_COUNTER nNumDisplayedOutputFrames;         /**< output frames displayed [frames] */
@@ -640,37 +642,37 @@ typedef struct tagSMGR_VCUDEC_COUNTERS
     SMGR_COUNTER nNumOutputErrors;                  /**< output errors [errors] */
     time_t       tLastOutputError;                  /**< last output error [epoch s]; 0 = never */
     SMGR_COUNTER nNumOutputLate;                    /**< pictures sent to the display late [pictures] */
-    time_t       tLastOutputLate;                   /**< last picture sent late [epoch s]; 0 = never */
+    time_t       tLastOutputLate;                   /**< last picture sent to the display late [epoch s]; 0 = never */
     int          nOutputSTCLeadTime;                /**< lead of the last output over the STC [ms] */
-    int          nMinOutputSTCLeadTime;             /**< smallest such lead [ms] */
-    time_t       tMinOutputSTCLeadTime;             /**< when the smallest lead occurred [epoch s]; 0 = never */
-    int          nMaxOutputSTCLeadTime;             /**< largest such lead [ms] */
-    time_t       tMaxOutputSTCLeadTime;             /**< when the largest lead occurred [epoch s]; 0 = never */
+    int          nMinOutputSTCLeadTime;             /**< smallest lead of an output over the STC [ms] */
+    time_t       tMinOutputSTCLeadTime;             /**< when the smallest lead of an output over the STC occurred [epoch s]; 0 = never */
+    int          nMaxOutputSTCLeadTime;             /**< largest lead of an output over the STC [ms] */
+    time_t       tMaxOutputSTCLeadTime;             /**< when the largest lead of an output over the STC occurred [epoch s]; 0 = never */
     SMGR_COUNTER nNumReorderFramesIn;               /**< pictures that entered the reorder queue [pictures] */
-    time_t       tLastReorderFrameIn;               /**< last picture that entered it [epoch s]; 0 = never */
+    time_t       tLastReorderFrameIn;               /**< last picture that entered the reorder queue [epoch s]; 0 = never */
     SMGR_COUNTER nNumReorderFramesQOcc;             /**< pictures in the reorder queue now [pictures] */
     SMGR_COUNTER nNumReorderFramesOut;              /**< pictures that left the reorder queue [pictures] */
-    time_t       tLastReorderFrameOut;              /**< last picture that left it [epoch s]; 0 = never */
+    time_t       tLastReorderFrameOut;              /**< last picture that left the reorder queue [epoch s]; 0 = never */
     SMGR_COUNTER nNumReorderFramesExtractCalls;     /**< extractions from the reorder queue [calls] */
-    time_t       tLastReorderFramesExtractCall;     /**< last extraction [epoch s]; 0 = never */
+    time_t       tLastReorderFramesExtractCall;     /**< last extraction from the reorder queue [epoch s]; 0 = never */
     SMGR_COUNTER nNumReorderFramesFlushCalls;       /**< flushes of the reorder queue [calls] */
-    time_t       tLastReorderFramesFlushCall;       /**< last flush [epoch s]; 0 = never */
+    time_t       tLastReorderFramesFlushCall;       /**< last flush of the reorder queue [epoch s]; 0 = never */
     SMGR_COUNTER nNumInputParsedCallbacks;          /**< input-parsed callbacks [calls] */
-    time_t       tLastInputParsedCallback;          /**< last such callback [epoch s]; 0 = never */
+    time_t       tLastInputParsedCallback;          /**< last input-parsed callback [epoch s]; 0 = never */
     SMGR_COUNTER nNumResolutionFoundCallbacks;      /**< resolution-found callbacks [calls] */
-    time_t       tLastResolutionFoundCallback;      /**< last such callback [epoch s]; 0 = never */
+    time_t       tLastResolutionFoundCallback;      /**< last resolution-found callback [epoch s]; 0 = never */
     SMGR_COUNTER nNumDecodedCallbacks;              /**< frame-decoded callbacks [calls] */
-    time_t       tLastDecodedCallback;              /**< last such callback [epoch s]; 0 = never */
+    time_t       tLastDecodedCallback;              /**< last frame-decoded callback [epoch s]; 0 = never */
     SMGR_COUNTER nNumDisplayCallbacks;              /**< display callbacks [calls] */
-    time_t       tLastDisplayCallback;              /**< last such callback [epoch s]; 0 = never */
+    time_t       tLastDisplayCallback;              /**< last display callback [epoch s]; 0 = never */
     SMGR_COUNTER nNumSEICallbacks;                  /**< SEI callbacks [calls] */
-    time_t       tLastSEICallback;                  /**< last such callback [epoch s]; 0 = never */
+    time_t       tLastSEICallback;                  /**< last SEI callback [epoch s]; 0 = never */
     SMGR_COUNTER nMaxPushedQueueOccupancy;          /**< most buffers in the queue pushed to the codec unit [buffers] */
-    SMGR_COUNTER nCurPushedQueueOccupancy;          /**< buffers in that queue now [buffers] */
+    SMGR_COUNTER nCurPushedQueueOccupancy;          /**< buffers in the queue pushed to the codec unit now [buffers] */
     SMGR_COUNTER nNumImageCaptures;                 /**< video images captured [images] */
-    time_t       tLastImageCapture;                 /**< last image captured [epoch s]; 0 = never */
+    time_t       tLastImageCapture;                 /**< last video image captured [epoch s]; 0 = never */
     SMGR_COUNTER nNumImageCapturesFailed;           /**< image captures that failed [images] */
-    time_t       tLastImageCaptureFailed;           /**< last failed capture [epoch s]; 0 = never */
+    time_t       tLastImageCaptureFailed;           /**< last image capture that failed [epoch s]; 0 = never */
     time_t       iLastErrorTime;                    /**< when nLastErrorCode was set [epoch s]; 0 = never */
     int          nLastErrorCode;                    /**< last error code of creating a decoder in the codec unit; 0 = none */
     SMGR_COUNTER nNumEOSEvents;                     /**< end-of-stream events [events] */
@@ -678,15 +680,15 @@ typedef struct tagSMGR_VCUDEC_COUNTERS
     SMGR_COUNTER nNumExitErrors;                    /**< errors on exit [errors] */
     time_t       tLastExitError;                    /**< last error on exit [epoch s]; 0 = never */
     SMGR_COUNTER nNumNoInfoErrors;                  /**< pictures that came back without their information [pictures] */
-    time_t       tLastNoInfoError;                  /**< last such picture [epoch s]; 0 = never */
+    time_t       tLastNoInfoError;                  /**< last picture that came back without its information [epoch s]; 0 = never */
     SMGR_COUNTER nNumDiscontinuty;                  /**< discontinuities of the codec unit's input [count] */
-    time_t       tLastDiscontinuity;                /**< last discontinuity [epoch s]; 0 = never */
+    time_t       tLastDiscontinuity;                /**< last discontinuity of the codec unit's input [epoch s]; 0 = never */
     SMGR_COUNTER nNumOfFrmNotRelease;               /**< frames that the codec unit has not released [frames] */
-    time_t       tLastNumOfFrmNotRelease;           /**< last such frame [epoch s]; 0 = never */
+    time_t       tLastNumOfFrmNotRelease;           /**< last frame that the codec unit has not released [epoch s]; 0 = never */
     SMGR_COUNTER nOutputTimestampNotIncreasing;     /**< output time stamps that did not increase [count] */
-    time_t       tLastOutputTimestampNotIncreasing; /**< last such time stamp [epoch s]; 0 = never */
+    time_t       tLastOutputTimestampNotIncreasing; /**< last output time stamp that did not increase [epoch s]; 0 = never */
     SMGR_COUNTER nOutputTimestampsMissing;          /**< output pictures without a time stamp [pictures] */
-    time_t       tLastOutputTimestampMissing;       /**< last such picture [epoch s]; 0 = never */
+    time_t       tLastOutputTimestampMissing;       /**< last output picture without a time stamp [epoch s]; 0 = never */
     UINT         nNumStillImages;                   /**< still images shown [images] */
     UINT         nMaxStillImageTimeOn;              /**< longest time that a still image was on [s] */
     time_t       tLastStillImageOn;                 /**< when a still image last came on [epoch s]; 0 = never */
@@ -696,10 +698,10 @@ typedef struct tagSMGR_VCUDEC_COUNTERS
 /** The hardware video decoder. Its delays are measured from the framer's output. */
 typedef struct tagSMGR_VCUDEC_STATS
 {
-    UINT                     nSize;                           /**< size of this record as the session manager sets it [bytes] */
-    SMGR_VCUDEC_STATE        enState;                         /**< state; 0 = unknown */
-    int                      nLoadPercentage;                 /**< load [%] */
-    unsigned int             nLatencyInUs;                    /**< latency [us] */
+    UINT                     nSize;                           /**< size of this record, set by the session manager [bytes] */
+    SMGR_VCUDEC_STATE        enState;                         /**< state of the decoder; 0 = unknown */
+    int                      nLoadPercentage;                 /**< load of the decoder [%] */
+    unsigned int             nLatencyInUs;                    /**< latency of the decoder [us] */
     UINT64                   nDisplayFormat;                  /**< display format code, video_formats.h; 0 = none */
     BOOL                     bHasChroma;                      /**< the stream carries chroma */
     UINT                     nFrameBufferWidth;               /**< width of a frame buffer [pixels] */
@@ -717,25 +719,25 @@ typedef struct tagSMGR_VCUDEC_STATS
     SMGR_VCUDEC_PICSTRUCTURE enPicStructure;                  /**< structure of the last picture; -1 = unknown */
     BOOL                     bVDelayInputEstimateShortDelay;  /**< input delays gathered over 1 s instead of 10 s */
     BOOL                     bVDelayOutputEstimateShortDelay; /**< output delays gathered over 1 s instead of 10 s */
-    UINT                     nVDelayInputMS;                  /**< delay to the decoder's input now [ms] */
-    UINT                     nVDelayInputMSAvg;               /**< average of it [ms] */
-    UINT                     nVMaxDelayInputMS;               /**< largest of it [ms] */
-    UINT                     nVMinDelayInputMS;               /**< smallest of it [ms] */
+    UINT                     nVDelayInputMS;                  /**< delay from the framer's output to the decoder's input now [ms] */
+    UINT                     nVDelayInputMSAvg;               /**< average delay from the framer's output to the decoder's input in the last 10 s or 1 s [ms] */
+    UINT                     nVMaxDelayInputMS;               /**< largest delay from the framer's output to the decoder's input in the last 10 s or 1 s [ms] */
+    UINT                     nVMinDelayInputMS;               /**< smallest delay from the framer's output to the decoder's input in the last 10 s or 1 s [ms] */
     UINT                     nVCurReOrderLen;                 /**< length of the reorder list now [pictures] */
-    UINT                     nVMaxReOrderLen;                 /**< largest length of the reorder list [pictures] */
-    UINT                     nVMinReOrderLen;                 /**< smallest length of the reorder list [pictures] */
-    UINT                     nVDelayOutputMS;                 /**< delay to the decoder's output now [ms] */
-    UINT                     nVDelayOutputMSAvg;              /**< average of it [ms] */
-    UINT                     nVMaxDelayOutputMS;              /**< largest of it [ms] */
-    UINT                     nVMinDelayOutputMS;              /**< smallest of it [ms] */
-    UINT                     nVMaxDelayWithinVCUMS;           /**< largest delay within the codec unit [ms] */
-    UINT                     nVMinDelayWithinVCUMS;           /**< smallest delay within the codec unit [ms] */
+    UINT                     nVMaxReOrderLen;                 /**< largest length of the reorder list in the last 10 s or 1 s [pictures] */
+    UINT                     nVMinReOrderLen;                 /**< smallest length of the reorder list in the last 10 s or 1 s [pictures] */
+    UINT                     nVDelayOutputMS;                 /**< delay from the framer's output to the decoder's output now [ms] */
+    UINT                     nVDelayOutputMSAvg;              /**< average delay from the framer's output to the decoder's output in the last 10 s or 1 s [ms] */
+    UINT                     nVMaxDelayOutputMS;              /**< largest delay from the framer's output to the decoder's output in the last 10 s or 1 s [ms] */
+    UINT                     nVMinDelayOutputMS;              /**< smallest delay from the framer's output to the decoder's output in the last 10 s or 1 s [ms] */
+    UINT                     nVMaxDelayWithinVCUMS;           /**< largest delay within the codec unit in the last 10 s or 1 s [ms] */
+    UINT                     nVMinDelayWithinVCUMS;           /**< smallest delay within the codec unit in the last 10 s or 1 s [ms] */
     UINT                     nVCurBDListLen;                  /**< length of the hardware's descriptor list now [descriptors] */
-    UINT                     nVMaxBDListLen;                  /**< largest length of that list [descriptors] */
-    UINT                     nVMinBDListLen;                  /**< smallest length of that list [descriptors] */
-    UINT                     nVTheoDelayHwOutputMS;           /**< theoretical delay to the hardware output [ms]; 0 = none */
-    UINT                     nVDelayHwOutputMS;               /**< measured delay to the hardware output [ms]; 0 = not measured */
-    UINT                     nVDelayHwOutputFrameMS;          /**< delay at which the hardware really played the frame [ms] */
+    UINT                     nVMaxBDListLen;                  /**< largest length of the hardware's descriptor list in the last 10 s or 1 s [descriptors] */
+    UINT                     nVMinBDListLen;                  /**< smallest length of the hardware's descriptor list in the last 10 s or 1 s [descriptors] */
+    UINT                     nVTheoDelayHwOutputMS;           /**< theoretical delay from the framer's output to the hardware output [ms]; 0 = none */
+    UINT                     nVDelayHwOutputMS;               /**< measured delay from the framer's output to the hardware output [ms]; 0 = not measured */
+    UINT                     nVDelayHwOutputFrameMS;          /**< delay from the framer's output at which the hardware really played the frame [ms] */
     UINT                     nVDecInputJitterMS;              /**< jitter of the decoder's input [ms] */
     UINT                     nVDecMaxInputJitterMS;           /**< largest jitter of the codec unit's input [ms] */
     UINT                     nVDecOutputJitterMS;             /**< jitter of the decoder's output [ms] */
@@ -753,7 +755,7 @@ typedef struct tagSMGR_VCUDEC_STATS
 /** Counters of a metadata channel. */
 typedef struct tagSMGR_METADATADEC_CHANNEL_COUNTERS
 {
-    unsigned long nNumInputPackets;                  /**< packets received [packets]; 0 = none yet */
+    unsigned long nNumInputPackets;                  /**< packets received [packets] */
     time_t        tLastInputPacket;                  /**< last packet received [epoch s]; 0 = never */
     unsigned long nNumSynchronousPackets;            /**< synchronous packets received [packets] */
     time_t        tLastSynchronousPacket;            /**< last synchronous packet [epoch s]; 0 = never */
@@ -766,40 +768,40 @@ typedef struct tagSMGR_METADATADEC_CHANNEL_COUNTERS
     unsigned long nNumDroppedPackets;                /**< packets dropped [packets] */
     time_t        tLastDroppedPacket;                /**< last packet dropped [epoch s]; 0 = never */
     unsigned long nNumOutputFailedPackets;           /**< packets whose output failed [packets] */
-    time_t        tLastOutputFailedPacket;           /**< last such packet [epoch s]; 0 = never */
-    unsigned long nNumOutputFailedLatePackets;       /**< packets that failed because they were late [packets] */
-    time_t        tLastOutputFailedLatePacket;       /**< last such packet [epoch s]; 0 = never */
+    time_t        tLastOutputFailedPacket;           /**< last packet whose output failed [epoch s]; 0 = never */
+    unsigned long nNumOutputFailedLatePackets;       /**< packets whose output failed because they were late [packets] */
+    time_t        tLastOutputFailedLatePacket;       /**< last packet whose output failed because of its lateness [epoch s]; 0 = never */
     unsigned long nNumOutputPayloadBytes;            /**< payload bytes output [bytes] */
-    unsigned long nMaxOutputPayloadBytes;            /**< largest payload output [bytes] */
-    time_t        tMaxOutputPayloadBytes;            /**< when the largest payload occurred [epoch s]; 0 = never */
+    unsigned long nMaxOutputPayloadBytes;            /**< largest payload of a packet output [bytes] */
+    time_t        tMaxOutputPayloadBytes;            /**< when the largest payload of a packet occurred [epoch s]; 0 = never */
     unsigned long nNumNonIncreasingOutputTimestamps; /**< output time stamps that did not increase [count] */
-    time_t        tLastNonIncreasingOutputTimestamp; /**< last such time stamp [epoch s]; 0 = never */
-    unsigned long nNumErrors;                        /**< other errors [errors] */
-    time_t        tLastOutputTime;                   /**< last output [epoch s]; 0 = never */
+    time_t        tLastNonIncreasingOutputTimestamp; /**< last output time stamp that did not increase [epoch s]; 0 = never */
+    unsigned long nNumErrors;                        /**< errors of other kinds [errors] */
+    time_t        tLastOutputTime;                   /**< last output of the channel [epoch s]; 0 = never */
     unsigned long nNumInPacketList;                  /**< packets in the input packet list now [packets] */
     unsigned long nNumPacketListResets;              /**< resets of the packet list [resets] */
-    time_t        tLastPacketListReset;              /**< last reset [epoch s]; 0 = never */
+    time_t        tLastPacketListReset;              /**< last reset of the packet list [epoch s]; 0 = never */
     unsigned long nNumBDAllocated;                   /**< buffer descriptors allocated [descriptors] */
-    time_t        tLastBDAllocated;                  /**< last descriptor allocated [epoch s]; 0 = never */
-    unsigned long nNumBDAllocateFailed;              /**< descriptor allocations that failed [descriptors] */
-    time_t        tLastBDAllocateFailed;             /**< last failed allocation [epoch s]; 0 = never */
+    time_t        tLastBDAllocated;                  /**< last buffer descriptor allocated [epoch s]; 0 = never */
+    unsigned long nNumBDAllocateFailed;              /**< buffer descriptor allocations that failed [descriptors] */
+    time_t        tLastBDAllocateFailed;             /**< last buffer descriptor allocation that failed [epoch s]; 0 = never */
     unsigned long nNumBDWritten;                     /**< buffer descriptors written [descriptors] */
-    time_t        tLastBDWritten;                    /**< last descriptor written [epoch s]; 0 = never */
+    time_t        tLastBDWritten;                    /**< last buffer descriptor written [epoch s]; 0 = never */
     unsigned long nNumBDFreed;                       /**< buffer descriptors freed [descriptors] */
-    time_t        tLastBDFreed;                      /**< last descriptor freed [epoch s]; 0 = never */
+    time_t        tLastBDFreed;                      /**< last buffer descriptor freed [epoch s]; 0 = never */
     unsigned long nNumBDInFreeList;                  /**< buffer descriptors in the free list now [descriptors] */
     unsigned long nNumBDInUsedList;                  /**< buffer descriptors in the used list now [descriptors] */
     int           nBDFreeListHeadIndex;              /**< first descriptor of the free list [index] */
     int           nBDUsedListHeadIndex;              /**< first descriptor of the used list [index] */
-    unsigned long nCurrentDelayInPackets;            /**< delay now [packets] */
+    unsigned long nCurrentDelayInPackets;            /**< delay of the channel now [packets] */
     unsigned long nNumInDelayList;                   /**< packets in the delay list now [packets] */
     unsigned long nNumOutputLate;                    /**< packets sent after their time [packets] */
     time_t        tLastOutputLate;                   /**< last packet sent late [epoch s]; 0 = never */
     int           nOutputSTCLeadTime;                /**< lead of the last output over the STC [ms] */
-    int           nMinOutputSTCLeadTime;             /**< smallest such lead [ms] */
-    time_t        tMinOutputSTCLeadTime;             /**< when the smallest lead occurred [epoch s]; 0 = never */
-    int           nMaxOutputSTCLeadTime;             /**< largest such lead [ms] */
-    time_t        tMaxOutputSTCLeadTime;             /**< when the largest lead occurred [epoch s]; 0 = never */
+    int           nMinOutputSTCLeadTime;             /**< smallest lead of an output over the STC [ms] */
+    time_t        tMinOutputSTCLeadTime;             /**< when the smallest lead of an output over the STC occurred [epoch s]; 0 = never */
+    int           nMaxOutputSTCLeadTime;             /**< largest lead of an output over the STC [ms] */
+    time_t        tMaxOutputSTCLeadTime;             /**< when the largest lead of an output over the STC occurred [epoch s]; 0 = never */
 } SMGR_METADATADEC_CHANNEL_COUNTERS;
 
 /** One channel of the metadata decoder. */
@@ -815,11 +817,11 @@ typedef struct tagSMGR_METADATADEC_CHANNEL_STATS
 /** The last timecode decoded (SMPTE ST 12-1). */
 typedef struct tagSMGR_METADATADEC_TC_VALUE
 {
-    BOOL bTCValid;   /**< exactly 1: the fields below hold a decoded timecode */
-    UINT nTCHours;   /**< hours [h] */
-    UINT nTCMinutes; /**< minutes [min] */
-    UINT nTCSeconds; /**< seconds [s] */
-    UINT nTCFrames;  /**< frames [frames] */
+    BOOL bTCValid;   /**< exactly 1 while the last timecode holds */
+    UINT nTCHours;   /**< hours of the last timecode [h] */
+    UINT nTCMinutes; /**< minutes of the last timecode [min] */
+    UINT nTCSeconds; /**< seconds of the last timecode [s] */
+    UINT nTCFrames;  /**< frames of the last timecode [frames] */
 } SMGR_METADATADEC_TC_VALUE;
 
 /** Counters of the metadata decoder. */
@@ -832,8 +834,8 @@ typedef struct tagSMGR_METADATADEC_COUNTERS
 /** The metadata decoder. */
 typedef struct tagSMGR_METADATADEC_STATS
 {
-    SMGR_METADATA_STATE            enState;                                 /**< state; 0 = unknown */
-    UINT                           nDecoderID;                              /**< decoder that it belongs to [id] */
+    SMGR_METADATA_STATE            enState;                                 /**< state of the decoder; 0 = unknown */
+    UINT                           nDecoderID;                              /**< decoder that the metadata belong to [id] */
     UINT                           nInputQOccupancy;                        /**< packets in the input queue now [packets] */
     SMGR_METADATADEC_CHANNEL_STATS tChannel[SMGR_METADATADEC_MAX_CHANNELS]; /**< KLV, timecode, closed captions and AFD */
     SMGR_METADATADEC_COUNTERS      tCounters;                               /**< counters */
@@ -853,15 +855,15 @@ typedef struct tagSMGR_CBUFFERING_MULTISYNC_COUNTERS
 /** The MultiSync mode: decoders that present the same content at the same moment, by timecode. */
 typedef struct tagSMGR_CBUFFERING_MULTISYNC_STATS
 {
-    BOOL                               bTimecodePresent;          /**< the stream carries a timecode; exactly 1 = yes */
-    BOOL                               bTimecodeValid;            /**< the timecode is usable; exactly 1 = yes */
+    BOOL                               bTimecodePresent;          /**< exactly 1 while the stream carries a timecode */
+    BOOL                               bTimecodeValid;            /**< exactly 1 while the timecode is usable */
     int                                nTimecodeInMs;             /**< the stream's timecode as time of day [ms] */
-    int                                nSystemTimeInMs;           /**< system time of day at the same moment [ms] */
+    int                                nSystemTimeInMs;           /**< system time of day at the moment of the stream's timecode [ms] */
     int                                nTransmissionTimeMs;       /**< transmission time of the stream [ms] */
-    UINT                               nMultiSyncDelaySetMs;      /**< delay configured [ms] */
-    unsigned int                       nMultiSyncDelayActualMs;   /**< delay in force [ms] */
-    unsigned int                       nMultiSyncDelayRangeMinMs; /**< smallest delay that can be applied [ms] */
-    unsigned int                       nMultiSyncDelayRangeMaxMs; /**< largest delay that can be applied [ms] */
+    UINT                               nMultiSyncDelaySetMs;      /**< MultiSync delay configured [ms] */
+    unsigned int                       nMultiSyncDelayActualMs;   /**< MultiSync delay in force [ms] */
+    unsigned int                       nMultiSyncDelayRangeMinMs; /**< smallest MultiSync delay that can be applied [ms] */
+    unsigned int                       nMultiSyncDelayRangeMaxMs; /**< largest MultiSync delay that can be applied [ms] */
     SMGR_CBUFFERING_MULTISYNC_COUNTERS tCounters;                 /**< counters */
 } SMGR_CBUFFERING_MULTISYNC_STATS;
 
@@ -869,22 +871,22 @@ typedef struct tagSMGR_CBUFFERING_MULTISYNC_STATS
 typedef struct tagSMGR_CBUFFERING_AUTOMATIC_STATS
 {
     UINT   nMaxInputJitterMs;            /**< largest input jitter [ms] */
-    time_t tMaxInputJitterChanged;       /**< when it last changed [epoch s]; 0 = never */
+    time_t tMaxInputJitterChanged;       /**< when the largest input jitter last changed [epoch s]; 0 = never */
     int    nNonVideoLateMs;              /**< lateness of the non-video streams now, negative: early [ms] */
-    int    nNonVideoLateMaxMs;           /**< largest such lateness [ms] */
-    time_t tNonVideoLateMax;             /**< when the largest lateness occurred [epoch s]; 0 = never */
+    int    nNonVideoLateMaxMs;           /**< largest lateness of the non-video streams [ms] */
+    time_t tNonVideoLateMax;             /**< when the largest lateness of the non-video streams occurred [epoch s]; 0 = never */
     UINT   nVideoDecoderLatencyMs;       /**< latency of the video decoder now [ms] */
-    UINT   nVideoDecoderLatencyMaxMs;    /**< largest such latency [ms] */
-    time_t tVideoDecoderLatencyMax;      /**< when the largest latency occurred [epoch s]; 0 = never */
+    UINT   nVideoDecoderLatencyMaxMs;    /**< largest latency of the video decoder [ms] */
+    time_t tVideoDecoderLatencyMax;      /**< when the largest latency of the video decoder occurred [epoch s]; 0 = never */
     UINT   nVideoDecoderJitterMs;        /**< jitter of the video decoder now [ms] */
-    UINT   nVideoDecoderJitterMaxMs;     /**< largest such jitter [ms] */
-    time_t tVideoDecoderJitterMax;       /**< when the largest jitter occurred [epoch s]; 0 = never */
+    UINT   nVideoDecoderJitterMaxMs;     /**< largest jitter of the video decoder [ms] */
+    time_t tVideoDecoderJitterMax;       /**< when the largest jitter of the video decoder occurred [epoch s]; 0 = never */
     int    nVideoSTCLeadTimeAvgActualMs; /**< average lead of video time stamps over the STC [ms] */
-    int    nVideoSTCLeadTimeMinActualMs; /**< smallest such lead [ms] */
-    int    nVideoSTCLeadTimeMaxActualMs; /**< largest such lead [ms] */
+    int    nVideoSTCLeadTimeMinActualMs; /**< smallest lead of video time stamps over the STC [ms] */
+    int    nVideoSTCLeadTimeMaxActualMs; /**< largest lead of video time stamps over the STC [ms] */
     int    nAudioSTCLeadTimeAvgActualMs; /**< average lead of audio time stamps over the STC [ms] */
-    int    nAudioSTCLeadTimeMinActualMs; /**< smallest such lead [ms] */
-    int    nAudioSTCLeadTimeMaxActualMs; /**< largest such lead [ms] */
+    int    nAudioSTCLeadTimeMinActualMs; /**< smallest lead of audio time stamps over the STC [ms] */
+    int    nAudioSTCLeadTimeMaxActualMs; /**< largest lead of audio time stamps over the STC [ms] */
     UINT   nHardwareDelayMs;             /**< fixed delay of the hardware output path [ms] */
     time_t tLastVideoSkipReplayTime;     /**< last video frame skipped or shown again [epoch s]; 0 = never */
     time_t tLastAudioSkipTime;           /**< last audio skipped [epoch s]; 0 = never */
@@ -893,9 +895,9 @@ typedef struct tagSMGR_CBUFFERING_AUTOMATIC_STATS
 /** Counters of one buffered elementary stream. */
 typedef struct tagSMGR_CBUFFERING_CHANNEL_COUNTERS
 {
-    unsigned long nNumReceivedPackets;      /**< packets received [packets]; 0 = none yet */
-    unsigned long nNumOutputPackets;        /**< packets released [packets] */
-    unsigned int  nMaxQueueOccupancyFrames; /**< most frames queued [frames] */
+    unsigned long nNumReceivedPackets;      /**< packets received [packets] */
+    unsigned long nNumOutputPackets;        /**< packets released to the decoder [packets] */
+    unsigned int  nMaxQueueOccupancyFrames; /**< most frames in the queue [frames] */
 } SMGR_CBUFFERING_CHANNEL_COUNTERS;
 
 /** One buffered elementary stream. */
@@ -903,16 +905,16 @@ typedef struct tagSMGR_CBUFFERING_CHANNEL_STATS
 {
     SMGR_TDEMUX_DATA_TYPE            enType;                /**< kind of stream; 0 = unknown */
     UINT                             nBufferingDelayTimeMs; /**< buffering delay applied [ms] */
-    UINT                             nDelayTimeMsActual;    /**< delay reached [ms] */
+    UINT                             nDelayTimeMsActual;    /**< buffering delay reached [ms] */
     int                              nSTCLeadTimeMsSet;     /**< STC lead time set [ms] */
     UINT                             nTotalOutputLatencyMs; /**< latency from input to output [ms] */
     int                              nPCRtoPTSTimeMsActual; /**< distance from the PCR to the PTS [ms] */
-    UINT                             nJitterTimeMsActual;   /**< jitter now [ms] */
+    UINT                             nJitterTimeMsActual;   /**< jitter of the stream now [ms] */
     UINT                             nJitterTimeMsSet;      /**< jitter allowance set [ms] */
-    UINT                             nJitterTimeMsMaximum;  /**< largest jitter [ms] */
-    unsigned int                     nQueueOccupancyFrames; /**< frames queued now [frames] */
+    UINT                             nJitterTimeMsMaximum;  /**< largest jitter of the stream [ms] */
+    unsigned int                     nQueueOccupancyFrames; /**< frames in the queue now [frames] */
     UINT64                           TimeStamp;             /**< time stamp of the last output [90 kHz ticks] */
-    time_t                           tLastOutputTime;       /**< last packet released [epoch s]; 0 = never */
+    time_t                           tLastOutputTime;       /**< last packet released to the decoder [epoch s]; 0 = never */
     SMGR_CBUFFERING_CHANNEL_COUNTERS tCounters;             /**< counters */
 } SMGR_CBUFFERING_CHANNEL_STATS;
 
@@ -920,51 +922,51 @@ typedef struct tagSMGR_CBUFFERING_CHANNEL_STATS
 typedef struct tagSMGR_CBUFFERING_COUNTERS
 {
     SMGR_COUNTER nNumReceivedPackets;                /**< packets received from the demux [packets] */
-    time_t       tLastReceivedPacket;                /**< last packet received [epoch s]; 0 = never */
+    time_t       tLastReceivedPacket;                /**< last packet received from the demux [epoch s]; 0 = never */
     SMGR_COUNTER nNumOutputPackets;                  /**< packets released to the decoders [packets] */
-    time_t       tLastOutputPacket;                  /**< last packet released [epoch s]; 0 = never */
+    time_t       tLastOutputPacket;                  /**< last packet released to the decoders [epoch s]; 0 = never */
     SMGR_COUNTER nNumDroppedPackets;                 /**< packets discarded [packets] */
     time_t       tLastDroppedPacket;                 /**< last packet discarded [epoch s]; 0 = never */
     SMGR_COUNTER nNumUnknownPackets;                 /**< packets of no known channel [packets] */
-    time_t       tLastUnknownPacket;                 /**< last such packet [epoch s]; 0 = never */
+    time_t       tLastUnknownPacket;                 /**< last packet of no known channel [epoch s]; 0 = never */
     SMGR_COUNTER nNumPCRPackets;                     /**< packets that carried a PCR [packets] */
     SMGR_COUNTER nNumPCRUpdates;                     /**< PCR values taken over [updates] */
     time_t       tLastPCRUpdate;                     /**< last PCR value taken over [epoch s]; 0 = never */
     SMGR_COUNTER nNumSTCUpdates;                     /**< corrections of the STC [updates] */
-    time_t       tLastSTCUpdate;                     /**< last correction [epoch s]; 0 = never */
+    time_t       tLastSTCUpdate;                     /**< last correction of the STC [epoch s]; 0 = never */
     SMGR_COUNTER nNumBufferingAdjustments;           /**< changes of the buffering delay [changes] */
-    time_t       tLastBufferingAdjustmentTime;       /**< last such change [epoch s]; 0 = never */
+    time_t       tLastBufferingAdjustmentTime;       /**< last change of the buffering delay [epoch s]; 0 = never */
     SMGR_COUNTER nNumSTCLeadTimeAdjustments;         /**< changes of the STC lead time [changes] */
-    time_t       tLastSTCLeadTimeAdjustmentTime;     /**< last such change [epoch s]; 0 = never */
+    time_t       tLastSTCLeadTimeAdjustmentTime;     /**< last change of the STC lead time [epoch s]; 0 = never */
     SMGR_COUNTER nNumLateOutputs;                    /**< packets released after their due time [packets] */
-    int          nMaxLateOutputMs;                   /**< largest lateness [ms] */
-    int          nMaxLateOutputBurstFrms;            /**< longest run of late frames [frames] */
-    time_t       tLastLateOutput;                    /**< last late release [epoch s]; 0 = never */
+    int          nMaxLateOutputMs;                   /**< largest lateness of a packet released [ms] */
+    int          nMaxLateOutputBurstFrms;            /**< longest run of frames released late [frames] */
+    time_t       tLastLateOutput;                    /**< last packet released after its due time [epoch s]; 0 = never */
     int          nNumResets;                         /**< resets of the controller [resets] */
-    time_t       tLastReset;                         /**< last reset [epoch s]; 0 = never */
-    SMGR_COUNTER nBufferingOccupancyBytes;           /**< bytes held now [bytes] */
-    SMGR_COUNTER nMaxBufferingOccupancyBytes;        /**< most bytes held [bytes] */
-    time_t       tMaxBufferingOccupancyBytes;        /**< when the most were held [epoch s]; 0 = never */
+    time_t       tLastReset;                         /**< last reset of the controller [epoch s]; 0 = never */
+    SMGR_COUNTER nBufferingOccupancyBytes;           /**< bytes held in the buffers now [bytes] */
+    SMGR_COUNTER nMaxBufferingOccupancyBytes;        /**< most bytes held in the buffers [bytes] */
+    time_t       tMaxBufferingOccupancyBytes;        /**< when the buffers held most [epoch s]; 0 = never */
     SMGR_COUNTER nBufferingOverflows;                /**< buffer overflows [overflows] */
-    time_t       tLastBufferingOverflow;             /**< last overflow [epoch s]; 0 = never */
+    time_t       tLastBufferingOverflow;             /**< last buffer overflow [epoch s]; 0 = never */
     SMGR_COUNTER nSynthesizedAsyncTimestamps;        /**< time stamps made up for asynchronous streams [count] */
-    time_t       tLastSynthesizedAsyncTimestamp;     /**< last time stamp made up [epoch s]; 0 = never */
-    SMGR_COUNTER nSynthesizedAsyncTimestampFails;    /**< failures to make one up [count] */
-    time_t       tLastSynthesizedAsyncTimestampFail; /**< last failure [epoch s]; 0 = never */
+    time_t       tLastSynthesizedAsyncTimestamp;     /**< last time stamp made up for asynchronous streams [epoch s]; 0 = never */
+    SMGR_COUNTER nSynthesizedAsyncTimestampFails;    /**< time stamps for asynchronous streams that could not be made up [count] */
+    time_t       tLastSynthesizedAsyncTimestampFail; /**< last time stamp for asynchronous streams that could not be made up [epoch s]; 0 = never */
 } SMGR_CBUFFERING_COUNTERS;
 
 /** The buffering controller. */
 typedef struct tagSMGR_CBUFFERING_STATS
 {
-    UINT                            nDecoderID;                             /**< decoding chain [id] */
-    SMGR_CBUFFERING_STATUS          enStatus;                               /**< state */
-    int                             enBufferingMode;                        /**< mode, an SMGR_DECSDI_BUFFERING_ value */
+    UINT                            nDecoderID;                             /**< decoding chain that the controller belongs to [id] */
+    SMGR_CBUFFERING_STATUS          enStatus;                               /**< state of the controller */
+    int                             enBufferingMode;                        /**< buffering mode, an SMGR_DECSDI_BUFFERING_ value */
     UINT                            nFixedDelayMs;                          /**< delay configured for the fixed mode [ms] */
-    UINT                            nMultiSyncDelayMs;                      /**< delay configured for the MultiSync mode; tMultiSync has the one in use [ms] */
+    UINT                            nMultiSyncDelayMs;                      /**< delay configured for the MultiSync mode, of which nMultiSyncDelayActualMs is in force [ms] */
     UINT                            nMinDelayMs;                            /**< smallest delay that the chain can honour [ms] */
-    UINT                            nMaxDelayMs;                            /**< largest delay allowed [ms] */
-    UINT64                          nPCR;                                   /**< last PCR [90 kHz ticks] */
-    UINT64                          nSTC;                                   /**< STC now [90 kHz ticks] */
+    UINT                            nMaxDelayMs;                            /**< largest buffering delay allowed [ms] */
+    UINT64                          nPCR;                                   /**< last PCR of the stream [90 kHz ticks] */
+    UINT64                          nSTC;                                   /**< STC of the decoder now [90 kHz ticks] */
     SMGR_CBUFFERING_MULTISYNC_STATS tMultiSync;                             /**< figures of the MultiSync mode */
     SMGR_CBUFFERING_AUTOMATIC_STATS tAutomatic;                             /**< figures of the delay that the chain needs */
     BOOL                            bBufferingDelaySet;                     /**< the initial buffering delay has been applied */
@@ -982,8 +984,8 @@ typedef struct tagSMGR_CLOCK_RECOVERY_DECODER_STATS
     int           TrackingStarted;       /**< flag: tracking has started */
     int           SampleCount;           /**< samples taken by the loop [samples] */
     int           ReSyncCount;           /**< resynchronisations of the loop [count] */
-    unsigned long PcrUpdates;            /**< PCR updates [updates] */
-    time_t        tLastPcrUpdate;        /**< last PCR update [epoch s]; 0 = never */
+    unsigned long PcrUpdates;            /**< PCR updates of the loop [updates] */
+    time_t        tLastPcrUpdate;        /**< last PCR update of the loop [epoch s]; 0 = never */
     long          OldSndClk;             /**< sender's clock at the last sample [90 kHz ticks] */
     long          OldRcvClk;             /**< receiver's clock at the last sample [90 kHz ticks] */
     long          OldDeltaSnd;           /**< last difference of the sender's clock [90 kHz ticks] */
@@ -992,47 +994,47 @@ typedef struct tagSMGR_CLOCK_RECOVERY_DECODER_STATS
     long          FilterDeltaClk;        /**< filtered difference of the two clocks [90 kHz ticks] */
     long          OldPll;                /**< STC frequency now [Hz] */
     long          StcClkNominal;         /**< nominal STC frequency [Hz] */
-    int           trackingMode;          /**< mode, an SMGR_CLOCK_TRACKING_ value */
+    int           trackingMode;          /**< tracking mode, an SMGR_CLOCK_TRACKING_ value */
     int           PllNotSettled;         /**< flag: the PLL has not settled */
     int           PllSettleTime;         /**< time that the PLL took to settle [s]; 0 = none */
     long          curPllAvg;             /**< average STC frequency of the last 2 min [Hz]; 0 = none */
-    long          curPllMin;             /**< lowest STC frequency of the last 2 min [Hz] */
-    long          curPllMax;             /**< highest STC frequency of the last 2 min [Hz] */
-    long          curPLLDevHz;           /**< deviation of the average from nominal [Hz] */
-    long          curPLLDevPpm;          /**< integer part of that deviation [ppm] */
+    long          curPllMin;             /**< lowest STC frequency of the last 2 min [Hz]; with curPllAvg 0 = none */
+    long          curPllMax;             /**< highest STC frequency of the last 2 min [Hz]; with curPllAvg 0 = none */
+    long          curPLLDevHz;           /**< deviation of the average STC frequency from nominal [Hz]; with curPllAvg 0 = none */
+    long          curPLLDevPpm;          /**< integer part of the average STC frequency's deviation from nominal [ppm]; with curPllAvg 0 = none */
     long          curPLLDevPpmNominal;   /**< deviation of the STC from nominal now [ppm] */
-    long          curPLLDevPpmFract;     /**< digits of curPLLDevPpm after the point, as a number printed without padding */
-    long          avgDevHz;              /**< STC adjustment of the last 16 min [Hz]; 0 = none */
-    long          avgDevPpm;             /**< integer part of that adjustment [ppm] */
-    long          avgDevPpmFract;        /**< digits of avgDevPpm after the point, as a number printed without padding */
-    int           pcrLateCount;          /**< PCRs that came too late [count]; 0 = none */
+    long          curPLLDevPpmFract;     /**< digits of curPLLDevPpm after the point, as a number printed without padding [digits]; with curPllAvg 0 = none */
+    long          avgDevHz;              /**< STC adjustment of the last 16 min [Hz] */
+    long          avgDevPpm;             /**< integer part of the STC adjustment of the last 16 min [ppm] */
+    long          avgDevPpmFract;        /**< digits of avgDevPpm after the point, as a number printed without padding [digits] */
+    int           pcrLateCount;          /**< PCRs that came too late [count] */
     int           pcrLateMaxValue;       /**< longest time without a PCR [ms] */
-    int           pcrJitterErrCount;     /**< PCR jitter errors [errors]; 0 = none */
-    int           pcrJitterErr;          /**< last jitter error [ms] */
+    int           pcrJitterErrCount;     /**< PCR jitter errors [errors] */
+    int           pcrJitterErr;          /**< last PCR jitter error [ms] */
     int           pcrJitterMaxErrValue;  /**< largest deviation between two PCRs [ms] */
     long          curPcr;                /**< last PCR of the encoder [90 kHz ticks] */
     long          curPcrFpga;            /**< PCR of the hardware register [90 kHz ticks] */
     long          curPcrFpgaDelta;       /**< encoder's PCR less the register's [90 kHz ticks] */
     long          mafDivFactor;          /**< division factor of the filter on the clock difference */
     long          pcrTsDelta;            /**< average distance of the register's PCR to the time stamps [90 kHz ticks] */
-    long          pcrTsDeltaAud0;        /**< average distance of the register's PCR to audio pair 0's time stamps [90 kHz ticks] */
-    long          pcrTsDeltaAud1;        /**< average distance of the register's PCR to audio pair 1's time stamps [90 kHz ticks] */
-    long          pcrTsDeltaAud2;        /**< average distance of the register's PCR to audio pair 2's time stamps [90 kHz ticks] */
-    long          pcrTsDeltaAud3;        /**< average distance of the register's PCR to audio pair 3's time stamps [90 kHz ticks] */
-    long          pcrTsDeltaAud4;        /**< average distance of the register's PCR to audio pair 4's time stamps [90 kHz ticks] */
-    long          pcrTsDeltaAud5;        /**< average distance of the register's PCR to audio pair 5's time stamps [90 kHz ticks] */
-    long          pcrTsDeltaAud6;        /**< average distance of the register's PCR to audio pair 6's time stamps [90 kHz ticks] */
-    long          pcrTsDeltaAud7;        /**< average distance of the register's PCR to audio pair 7's time stamps [90 kHz ticks] */
+    long          pcrTsDeltaAud0;        /**< average distance of the register's PCR to the time stamps of audio pair 1, counted from 1 [90 kHz ticks] */
+    long          pcrTsDeltaAud1;        /**< average distance of the register's PCR to the time stamps of audio pair 2, counted from 1 [90 kHz ticks] */
+    long          pcrTsDeltaAud2;        /**< average distance of the register's PCR to the time stamps of audio pair 3, counted from 1 [90 kHz ticks] */
+    long          pcrTsDeltaAud3;        /**< average distance of the register's PCR to the time stamps of audio pair 4, counted from 1 [90 kHz ticks] */
+    long          pcrTsDeltaAud4;        /**< average distance of the register's PCR to the time stamps of audio pair 5, counted from 1 [90 kHz ticks] */
+    long          pcrTsDeltaAud5;        /**< average distance of the register's PCR to the time stamps of audio pair 6, counted from 1 [90 kHz ticks] */
+    long          pcrTsDeltaAud6;        /**< average distance of the register's PCR to the time stamps of audio pair 7, counted from 1 [90 kHz ticks] */
+    long          pcrTsDeltaAud7;        /**< average distance of the register's PCR to the time stamps of audio pair 8, counted from 1 [90 kHz ticks] */
     long          pcrTsDeltaKlv;         /**< average distance of the register's PCR to the KLV time stamps [90 kHz ticks] */
-    long          pcrTsDeltaMinValue;    /**< smallest pcrTsDelta within the interval [90 kHz ticks] */
-    long          pcrTsDeltaMaxValue;    /**< largest pcrTsDelta within the interval [90 kHz ticks] */
-    long          pcrTsDeltaMinMaxDlyMS; /**< length of that interval [ms] */
+    long          pcrTsDeltaMinValue;    /**< smallest pcrTsDelta within pcrTsDeltaMinMaxDlyMS [90 kHz ticks] */
+    long          pcrTsDeltaMaxValue;    /**< largest pcrTsDelta within pcrTsDeltaMinMaxDlyMS [90 kHz ticks] */
+    long          pcrTsDeltaMinMaxDlyMS; /**< length of the interval of pcrTsDeltaMinValue and pcrTsDeltaMaxValue [ms] */
     long          pcrTsDeltaMinExtValue; /**< smallest pcrTsDelta of all time [90 kHz ticks] */
     long          pcrTsDeltaMaxExtValue; /**< largest pcrTsDelta of all time [90 kHz ticks] */
     long          PcrJump;               /**< last jump of the encoder's PCR [ms]; 0 = none */
-    time_t        tLastPcrJump;          /**< when the last jump happened [epoch s]; 0 = never */
+    time_t        tLastPcrJump;          /**< when the encoder's PCR last jumped [epoch s]; 0 = never */
     long          PcrJumpMaxValue;       /**< largest jump of the encoder's PCR [ms]; 0 = none */
-    time_t        tLastPcrJumpMaxValue;  /**< when the largest jump happened [epoch s]; 0 = never */
+    time_t        tLastPcrJumpMaxValue;  /**< when the largest jump of the encoder's PCR happened [epoch s]; 0 = never */
 } SMGR_DECODER_CLOCK_RECOVERY_STATS;
 
 #pragma pack(pop)

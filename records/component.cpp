@@ -83,6 +83,7 @@ const Component* find_component_of_size(std::size_t size)
 std::vector<std::string> component_names()
 {
     std::vector<std::string> names;
+    names.reserve(table.size());
     for (const Component& component : table) names.emplace_back(component.name);
     return names;
 }

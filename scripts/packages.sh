@@ -1,7 +1,7 @@
 # Sourced by the scripts beside it: installs the Debian packages that are missing, without questions.
 
 build_packages="g++ cmake ninja-build libcli11-dev"
-test_packages="$build_packages clang clang-format clang-tidy libgtest-dev binutils locales valgrind abigail-tools pkg-config groff-base"
+test_packages="$build_packages clang clang-format clang-tidy libgtest-dev binutils locales valgrind abigail-tools pkg-config groff-base lld python3"
 target_packages="g++-aarch64-linux-gnu qemu-user googletest"
 package_packages="$build_packages build-essential debhelper lintian"
 fuzz_packages="$build_packages clang libclang-rt-14-dev"

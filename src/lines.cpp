@@ -63,6 +63,8 @@ char* _GetElapsedTimeString(time_t theTime, char* szBuffer, size_t nSize)
 char* _GetAbbrevFPSString(float fFrameRate, char* szBuffer, size_t nSize)
 {
     int nLength = PrintToString(szBuffer, nSize, "%.2f", static_cast<double>(fFrameRate));
+    // A host's service may return the length that the whole text would have, as snprintf does.
+    if (nLength > 0 && static_cast<size_t>(nLength) >= nSize) nLength = static_cast<int>(nSize) - 1;
     if (nLength < 4) return szBuffer; // "nan" and "inf" have no decimals
     for (int i = 0; i < 3; i++)
     {

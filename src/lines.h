@@ -13,7 +13,7 @@
 #include <cstring>
 #include <ctime>
 
-/** Prints a constant text, as a heading. */
+/** Prints a constant text, such as the name of a block. */
 inline void _PrintText(const char* pText)
 {
     fwrite(pText, 1, strlen(pText), stdout);

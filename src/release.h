@@ -1,6 +1,6 @@
 /*
- * The release: everything about it that a build needs to know stands here and nowhere else. The version record, the tool
- * and CMake all read this file, so every definition keeps to one line.
+ * The release, as the version record, the tool and CMake describe it. CMake reads this file line by line, so every definition
+ * keeps to one line.
  */
 #ifndef RELEASE_H
 #define RELEASE_H

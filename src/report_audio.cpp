@@ -15,7 +15,7 @@ void _PrintAudioChannel(const SMGR_AUDIO_PAIR_STATS* pPair, UINT nPairID, STATS_
 
     fprintf(stdout, "  AUDIO PAIR #%u\n", nPairID + 1);
     fprintf(stdout, "    %-20s: %s\n", "Compression", SessMgr_GetTDemuxCompressionTypeString(pPair->enAlgorithm, szBuffer, sizeof szBuffer));
-    // In kbit/s as the record has it, although the service takes bit/s: readers of this line know it so.
+    // In kbit/s, as the record has it, although the service takes bit/s.
     fprintf(stdout, "    %-20s: %s\n", "Bit Rate", FormatBitRate(static_cast<unsigned int>(pPair->nBitRateInKbps), szBuffer, sizeof szBuffer));
     fprintf(stdout, "    %-20s: %dms (Video TS %u, Audio TS %u) \n", "A/V Sync", pPair->iAudioVideoTSDiffInMs, pPair->nVideoTimeStamp, pPair->nAudioTimeStamp);
     fprintf(stdout, "    %-20s: %u\n", "TS Discontinuities", pPair->nTSDiscontinuity);

@@ -24,7 +24,7 @@ static void _PrintStatus(const SMGR_DECODER_CLOCK_RECOVERY_STATS* pStats)
         fprintf(stdout, "  %-22s: SEARCHING\n", "Status");
     else if (pStats->curPLLDevPpm >= -4 && pStats->curPLLDevPpm <= 4)
         fprintf(stdout, "  %-22s: LOCKED (%ld.%ldPPM)\n", "Status", pStats->curPLLDevPpm, pStats->curPLLDevPpmFract);
-    else if (pStats->curPLLDevPpm > 99) // the message rounds the limit down, and a negative deviation never gets here
+    else if (pStats->curPLLDevPpm > 99) // a negative deviation never gets here
         fprintf(stdout, "  %-22s: UNLOCKED (over 95PPM from nominal)\n", "Status");
     else
         fprintf(stdout, "  %-22s: UNLOCKED (more then +-5PPM)\n", "Status");
@@ -68,7 +68,7 @@ static void _PrintStcAdjustment(const SMGR_DECODER_CLOCK_RECOVERY_STATS* pStats)
         fprintf(stdout, "  %-22s: %sHz (-%ld.%ldPPM)\n", "STC Adj (last 16 min)", pAdjustment, pStats->avgDevPpm, pStats->avgDevPpmFract);
 }
 
-// Two of the formats differ in their blanks between the tracking states, and readers know both.
+// Two of the formats differ in their blanks between the tracking states.
 static void _PrintPcr(const SMGR_DECODER_CLOCK_RECOVERY_STATS* pStats, bool bTracking)
 {
     fprintf(stdout, "  %-22s: 0x%09lx (90K)\n", "Current PCR", static_cast<unsigned long>(pStats->curPcr));

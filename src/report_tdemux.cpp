@@ -11,7 +11,7 @@ void _PrintTDemuxSRTStats(const SMGR_STREAM_SRT_STATS* pStats, STATS_LEVEL nLeve
     const bool printAll = nLevel == STATS_LEVEL_DEBUG;
     char szBuffer[1024];
 
-    // The prefixed form is not shown; hosts count on three version calls a block, the first one with the room behind the v.
+    // The prefixed form is made and not shown, so a host sees three version calls a block, the first with a character less.
     szBuffer[0] = 'v';
     SessMgr_GetSRTVersionString(pStats->iVersion, szBuffer + 1, sizeof szBuffer - 1);
 
@@ -57,7 +57,7 @@ static const char* _PMFECLevel(const SMGR_STREAM_PMFECRX_STATS* pStats)
     return pStats->bRowFEC ? "B (Row and Column)" : "A (Column Only)";
 }
 
-// A count is an int here and is shown at the default level when it is above 0; its text is that of the widened number.
+// These counts are ints. A negative one hides at the default level, and prints as the unsigned number that it widens to.
 static void _PrintPMFECCount(const char* pTitle, int nCount)
 {
     char szBuffer[1024];
@@ -110,10 +110,10 @@ void _PrintTDemuxSource(const SMGR_TDEMUX_SOURCE_STATS* pStats, STATS_LEVEL nLev
     if (printAll) _PrintCounterStatWithTimingIndent2("No-DTS Packets", c.nNumNoDTSValueFrames, c.tLastNoDTSValueFrames);
 }
 
-// strerror allocates for a number that it does not know; strerror_r gives the same texts without.
-static const char* _GetLastErrorText(int iLastError, char* szBuffer, size_t nSize)
+// A negative code comes from resolving the address; any other is an errno value.
+static const char* _GetLastErrorText(int iLastError)
 {
-    return iLastError < 0 ? gai_strerror(iLastError) : strerror_r(iLastError, szBuffer, nSize);
+    return iLastError < 0 ? gai_strerror(iLastError) : strerror(iLastError);
 }
 
 static void _PrintAddress(const char* pTitle, const SMGR_IP_ADDRESS* pAddress, unsigned int nPort)
@@ -147,7 +147,7 @@ static void _PrintTDemuxResolving(const SMGR_TDEMUX_STATS* pStats)
     if (c.iLastError)
     {
         fprintf(stdout, "  %-22s: %d (%s)\n", "Last Error", c.iLastError,
-                _GetLastErrorText(c.iLastError, szBuffer, sizeof szBuffer));
+                _GetLastErrorText(c.iLastError));
         fprintf(stdout, "  %-22s: %s \n", "Occurred", _GetElapsedTimeString(c.iLastErrorTime, szBuffer, sizeof szBuffer));
     }
 }
@@ -181,10 +181,10 @@ static void _PrintTDemuxInput(const SMGR_TDEMUX_STATS* pStats, bool printAll)
     if (printAll) fprintf(stdout, "  %-22s: %ld\n", "Time Stamp", static_cast<long>(c.TimeStamp));
     if (printAll || c.nNumErrors)
     {
-        // Unsigned here, signed while resolving: scripts read both, so neither changes.
+        // Unsigned here, signed while resolving.
         _PrintCounterStatWithTiming("Errors", c.nNumErrors, c.tLastError);
         fprintf(stdout, "  %-22s: %u (%s)\n", "Last Error", static_cast<unsigned int>(c.iLastError),
-                _GetLastErrorText(c.iLastError, szBuffer, sizeof szBuffer));
+                _GetLastErrorText(c.iLastError));
     }
     if (printAll || c.nNumTSCorruptedFrames) _PrintCounterStatWithTiming("Corrupted Frames", c.nNumTSCorruptedFrames, c.tLastTSCorruptedFrame);
     if (printAll || c.nNumTimestampRollovers) _PrintCounterStatWithTiming("Timestamp Rollovers", c.nNumTimestampRollovers, c.tLastTimestampRollover);

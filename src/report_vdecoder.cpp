@@ -89,7 +89,7 @@ static void _PrintHwOut(const SMGR_VCUDEC_STATS* pStats, int nOutEst)
         fprintf(stdout, "    %-20s: %4d ms/%4d ms    \t(Last %d sec: theoretical/real value) \n", "HW OUT", static_cast<int>(nTheo), static_cast<int>(nReal), nOutEst);
 }
 
-// A real delay of 0 is not measured, so nothing is known to be late. The two plain lines differ in one blank; both are kept.
+// A real delay of 0 means "not measured", so nothing is known to be late. The two plain lines differ in one blank.
 static void _PrintHwDelayTheo(const SMGR_VCUDEC_STATS* pStats, int nOutEst)
 {
     const HwMargin m = _GetHwMargin("HW Delay Theo", pStats->nVTheoDelayHwOutputMS, pStats);
@@ -161,7 +161,7 @@ static void _PrintCreateErrorCode(const SMGR_VCUDEC_COUNTERS& c)
             _GetElapsedTimeString(c.iLastErrorTime, szBuffer2, sizeof szBuffer2));
 }
 
-// The labels carry two blanks of their own, which indent them below the title of the call that counts.
+// The two blanks at the start of a label set it below the title of the call that counts it.
 static void _PrintDecoderCounters(const SMGR_VCUDEC_COUNTERS& c)
 {
     char szBuffer[159];

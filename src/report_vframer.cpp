@@ -17,7 +17,7 @@ static void _PrintFormat(const SMGR_VFRAMER_STREAM_PROPS* pProps)
     char szBuffer[1024];
     char szFPS[12];
 
-    // Exactly 1 is interlaced for the scan letter, any true value for the field order: 2 reads as progressive with an order.
+    // The scan letter asks for exactly 1, the field order for any true value: a flag of 2 prints "p" with a field order.
     PrintToString(szBuffer, sizeof szBuffer, "    %-20s: %dx%d%c%s", "Format", pProps->nWidth, pProps->nHeight,
                   pProps->bInterlaced == TRUE ? 'i' : 'p', _GetAbbrevFPSString(pProps->fFrameRate, szFPS, sizeof szFPS));
     if (pProps->bInterlaced) StringCat(szBuffer, pProps->bInterlacedTFF ? " (TFF)" : " (BFF)", sizeof szBuffer);

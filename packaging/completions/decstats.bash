@@ -11,7 +11,7 @@ _decstats()
     # What stands before the cursor: the command, the number of its arguments, and an option that waits for its value.
     for ((i = 1; i < COMP_CWORD; ++i)); do
         case ${COMP_WORDS[i]} in
-        --library | --level | --component)
+        --library | --level | --component | --at)
             option=${COMP_WORDS[i]}
             [[ ${COMP_WORDS[i + 1]} == '=' ]] && ((++i))
             ((++i < COMP_CWORD)) && option=''
@@ -27,6 +27,7 @@ _decstats()
     case $option:$command:$arguments in
     --library:*) files=default ;;
     --level:*) words='default debug' ;;
+    --at:*) words=mtime ;;
     --component:*) words=$components ;;
     ::*) words='demo print sample version' ;;
     :demo:0) [[ $list ]] || words=$("${COMP_WORDS[0]}" demo --list 2>/dev/null | cut -d ' ' -f 1) ;;
@@ -41,7 +42,7 @@ _decstats()
         words='--library --help --version'
         case $command in
         demo) words+=' --level --component'; ((arguments)) || words+=' --list' ;;
-        print) words+=' --level' ;;
+        print) words+=' --level --at' ;;
         esac
     fi
 

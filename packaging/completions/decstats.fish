@@ -7,7 +7,7 @@ function __decstats_arguments
     for word in (commandline --tokenize --cut-at-cursor --current-process)
         if test $value = yes
             set value no
-        else if contains -- $word --library --level --component
+        else if contains -- $word --library --level --component --at
             set value yes
         else if not string match --quiet -- '-?*' $word
             set count (math $count + 1)
@@ -45,7 +45,9 @@ complete -c decstats -n __decstats_needs_command -a sample -d 'Write the raw rec
 complete -c decstats -n __decstats_needs_command -a version -d 'Print the versions of tool and library, or those in a file'
 
 complete -c decstats -n '__fish_seen_subcommand_from demo print' -l level -x -a 'default debug' -d 'How much the reports show'
+complete -c decstats -n '__fish_seen_subcommand_from print' -l at -x -a mtime -d 'The moment of the record'
 complete -c decstats -n '__fish_seen_subcommand_from demo' -l component -x -a '(__decstats_components)' -d 'Print this report only'
+complete -c decstats -n '__fish_seen_subcommand_from print' -l at -x -a mtime -d 'Moment that the ages count to'
 complete -c decstats -n '__decstats_at demo 0' -l list -d 'List the scenarios'
 complete -c decstats -n '__decstats_at demo 0; and not __fish_contains_opt list' -a '(__decstats_scenarios)'
 complete -c decstats -n '__decstats_at print 0' -a '(__decstats_components)'

@@ -5,15 +5,15 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "record_sizes.h"
+#include "component.h"
 #include "scratch_directory.h"
 #include "tool_run.h"
 
 namespace
 {
 
-const std::string audioSize = std::to_string(sizeof(SMGR_DECODER_AUDIO_STATS));
-const std::string usageSize = std::to_string(sizeof(SMGR_DECODER_SDI_USAGE_STATS));
+const std::string audio_size = std::to_string(sizeof(SMGR_DECODER_AUDIO_STATS));
+const std::string usage_size = std::to_string(sizeof(SMGR_DECODER_SDI_USAGE_STATS));
 
 void expect_input_error(const Start& start, const std::string& line)
 {
@@ -29,12 +29,12 @@ TEST(BadRecord, TooShort)
 {
     const ScratchDirectory directory;
     const std::string file = directory.write("short.rec", std::string(10, '\0'));
-    for (const ComponentSize& component : componentSizes)
+    for (const records::Component& component : records::components())
     {
-        const std::string article = component.name == std::string("audio") ? "an" : "a";
-        expect_input_error({.arguments = {"print", component.name, file}}, "decstats: " + file + ": 10 bytes, but " + article + " " +
-                                                                               component.name + " record has " +
-                                                                               std::to_string(component.size));
+        const std::string name(component.name);
+        const std::string article = name == "audio" ? "an" : "a";
+        expect_input_error({.arguments = {"print", name, file}}, "decstats: " + file + ": 10 bytes, but " + article + " " + name +
+                                                                     " record has " + std::to_string(component.record_size));
     }
 }
 
@@ -44,22 +44,22 @@ TEST(BadRecord, ShortByOneByte)
     const std::size_t size = sizeof(SMGR_DECODER_SDI_USAGE_STATS) - 1;
     const std::string file = directory.write("usage.rec", std::string(size, '\0'));
     expect_input_error({.arguments = {"print", "usage", file}},
-                       "decstats: " + file + ": " + std::to_string(size) + " bytes, but a usage record has " + usageSize);
+                       "decstats: " + file + ": " + std::to_string(size) + " bytes, but a usage record has " + usage_size);
 }
 
 TEST(BadRecord, OneByte)
 {
     const ScratchDirectory directory;
     const std::string file = directory.write("one.rec", "x");
-    expect_input_error({.arguments = {"print", "usage", file}}, "decstats: " + file + ": 1 byte, but a usage record has " + usageSize);
+    expect_input_error({.arguments = {"print", "usage", file}}, "decstats: " + file + ": 1 byte, but a usage record has " + usage_size);
 }
 
 TEST(BadRecord, Empty)
 {
     const ScratchDirectory directory;
     const std::string file = directory.write("empty.rec", "");
-    expect_input_error({.arguments = {"print", "audio", file}}, "decstats: " + file + ": 0 bytes, but an audio record has " + audioSize);
-    expect_input_error({.arguments = {"print", "audio", "-"}}, "decstats: standard input: 0 bytes, but an audio record has " + audioSize);
+    expect_input_error({.arguments = {"print", "audio", file}}, "decstats: " + file + ": 0 bytes, but an audio record has " + audio_size);
+    expect_input_error({.arguments = {"print", "audio", "-"}}, "decstats: standard input: 0 bytes, but an audio record has " + audio_size);
 }
 
 TEST(BadRecord, TooLong)
@@ -68,7 +68,7 @@ TEST(BadRecord, TooLong)
     const std::size_t size = sizeof(SMGR_DECODER_AUDIO_STATS) + 1;
     const std::string file = directory.write("long.rec", std::string(size, '\0'));
     expect_input_error({.arguments = {"print", "audio", file}},
-                       "decstats: " + file + ": " + std::to_string(size) + " bytes, but an audio record has " + audioSize);
+                       "decstats: " + file + ": " + std::to_string(size) + " bytes, but an audio record has " + audio_size);
 }
 
 TEST(BadRecord, MuchTooLong)
@@ -76,21 +76,21 @@ TEST(BadRecord, MuchTooLong)
     const ScratchDirectory directory;
     const std::string file = directory.write("long.rec", "");
     ASSERT_EQ(truncate(file.c_str(), 6'000'000'000), 0);
-    const std::string line = ": 6000000000 bytes, but an audio record has " + audioSize;
+    const std::string line = ": 6000000000 bytes, but an audio record has " + audio_size;
     expect_input_error({.arguments = {"print", "audio", file}}, "decstats: " + file + line);
-    expect_input_error({.arguments = {"print", "audio", "-"}, .inputFile = file}, "decstats: standard input" + line);
+    expect_input_error({.arguments = {"print", "audio", "-"}, .input_file = file}, "decstats: standard input" + line);
 }
 
 TEST(BadRecord, TooLongThroughAPipe)
 {
     expect_input_error({.arguments = {"print", "audio", "-"}, .input = {std::string(60000, '\0')}},
-                       "decstats: standard input: more than " + audioSize + " bytes, but an audio record has " + audioSize);
+                       "decstats: standard input: more than " + audio_size + " bytes, but an audio record has " + audio_size);
 }
 
 TEST(BadRecord, Endless)
 {
     expect_input_error({.arguments = {"print", "audio", "/dev/zero"}},
-                       "decstats: /dev/zero: more than " + audioSize + " bytes, but an audio record has " + audioSize);
+                       "decstats: /dev/zero: more than " + audio_size + " bytes, but an audio record has " + audio_size);
 }
 
 TEST(BadRecord, Missing)
@@ -98,6 +98,11 @@ TEST(BadRecord, Missing)
     const ScratchDirectory directory;
     const std::string file = directory / "missing.rec";
     expect_input_error({.arguments = {"print", "audio", file}}, "decstats: " + file + ": No such file or directory");
+}
+
+TEST(BadRecord, AnEmptyNameIsSeen)
+{
+    expect_input_error({.arguments = {"print", "audio", ""}}, "decstats: '': No such file or directory");
 }
 
 TEST(BadRecord, ADirectory)
@@ -117,5 +122,5 @@ TEST(BadRecord, NotReadable)
 
 TEST(BadRecord, StandardInputIsClosed)
 {
-    expect_input_error({.arguments = {"print", "audio", "-"}, .closedInput = true}, "decstats: standard input: Bad file descriptor");
+    expect_input_error({.arguments = {"print", "audio", "-"}, .closed_input = true}, "decstats: standard input: Bad file descriptor");
 }

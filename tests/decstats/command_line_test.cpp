@@ -4,18 +4,18 @@
 #include <string>
 #include <vector>
 
-#include "samples.h"
+#include "sample.h"
 #include "tool_run.h"
 
 namespace
 {
 
-const std::string componentList = "tdemux, vframer, vdecoder, audio, metadata, buffering, clock-recovery, usage";
+const std::string component_list = "tdemux, vframer, vdecoder, audio, metadata, buffering, clock-recovery, usage";
 
 std::string scenario_list()
 {
     std::string list;
-    for (std::size_t i = 0; i < samples_scenario_count; ++i) list += (i == 0 ? "" : ", ") + std::string(samples_scenarios[i].szName);
+    for (const auto& [name, summary] : sources::scenarios()) list += (list.empty() ? "" : ", ") + name;
     return list;
 }
 
@@ -69,20 +69,40 @@ TEST(CommandLine, VersionAtEveryLevel)
 
 TEST(CommandLine, NoCommand)
 {
-    const std::string line = "decstats: usage: decstats [--library FILE] demo|print|sample|version ...; see 'decstats --help'";
+    const std::string line = "decstats: which command? The commands are demo, print, sample, version; see 'decstats --help'";
     expect_usage_error({}, line);
     expect_usage_error({"--library", "libstats.so"}, line);
 }
 
 TEST(CommandLine, UnknownCommand)
 {
-    expect_usage_error({"dump"}, "decstats: The following argument was not expected: dump; see 'decstats --help'");
+    expect_usage_error({"dump"}, "decstats: 'dump' is not a command; the commands are demo, print, sample, version");
+    expect_usage_error({""}, "decstats: '' is not a command; the commands are demo, print, sample, version");
 }
 
 TEST(CommandLine, UnknownOption)
 {
-    expect_usage_error({"--colour"}, "decstats: The following argument was not expected: --colour; see 'decstats --help'");
-    expect_usage_error({"demo", "--colour"}, "decstats: The following argument was not expected: --colour; see 'decstats --help'");
+    expect_usage_error({"--colour"}, "decstats: --colour is not an option of 'decstats', which has --help, --version, --library");
+    const std::string options =
+        " is not an option of 'decstats demo', which has --help, --version, --level, --component, --list, --library";
+    expect_usage_error({"demo", "--colour"}, "decstats: --colour" + options);
+    expect_usage_error({"demo", "-x"}, "decstats: -x" + options);
+}
+
+TEST(CommandLine, AValueOfAnUnknownOptionIsNotTakenForAScenario)
+{
+    const std::string options =
+        " is not an option of 'decstats demo', which has --help, --version, --level, --component, --list, --library";
+    expect_usage_error({"demo", "--lev", "debug"}, "decstats: --lev" + options);
+    expect_usage_error({"demo", "--lev=debug"}, "decstats: --lev" + options);
+    expect_usage_error({"demo", "idle", "--lev", "debug"}, "decstats: --lev" + options);
+}
+
+TEST(CommandLine, AnOptionOfACommandStandsBehindIt)
+{
+    expect_usage_error({"--level", "debug", "demo"}, "decstats: --level stands behind the command: decstats demo --level");
+    expect_usage_error({"--level=debug", "demo"}, "decstats: --level stands behind the command: decstats demo --level");
+    expect_usage_error({"--list", "demo"}, "decstats: --list stands behind the command: decstats demo --list");
 }
 
 TEST(CommandLine, UnknownScenario)
@@ -94,14 +114,14 @@ TEST(CommandLine, UnknownScenario)
 
 TEST(CommandLine, UnknownComponent)
 {
-    expect_usage_error({"print", "video", "-"}, "decstats: COMPONENT: 'video' is not known; allowed are " + componentList);
-    expect_usage_error({"demo", "--component", "video"}, "decstats: --component: 'video' is not known; allowed are " + componentList);
+    expect_usage_error({"print", "video", "-"}, "decstats: COMPONENT: 'video' is not known; allowed are " + component_list);
+    expect_usage_error({"demo", "--component", "video"}, "decstats: --component: 'video' is not known; allowed are " + component_list);
 }
 
 TEST(CommandLine, ComponentsAreNotSeparatedByCommas)
 {
     expect_usage_error({"demo", "--component", "tdemux,audio"},
-                       "decstats: --component: 'tdemux,audio' is not known; allowed are " + componentList);
+                       "decstats: --component: 'tdemux,audio' is not known; allowed are " + component_list);
 }
 
 TEST(CommandLine, UnknownLevel)
@@ -113,16 +133,16 @@ TEST(CommandLine, UnknownLevel)
 
 TEST(CommandLine, MissingArguments)
 {
-    expect_usage_error({"print"}, "decstats: COMPONENT is required; see 'decstats --help'");
-    expect_usage_error({"print", "tdemux"}, "decstats: FILE is required; see 'decstats --help'");
-    expect_usage_error({"sample"}, "decstats: SCENARIO is required; see 'decstats --help'");
-    expect_usage_error({"sample", "idle"}, "decstats: DIR is required; see 'decstats --help'");
+    expect_usage_error({"print"}, "decstats: COMPONENT is required; see 'decstats print --help'");
+    expect_usage_error({"print", "tdemux"}, "decstats: FILE is required; see 'decstats print --help'");
+    expect_usage_error({"sample"}, "decstats: SCENARIO is required; see 'decstats sample --help'");
+    expect_usage_error({"sample", "idle"}, "decstats: DIR is required; see 'decstats sample --help'");
 }
 
 TEST(CommandLine, ArgumentsTooMany)
 {
-    expect_usage_error({"version", "one", "two"}, "decstats: The following argument was not expected: two; see 'decstats --help'");
-    expect_usage_error({"demo", "--list", "idle"}, "decstats: SCENARIO excludes --list; see 'decstats --help'");
+    expect_usage_error({"version", "one", "two"}, "decstats: 'two' is not expected; see 'decstats version --help'");
+    expect_usage_error({"demo", "--list", "idle"}, "decstats: SCENARIO excludes --list; see 'decstats demo --help'");
 }
 
 TEST(CommandLine, ControlCharactersOfAnArgumentStayOffTheTerminal)

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <ctime>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -53,18 +54,18 @@ TEST(Library, TheOptionMayFollowTheCommand)
 
 TEST(Library, ItReceivesTheBytesOfTheFileAndTheLevel)
 {
-    std::string record(sizeof(SMGR_VFRAMER_STATS), '\x01');
+    std::string record(sizeof(SMGR_VFRAMER_STATS), '!'); // printable where the record has a text
     record.front() = '\x05';
     record[record.size() / 2] = '\xff';
     record.back() = '\x09';
-    const unsigned long sum = sizeof(SMGR_VFRAMER_STATS) - 3 + 0x05 + 0xff + 0x09;
-    const std::string sumAndEnd = " sum " + std::to_string(sum) + "\n";
+    const unsigned long sum = (sizeof(SMGR_VFRAMER_STATS) - 3) * '!' + 0x05 + 0xff + 0x09;
+    const std::string sum_and_end = " sum " + std::to_string(sum) + "\n";
 
     const ScratchDirectory directory;
     const std::string file = directory.write("vframer.rec", record);
-    EXPECT_EQ(run({"--library", PARTIAL_STATS_FILE, "print", "vframer", file}).out, "vframer level 0" + sumAndEnd);
-    EXPECT_EQ(run({"--library", PARTIAL_STATS_FILE, "print", "vframer", file, "--level", "default"}).out, "vframer level 0" + sumAndEnd);
-    EXPECT_EQ(run({"--library", PARTIAL_STATS_FILE, "print", "vframer", file, "--level", "debug"}).out, "vframer level 1" + sumAndEnd);
+    EXPECT_EQ(run({"--library", PARTIAL_STATS_FILE, "print", "vframer", file}).out, "vframer level 0" + sum_and_end);
+    EXPECT_EQ(run({"--library", PARTIAL_STATS_FILE, "print", "vframer", file, "--level", "default"}).out, "vframer level 0" + sum_and_end);
+    EXPECT_EQ(run({"--library", PARTIAL_STATS_FILE, "print", "vframer", file, "--level", "debug"}).out, "vframer level 1" + sum_and_end);
 }
 
 TEST(Library, OneWithoutAnyReport)
@@ -89,9 +90,74 @@ TEST(Library, AFileNameWithoutASlashIsInTheCurrentDirectory)
                                                            "cannot open shared object file: No such file or directory");
 
     const Finish finish = run({.arguments = {"--library", "partial_stats.so", "demo", "idle", "--component", "vframer"},
-                               .shellSetup = "cd '" + std::filesystem::path(PARTIAL_STATS_FILE).parent_path().string() + "'"});
+                               .shell_setup = "cd '" + std::filesystem::path(PARTIAL_STATS_FILE).parent_path().string() + "'"});
     EXPECT_TRUE(finish.out.starts_with("vframer level 0 sum ")) << finish.out;
     EXPECT_EQ(finish.status, 0);
+}
+
+TEST(Library, OneThatIsNotThereIsLookedForInPlacesThatTheMessageNames)
+{
+    // A copy of the tool elsewhere has no library beside it. An emulated one would not find the libraries of its processor.
+    if (*DECSTATS_EMULATOR != '\0') GTEST_SKIP() << "needs a tool that runs by itself";
+    const ScratchDirectory directory;
+    std::filesystem::create_directory(directory / "bin");
+    std::filesystem::create_directory(directory / "lib");
+    const std::string tool = directory / "bin/decstats";
+    std::filesystem::copy_file(DECSTATS_FILE, tool);
+    const Finish finish = run({.arguments = {"demo"}, .tool = tool});
+    EXPECT_TRUE(finish.err.starts_with("decstats: libstats.so.1: cannot be loaded as the report library: cannot open shared object file: "
+                                       "No such file or directory; looked in " +
+                                       directory.path() + "/lib, "))
+        << finish.err;
+    EXPECT_TRUE(finish.err.ends_with(", and --library FILE names another\n")) << finish.err;
+    EXPECT_EQ(std::ranges::count(finish.err, '\n'), 1);
+    EXPECT_EQ(finish.out, "");
+    EXPECT_EQ(finish.status, 2);
+}
+
+TEST(Library, OneThatWasCutShort)
+{
+    const ScratchDirectory directory;
+    const std::string whole = content_of(STATS_FILE);
+    const std::string file = directory / "libstats.so";
+    int refused = 0;
+    for (std::size_t size = 0; size < whole.size(); size += 997)
+    {
+        directory.write("libstats.so", whole.substr(0, size));
+        const Finish finish = run({"--library", file, "version"});
+        if (finish.status == 0) break; // nothing but names for the debugger is missing
+        ++refused;
+        EXPECT_EQ(finish.status, 2) << size << finish.err;
+        EXPECT_TRUE(finish.err.starts_with("decstats: " + file + ": ")) << size << finish.err;
+        EXPECT_EQ(std::ranges::count(finish.err, '\n'), 1) << size;
+    }
+    EXPECT_GT(refused, 10);
+
+    directory.write("libstats.so", whole.substr(0, 8192));
+    expect_input_error({"--library", file, "demo"}, "decstats: " + file + ": is cut short: a part to be loaded lies behind its 8192 bytes");
+}
+
+TEST(Library, AReportThatIsNotAFunction)
+{
+    const std::string file = std::filesystem::canonical(DATA_STATS_FILE).string();
+    expect_input_error({"--library", DATA_STATS_FILE, "demo"}, "decstats: " + file + ": STATS_PrintForVFramer is not a function");
+}
+
+TEST(Library, ItsClockStandsAtTheMomentOfTheRecords)
+{
+    const ScratchDirectory directory;
+    const std::string record = directory.write("vframer.rec", std::string(sizeof(SMGR_VFRAMER_STATS), '\0'));
+    const auto output = [&record](std::vector<std::string> options)
+    {
+        std::vector<std::string> arguments = {"--library", CLOCK_STATS_FILE, "print", "vframer", record};
+        arguments.insert(arguments.end(), options.begin(), options.end());
+        return run(arguments).out;
+    };
+    EXPECT_EQ(output({"--at", "1000000000.9"}), "1000000000\n");
+    const time_t before = time(nullptr);
+    const time_t shown = std::stol(output({}));
+    EXPECT_LE(before, shown);
+    EXPECT_LE(shown, time(nullptr));
 }
 
 TEST(Library, OneThatIsNotALibrary)

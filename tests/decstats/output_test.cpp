@@ -25,8 +25,8 @@ const std::vector<std::vector<std::string>> commands = {
 };
 
 /** Writes more than the buffer of standard output holds. */
-const std::vector<std::string> longReport = {"--library", PARTIAL_STATS_FILE, "demo",  "idle",    "--component",
-                                             "metadata",  "--component",      "usage", "--level", "debug"};
+const std::vector<std::string> long_report = {"--library", PARTIAL_STATS_FILE, "demo",  "idle",    "--component",
+                                              "metadata",  "--component",      "usage", "--level", "debug"};
 
 } // namespace
 
@@ -34,7 +34,7 @@ TEST(Output, FullDevice)
 {
     for (const auto& arguments : commands)
         expect_output_error({.arguments = arguments, .output = Output::FullDevice}, "No space left on device");
-    expect_output_error({.arguments = longReport, .output = Output::FullDevice}, "No space left on device");
+    expect_output_error({.arguments = long_report, .output = Output::FullDevice}, "No space left on device");
 }
 
 TEST(Output, FullDeviceWhileARecordIsPrinted)
@@ -48,18 +48,18 @@ TEST(Output, FullDeviceWhileARecordIsPrinted)
 TEST(Output, ClosedPipe)
 {
     for (const auto& arguments : commands) expect_output_error({.arguments = arguments, .output = Output::ClosedPipe}, "Broken pipe");
-    expect_output_error({.arguments = longReport, .output = Output::ClosedPipe}, "Broken pipe");
+    expect_output_error({.arguments = long_report, .output = Output::ClosedPipe}, "Broken pipe");
 }
 
 TEST(Output, ClosedAtTheStart)
 {
     for (const auto& arguments : commands) expect_output_error({.arguments = arguments, .output = Output::Closed}, "Bad file descriptor");
-    expect_output_error({.arguments = longReport, .output = Output::Closed}, "Bad file descriptor");
+    expect_output_error({.arguments = long_report, .output = Output::Closed}, "Bad file descriptor");
 }
 
 TEST(Output, ALongReportArrivesWhole)
 {
-    const Finish finish = run(longReport);
+    const Finish finish = run(long_report);
     EXPECT_TRUE(finish.out.starts_with("line 00000\nline 00001\n"));
     const std::size_t lines = 20000 * std::string("line 00000\n").size();
     ASSERT_GT(finish.out.size(), lines);

@@ -1,15 +1,16 @@
 // Writing the raw records of a scenario.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
-#include <memory>
+#include <span>
 #include <string>
 #include <sys/stat.h>
+#include <thread>
 #include <unistd.h>
 #include <vector>
 
-#include "record_sizes.h"
-#include "samples.h"
+#include "sample.h"
 #include "scratch_directory.h"
 #include "tool_run.h"
 
@@ -17,8 +18,8 @@ namespace
 {
 
 /** The names of the files that a sample consists of, sorted. */
-const std::vector<std::string> allFiles = {"audio.rec",  "buffering.rec", "clock-recovery.rec", "metadata.rec",
-                                           "tdemux.rec", "usage.rec",     "vdecoder.rec",       "vframer.rec"};
+const std::vector<std::string> all_files = {"audio.rec",  "buffering.rec", "clock-recovery.rec", "metadata.rec",
+                                            "tdemux.rec", "usage.rec",     "vdecoder.rec",       "vframer.rec"};
 
 void expect_output_error(const Start& start, const std::string& line)
 {
@@ -39,44 +40,40 @@ mode_t mode_of(const std::string& path)
 
 TEST(Sample, WritesARecordOfEveryComponentAndNothingElse)
 {
-    for (std::size_t i = 0; i < samples_scenario_count; ++i)
+    for (const auto& [scenario, summary] : sources::scenarios())
     {
         const ScratchDirectory directory;
-        const Finish finish = run({"sample", samples_scenarios[i].szName, directory.path()});
+        const Finish finish = run({"sample", scenario, directory.path()});
         EXPECT_EQ(finish.out, "");
         EXPECT_EQ(finish.err, "");
         EXPECT_EQ(finish.status, 0);
-        EXPECT_EQ(directory.names(), allFiles);
-        for (const ComponentSize& component : componentSizes)
-            EXPECT_EQ(std::filesystem::file_size(directory / (std::string(component.name) + ".rec")), component.size) << component.name;
+        EXPECT_EQ(directory.names(), all_files);
+        for (const records::Component& component : records::components())
+            EXPECT_EQ(std::filesystem::file_size(directory / (std::string(component.name) + ".rec")), component.record_size)
+                << component.name;
     }
 }
 
 TEST(Sample, TheBytesAreThoseInMemory)
 {
-    const auto records = std::make_unique<SAMPLES_RECORDS>();
-    samples_find("idle")->pFill(records.get(), 0); // its event times are all 0, whatever the moment
+    const records::Snapshot snapshot = sources::sample("idle", 0); // its event times are all 0, whatever the moment
     const ScratchDirectory directory;
     ASSERT_EQ(run({"sample", "idle", directory.path()}).status, 0);
-
-    const auto bytes = [](const auto& record) { return std::string(reinterpret_cast<const char*>(&record), sizeof(record)); };
-    EXPECT_EQ(content_of(directory / "tdemux.rec"), bytes(records->tTDemux));
-    EXPECT_EQ(content_of(directory / "vframer.rec"), bytes(records->tVFramer));
-    EXPECT_EQ(content_of(directory / "vdecoder.rec"), bytes(records->tVideoDecoder));
-    EXPECT_EQ(content_of(directory / "audio.rec"), bytes(records->tAudio));
-    EXPECT_EQ(content_of(directory / "metadata.rec"), bytes(records->tMetadata));
-    EXPECT_EQ(content_of(directory / "buffering.rec"), bytes(records->tBuffering));
-    EXPECT_EQ(content_of(directory / "clock-recovery.rec"), bytes(records->tClockRecovery));
-    EXPECT_EQ(content_of(directory / "usage.rec"), bytes(records->tUsage));
+    for (const records::Component& component : records::components())
+    {
+        const std::span<const std::byte> record = snapshot.record(component);
+        EXPECT_EQ(content_of(directory / (std::string(component.name) + ".rec")),
+                  std::string(reinterpret_cast<const char*>(record.data()), record.size()));
+    }
 }
 
 TEST(Sample, TheModeFollowsTheFileCreationMask)
 {
     const ScratchDirectory directory;
-    ASSERT_EQ(run({.arguments = {"sample", "idle", directory.path()}, .shellSetup = "umask 027"}).status, 0);
-    for (const std::string& name : allFiles) EXPECT_EQ(mode_of(directory / name), 0640U) << name;
-    ASSERT_EQ(run({.arguments = {"sample", "idle", directory.path()}, .shellSetup = "umask 0"}).status, 0);
-    for (const std::string& name : allFiles) EXPECT_EQ(mode_of(directory / name), 0666U) << name;
+    ASSERT_EQ(run({.arguments = {"sample", "idle", directory.path()}, .shell_setup = "umask 027"}).status, 0);
+    for (const std::string& name : all_files) EXPECT_EQ(mode_of(directory / name), 0640U) << name;
+    ASSERT_EQ(run({.arguments = {"sample", "idle", directory.path()}, .shell_setup = "umask 0"}).status, 0);
+    for (const std::string& name : all_files) EXPECT_EQ(mode_of(directory / name), 0666U) << name;
 }
 
 TEST(Sample, ReplacesOldFiles)
@@ -85,7 +82,7 @@ TEST(Sample, ReplacesOldFiles)
     directory.write("usage.rec", std::string(5000, 'x'));
     ASSERT_EQ(run({"sample", "idle", directory.path()}).status, 0);
     EXPECT_EQ(std::filesystem::file_size(directory / "usage.rec"), sizeof(SMGR_DECODER_SDI_USAGE_STATS));
-    EXPECT_EQ(directory.names(), allFiles);
+    EXPECT_EQ(directory.names(), all_files);
 }
 
 TEST(Sample, LeavesOtherFilesAlone)
@@ -94,16 +91,16 @@ TEST(Sample, LeavesOtherFilesAlone)
     directory.write("notes.txt", "keep");
     ASSERT_EQ(run({"sample", "idle", directory.path()}).status, 0);
     EXPECT_EQ(content_of(directory / "notes.txt"), "keep");
-    EXPECT_EQ(directory.names().size(), allFiles.size() + 1);
+    EXPECT_EQ(directory.names().size(), all_files.size() + 1);
 }
 
 TEST(Sample, NeedsNoStandardStreams)
 {
     const ScratchDirectory directory;
-    const Finish finish = run({.arguments = {"sample", "idle", directory.path()}, .closedInput = true, .output = Output::Closed});
+    const Finish finish = run({.arguments = {"sample", "idle", directory.path()}, .closed_input = true, .output = Output::Closed});
     EXPECT_EQ(finish.err, "");
     EXPECT_EQ(finish.status, 0);
-    EXPECT_EQ(directory.names(), allFiles);
+    EXPECT_EQ(directory.names(), all_files);
 }
 
 TEST(Sample, IntoAMissingDirectory)
@@ -126,8 +123,8 @@ TEST(Sample, IntoAFile)
 TEST(Sample, IntoAnEmptyNameIsNotIntoTheCurrentDirectory)
 {
     const ScratchDirectory directory;
-    expect_output_error({.arguments = {"sample", "idle", ""}, .shellSetup = "cd '" + directory.path() + "'"},
-                        "decstats: : No such file or directory");
+    expect_output_error({.arguments = {"sample", "idle", ""}, .shell_setup = "cd '" + directory.path() + "'"},
+                        "decstats: '': No such file or directory");
     EXPECT_TRUE(directory.names().empty());
 }
 
@@ -147,7 +144,7 @@ TEST(Sample, AFailedWriteLeavesNothingBehindAndOldFilesAsTheyWere)
     directory.write("tdemux.rec", "old");
     directory.write("usage.rec", "old");
     // A sanitizer's runtime would fail first, on a temporary file of its own; without a folder for it, it does without.
-    expect_output_error({.arguments = {"sample", "idle", directory.path()}, .shellSetup = "export TMPDIR=/dev/null; ulimit -f 0"},
+    expect_output_error({.arguments = {"sample", "idle", directory.path()}, .shell_setup = "export TMPDIR=/dev/null; ulimit -f 0"},
                         "decstats: " + (directory / "tdemux.rec") + ": File too large");
     EXPECT_EQ(directory.names(), (std::vector<std::string>{"tdemux.rec", "usage.rec"}));
     EXPECT_EQ(content_of(directory / "tdemux.rec"), "old");
@@ -167,11 +164,31 @@ TEST(Sample, TheLastNameIsTakenByADirectory)
 {
     const ScratchDirectory directory;
     std::filesystem::create_directory(directory / "usage.rec");
+    directory.write("tdemux.rec", "old");
+    directory.write("notes.txt", "keep");
     expect_output_error({.arguments = {"sample", "idle", directory.path()}}, "decstats: " + (directory / "usage.rec") + ": Is a directory");
-    EXPECT_EQ(directory.names(), allFiles); // the others are complete, and no temporary file is left
-    for (std::size_t i = 0; i + 1 < componentSizes.size(); ++i)
+    EXPECT_EQ(directory.names(), (std::vector<std::string>{"notes.txt", "tdemux.rec", "usage.rec"}));
+    EXPECT_EQ(content_of(directory / "tdemux.rec"), "old");
+}
+
+TEST(Sample, RunsIntoOneDirectoryDoNotMix)
+{
+    const ScratchDirectory idle;
+    const ScratchDirectory extreme;
+    ASSERT_EQ(run({"sample", "idle", idle.path()}).status, 0);
+    ASSERT_EQ(run({"sample", "extreme", extreme.path()}).status, 0);
+    const auto same = [](const ScratchDirectory& one, const ScratchDirectory& other)
+    { return std::ranges::all_of(all_files, [&](const std::string& name) { return content_of(one / name) == content_of(other / name); }); };
+    ASSERT_FALSE(same(idle, extreme));
+
+    const ScratchDirectory both;
+    for (int round = 0; round < 60; ++round)
     {
-        const std::string name = componentSizes[i].name;
-        EXPECT_EQ(std::filesystem::file_size(directory / (name + ".rec")), componentSizes[i].size) << name;
+        // The samples whose records do not depend on the moment.
+        std::thread other([&] { EXPECT_EQ(run({"sample", "extreme", both.path()}).status, 0); });
+        EXPECT_EQ(run({"sample", "idle", both.path()}).status, 0);
+        other.join();
+        ASSERT_TRUE(same(both, idle) || same(both, extreme)) << "round " << round;
+        ASSERT_EQ(both.names(), all_files);
     }
 }

@@ -8,6 +8,7 @@
 #include <fcntl.h>
 #include <iterator>
 #include <poll.h>
+#include <pty.h>
 #include <spawn.h>
 #include <sstream>
 #include <stdexcept>
@@ -28,6 +29,18 @@ class Pipe
 {
 public:
     Pipe() { require(pipe2(ends_.data(), O_CLOEXEC) == 0, "pipe2"); }
+
+    /** A terminal that passes on what is written, read from its other side. */
+    static Pipe terminal()
+    {
+        std::array<int, 2> ends = {-1, -1};
+        termios settings = {};
+        cfmakeraw(&settings);
+        require(openpty(&ends[0], &ends[1], nullptr, &settings, nullptr) == 0, "openpty");
+        for (const int end : ends) fcntl(end, F_SETFD, FD_CLOEXEC);
+        return Pipe(ends);
+    }
+
     ~Pipe()
     {
         close_reader();
@@ -42,6 +55,7 @@ public:
     void close_writer() { close_end(ends_[1]); }
 
 private:
+    explicit Pipe(std::array<int, 2> ends) : ends_(ends) {}
     static void close_end(int& end)
     {
         if (end >= 0) close(end);
@@ -83,7 +97,7 @@ void drain(const Pipe& out, const Pipe& err, Finish& finish)
             if (count > 0)
                 texts[i]->append(buffer.data(), static_cast<std::size_t>(count));
             else
-                polled[i].fd = -1; // poll skips it
+                polled[i].fd = -1; // poll skips it; a terminal ends with EIO
         }
     }
 }
@@ -121,12 +135,12 @@ Finish run(const Start& start)
 
     Pipe in;
     Pipe out;
-    Pipe err;
+    Pipe err = start.error_terminal ? Pipe::terminal() : Pipe();
     FileActions actions;
-    if (start.closedInput)
+    if (start.closed_input)
         actions.close(STDIN_FILENO);
-    else if (start.inputFile)
-        actions.open(STDIN_FILENO, start.inputFile->c_str(), O_RDONLY);
+    else if (start.input_file)
+        actions.open(STDIN_FILENO, start.input_file->c_str(), O_RDONLY);
     else
         actions.use(in.reader(), STDIN_FILENO);
     switch (start.output)
@@ -142,10 +156,10 @@ Finish run(const Start& start)
     actions.use(err.writer(), STDERR_FILENO);
 
     std::vector<std::string> words;
-    if (!start.shellSetup.empty()) words = {"/bin/sh", "-c", start.shellSetup + "; exec \"$0\" \"$@\""};
+    if (!start.shell_setup.empty()) words = {"/bin/sh", "-c", start.shell_setup + "; exec \"$0\" \"$@\""};
     std::istringstream emulator(DECSTATS_EMULATOR); // a build for another processor runs through it
     words.insert(words.end(), std::istream_iterator<std::string>(emulator), {});
-    words.emplace_back(DECSTATS_FILE);
+    words.emplace_back(start.tool.empty() ? DECSTATS_FILE : start.tool);
     words.insert(words.end(), start.arguments.begin(), start.arguments.end());
     std::vector<char*> argv;
     for (std::string& word : words) argv.push_back(word.data());
@@ -168,6 +182,6 @@ Finish run(const Start& start)
     rusage usage = {};
     require(wait4(process, &status, 0, &usage) == process, "wait4");
     finish.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-    finish.peakMemory = usage.ru_maxrss;
+    finish.peak_memory = usage.ru_maxrss;
     return finish;
 }

@@ -22,11 +22,13 @@ enum class Output
 struct Start
 {
     std::vector<std::string> arguments;
-    std::vector<std::string> input = {};       /**< pieces for a pipe on standard input, with a pause between them */
-    std::optional<std::string> inputFile = {}; /**< standard input instead of the pipe */
-    bool closedInput = false;                  /**< no standard input at all */
+    std::vector<std::string> input = {};        /**< pieces for a pipe on standard input, with a pause between them */
+    std::optional<std::string> input_file = {}; /**< standard input instead of the pipe */
+    bool closed_input = false;                  /**< no standard input at all */
     Output output = Output::Captured;
-    std::string shellSetup = {}; /**< shell commands that run in the process first, as "umask 027" */
+    bool error_terminal = false;  /**< standard error is a terminal */
+    std::string tool = {};        /**< file of decstats; empty = the one that was built */
+    std::string shell_setup = {}; /**< shell commands that run in the process first, as "umask 027" */
 };
 
 /** What a process left behind. */
@@ -35,7 +37,7 @@ struct Finish
     int status = -1; /**< exit status; 128 and the signal's number if a signal ended the process */
     std::string out;
     std::string err;
-    long peakMemory = 0; /**< [KiB] */
+    long peak_memory = 0; /**< [KiB] */
 };
 
 /** Runs decstats. */

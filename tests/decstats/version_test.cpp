@@ -14,7 +14,7 @@
 namespace
 {
 
-constexpr std::size_t recordSize = 274;
+constexpr std::size_t record_size = 274;
 
 struct Texts
 {
@@ -30,7 +30,7 @@ struct Texts
 /** The bytes of a record of version 2.17, laid out by offset. A text as long as its field has no NUL. */
 std::string record_of(const Texts& texts)
 {
-    std::string record(recordSize, '\0');
+    std::string record(record_size, '\0');
     const auto put = [&record](std::size_t offset, const std::string& text) { record.replace(offset, text.size(), text); };
     put(0, "Q$R$V$B$L$O$B<>.");
     put(16, std::string("\x12\x01\0\0", 4));
@@ -121,8 +121,8 @@ TEST(Version, OfALibraryWithoutAVersionRecord)
 
 TEST(Version, OfACoreImage)
 {
-    std::string wrongSize = record_of({});
-    wrongSize[16] = '\x13';
+    std::string wrong_size = record_of({});
+    wrong_size[16] = '\x13';
     const std::string endless[] = {
         record_of({.description = std::string(64, 'd')}), record_of({.revision = std::string(12, 'r')}),
         record_of({.copyright = std::string(32, 'c')}),   record_of({.build = std::string(32, 'b')}),
@@ -131,7 +131,7 @@ TEST(Version, OfACoreImage)
     };
 
     std::string core(5000, '\xa5');
-    core += wrongSize;
+    core += wrong_size;
     const std::size_t first = core.size();
     core += record_of({});
     for (const std::string& record : endless) core += record;
@@ -140,7 +140,7 @@ TEST(Version, OfACoreImage)
     const std::size_t second = core.size();
     core += record_of({});
     core += "Q$R$V$B$L$O$B<>!";
-    core += record_of({}).substr(0, recordSize - 1);
+    core += record_of({}).substr(0, record_size - 1);
 
     const ScratchDirectory directory;
     expect_output({.arguments = {"version", directory.write("core", core)}}, printed(first) + "\n" + printed(second));
@@ -150,7 +150,7 @@ TEST(Version, OneAfterTheOther)
 {
     const ScratchDirectory directory;
     const std::string file = directory.write("two", record_of({}) + record_of({}));
-    expect_output({.arguments = {"version", file}}, printed(0) + "\n" + printed(recordSize));
+    expect_output({.arguments = {"version", file}}, printed(0) + "\n" + printed(record_size));
 }
 
 TEST(Version, AcrossEveryPlaceWhereAReadMayEnd)
@@ -158,10 +158,10 @@ TEST(Version, AcrossEveryPlaceWhereAReadMayEnd)
     // Records on both sides of, and across, the multiples of 64 KiB, at a distance that shifts by an odd number.
     std::string content(5 * 1024 * 1024, '\0');
     std::string expected;
-    for (std::size_t block = 1; block * 65536 + recordSize < content.size(); ++block)
+    for (std::size_t block = 1; block * 65536 + record_size < content.size(); ++block)
     {
-        const std::size_t offset = block * 65536 - (block * 37) % (recordSize + 30);
-        content.replace(offset, recordSize, record_of({}));
+        const std::size_t offset = block * 65536 - (block * 37) % (record_size + 30);
+        content.replace(offset, record_size, record_of({}));
         expected += (expected.empty() ? "" : "\n") + printed(offset);
     }
     const ScratchDirectory directory;
@@ -175,7 +175,7 @@ TEST(Version, AcrossTheEndOfTheReadBufferAtEveryDistance)
     for (const std::size_t before : {0UL, 1UL, 15UL, 16UL, 17UL, 20UL, 272UL, 273UL, 274UL, 275UL})
     {
         std::string content(megabyte + 1000, '\0');
-        content.replace(megabyte - before, recordSize, record_of({}));
+        content.replace(megabyte - before, record_size, record_of({}));
         expect_output({.arguments = {"version", directory.write("edge", content)}}, printed(megabyte - before));
     }
 }
@@ -191,7 +191,7 @@ TEST(Version, AtTheEndOfALargeFileWithinLittleMemory)
     const Finish finish = run({"version", file});
     EXPECT_EQ(finish.out, printed(size));
     EXPECT_EQ(finish.status, 0);
-    EXPECT_LT(finish.peakMemory, 128 * 1024);
+    EXPECT_LT(finish.peak_memory, 128 * 1024);
 }
 
 TEST(Version, FromStandardInput)
@@ -256,11 +256,11 @@ TEST(Version, OfFilesWithoutARecord)
 {
     const ScratchDirectory directory;
     const std::string empty = directory.write("empty", "");
-    const std::string truncated = directory.write("truncated", record_of({}).substr(0, recordSize - 1));
+    const std::string truncated = directory.write("truncated", record_of({}).substr(0, record_size - 1));
     const std::string missing = directory / "missing";
     expect_input_error({.arguments = {"version", empty}}, "decstats: " + empty + ": no version record found");
     expect_input_error({.arguments = {"version", truncated}}, "decstats: " + truncated + ": no version record found");
     expect_input_error({.arguments = {"version", missing}}, "decstats: " + missing + ": No such file or directory");
     expect_input_error({.arguments = {"version", directory.path()}}, "decstats: " + directory.path() + ": Is a directory");
-    expect_input_error({.arguments = {"version", ""}}, "decstats: : No such file or directory");
+    expect_input_error({.arguments = {"version", ""}}, "decstats: '': No such file or directory");
 }

@@ -31,16 +31,17 @@ cat >writable.s <<'end'
     .byte 0
 end
 
-# build library|program OPTION...: what the options leave alone is as cmake/hardening.cmake has it.
+# build library|lazy|program OPTION...: what the options leave alone is as cmake/hardening.cmake has it.
 build()
 {
     case $1 in
-    library) shape="-fPIC -shared" ;;
-    program) shape="-fPIE -pie" ;;
+    library) shape="-fPIC -shared -fno-plt -Wl,-z,now" ;;
+    lazy) shape="-fPIC -shared -fplt -Wl,-z,lazy" ;;
+    program) shape="-fPIE -pie -fno-plt -Wl,-z,now" ;;
     esac
     shift
     # shellcheck disable=SC2086 # a list of words
-    "$cc" -O2 $shape -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2 -fstack-protector-strong -Wl,-z,relro -Wl,-z,now -Wl,-z,noexecstack \
+    "$cc" -O2 $shape -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2 -fstack-protector-strong -Wl,-z,relro -Wl,-z,noexecstack \
         probe.c -o probe "$@" 2>log || { cat log >&2; exit 1; }
 }
 
@@ -57,16 +58,18 @@ finds()
     fi
 }
 
-for kind in library program; do
+for kind in library lazy program; do
     build "$kind"
     "$check" "$kind" ./probe || status=1
     finds "$kind" "becomes read-only" -Wl,-z,norelro
-    finds "$kind" "bound at load" -Wl,-z,lazy
+    [ "$kind" = lazy ] || finds "$kind" "not bound at load" -Wl,-z,lazy
     finds "$kind" "the stack is executable" -Wl,-z,execstack
     finds "$kind" "writable and executable" writable.s
     finds "$kind" "no stack protector" -fno-stack-protector
     finds "$kind" "no checked function" -U_FORTIFY_SOURCE
 done
+finds lazy "whatever the host wants" -Wl,-z,now
+finds lazy "without the linkage table" -fno-plt
 finds library "relocations in code" relocation.s -Wl,-z,notext
 finds program "not a position-independent executable" -no-pie
 finds program "not a position-independent executable" -shared

@@ -59,7 +59,7 @@ TEST(Allocation, NoServiceAllocates)
 {
     const auto expectNone = [](const char* szService, const char* szText, auto service, auto... values)
     {
-        // Both ways to write a text: straight into a large buffer, and cut into a small one.
+        // A text that fits into its buffer, and one that is cut.
         for (const size_t nSize : {size_t{1024}, size_t{4}})
         {
             char szBuffer[1024];

@@ -127,6 +127,18 @@ TEST(IPAddress, HostNameComesFirst)
     EXPECT_EQ(AddressText(Address(AF_UNSPEC, {}, "encoder.example")), "encoder.example (0.0.0.0)");
 }
 
+TEST(IPAddress, BytesOfAHostNameThatAreNotPrintableASCIIAreReplaced)
+{
+    EXPECT_EQ(AddressText(Address(AF_INET, {192, 0, 2, 10}, "a\x1B[2Jb\nState: Active\r\t\x7F")), "a?[2Jb?State: Active??? (192.0.2.10)");
+    EXPECT_EQ(AddressText(Address(AF_INET, {192, 0, 2, 10}, "m\xC3\xBCnchen\x80\xFF")), "m??nchen?? (192.0.2.10)");
+    for (int nByte = 1; nByte < 256; ++nByte)
+    {
+        const char szName[] = {static_cast<char>(nByte), '\0'};
+        const std::string expected(1, nByte >= 0x20 && nByte <= 0x7E ? szName[0] : '?');
+        EXPECT_EQ(AddressText(Address(AF_INET, {192, 0, 2, 10}, szName)), expected + " (192.0.2.10)") << nByte;
+    }
+}
+
 TEST(IPAddress, HostNameWithoutNulEndsWithItsArray)
 {
     SMGR_IP_ADDRESS address = Address(AF_INET, {192, 0, 2, 10});

@@ -63,7 +63,9 @@ offers 'clock-recovery' print c
 offers '<default>' print usage ''
 offers '<default>' print --level debug usage rec
 offers 'default debug' print usage file.rec --level ''
-offers '--library --help --version --level' print usage file.rec --
+offers '--library --help --version --level --at' print usage file.rec --
+offers 'mtime' print usage file.rec --at ''
+offers '<default>' print --at mtime usage ''
 offers '' print usage file.rec ''
 
 offers "$scenarios" sample ''

@@ -1,15 +1,14 @@
 #!/bin/sh
-# Builds the Debian packages, with lintian's consent, and as root installs them in an empty root of their own, never on this
-# machine: every package has its files of packages.txt, decstats and programs of others work with them, and nothing is left when
-# they are removed. Exits with 77 where that part is left out.
+# packages_test.sh FOLDER: as root, the Debian packages in FOLDER install in an empty root of their own, never on this machine:
+# every package has its files of packages.txt, decstats and programs of others work with them, and nothing is left when they are
+# removed. Exits with 77 where that part is left out.
 set -eu
 here=$(cd "$(dirname "$0")" && pwd)
 source=${here%/tests/install}
-folder=$source/build/package
+folder=$1
 status=0
 fail() { echo "$*" >&2; status=1; }
 
-env -u SOURCE_DATE_EPOCH "$source/scripts/package" >/dev/null
 version=$(sed -n '1s/.*(\(.*\)).*/\1/p' "$source/packaging/debian/changelog")
 epoch=$(sed -n 's/^#define RELEASE_EPOCH *\([0-9]*\).*/\1/p' "$source/src/release.h")
 multiarch=$(dpkg-architecture -q DEB_HOST_MULTIARCH)
@@ -55,7 +54,7 @@ case ", $depends, " in
 *) fail "decstats may be installed without its library: $depends" ;;
 esac
 
-libraries=$root/usr/lib/$multiarch
+libraries=$root/usr/lib/$multiarch examples=$root/usr/share/doc/libstats-dev/examples
 decstats() { LD_LIBRARY_PATH=$libraries "$root/usr/bin/decstats" "$@"; }
 decstats demo idle --component clock-recovery >"$folder/actual"
 printf 'Clock Recovery\n  Tracking Mode         : DISABLE \n' | diff - "$folder/actual" || fail "decstats prints something else"
@@ -64,8 +63,8 @@ for line in "Library    : $(readlink -f "$libraries/libstats.so.1")" "Date      
     "Time       : $(date -u -d "@$epoch" +%T)"; do
     grep -qxF "$line" "$folder/actual" || fail "decstats version lacks: $line"
 done
-"$here/pkgconfig_test.sh" "$libraries" "$here/outside" cc "${version%-*}" || fail "a program does not build with pkg-config"
-"$here/cmake_package_test.sh" "$root/usr" "$here/outside" cmake Ninja cc c++ || fail "a program does not build with CMake"
+"$here/pkgconfig_test.sh" "$libraries" "$here/outside" cc "${version%-*}" "$examples" || fail "a program does not build with pkg-config"
+"$here/cmake_package_test.sh" "$root/usr" "$here/outside" cmake Ninja cc c++ "$examples" || fail "a program does not build with CMake"
 
 # shellcheck disable=SC2086 # lists of words
 in_root --purge $names

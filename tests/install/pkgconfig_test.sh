@@ -1,8 +1,9 @@
 #!/bin/sh
-# pkgconfig_test.sh LIBRARIES SOURCES CC VERSION: a program in C builds with plain cc and what pkg-config says of the folder
-# LIBRARIES, with the shared services and with the archive of them, and prints what it should.
+# pkgconfig_test.sh LIBRARIES SOURCES CC VERSION EXAMPLES: a program in C builds with plain cc and what pkg-config says of the
+# folder LIBRARIES, with the shared services and with the archive of them, and prints what it should. So does one that calls no
+# service itself, with every linker and the option that makes them drop what is not used.
 set -eu
-libraries=$1 sources=$2 cc=$3 version=$4
+libraries=$1 sources=$2 cc=$3 version=$4 examples=$5
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 export PKG_CONFIG_LIBDIR="$libraries/pkgconfig" LD_LIBRARY_PATH="$libraries"
@@ -18,8 +19,16 @@ done
     "$cc" -o "$scratch/shared" "$sources/host.c" $(pkg-config --cflags --libs libstats libhostsvc)
     "$cc" -o "$scratch/archive" "$sources/host.c" $(pkg-config --cflags --libs libstats) \
         "$(pkg-config --variable=libdir libhostsvc)/libhostsvc.a"
+    for linker in bfd gold lld; do
+        "$cc" -fuse-ld=$linker -Wl,--as-needed -o "$scratch/$linker" "$examples/linked_host.c" \
+            $(pkg-config --cflags --libs libstats libhostsvc)
+    done
 }
 for program in shared archive; do
     "$scratch/$program" >"$scratch/actual"
     diff "$sources/host_c.txt" "$scratch/actual"
+done
+for linker in bfd gold lld; do
+    "$scratch/$linker" >"$scratch/actual" || { echo "linked with $linker"; exit 1; }
+    grep -qx '  Get Stats  *: 1024 (Last One: Never)' "$scratch/actual"
 done

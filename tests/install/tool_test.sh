@@ -33,9 +33,9 @@ diff expected actual
 "$prefix/bin/decstats" version >actual
 grep -qxF "Library    : $prefix/$libdir/libstats.so.$version" actual || { cat actual; exit 1; }
 
-# Without the library, the message names what was looked for.
+# Without the library, the message names what was looked for, where, and what to do.
 mkdir bin
 cp "$prefix/bin/decstats" bin
 if bin/decstats demo idle 2>actual; then echo "decstats runs without its library"; exit 1; fi
-echo "decstats: libstats.so.1: cannot be loaded as the report library: cannot open shared object file: No such file or directory" >expected
-diff expected actual
+what="decstats: libstats.so.1: cannot be loaded as the report library: cannot open shared object file: No such file or directory"
+grep -qx "$what; looked in /.*, and --library FILE names another" actual || { cat actual; exit 1; }

@@ -1,81 +1,37 @@
 #!/bin/sh
-# reproducible_test.sh build|packages SOURCE SCRATCH: what is delivered is the same to the bit whenever, wherever and by whomever
-# it is built. Two copies of the tree are built one after the other, in folders with different names and with everything else
-# different that a build should not depend on. CC and CXX name the compilers.
+# reproducible_test.sh FIRST SCRATCH: what is delivered is the same to the bit whenever, wherever and by whomever it is built. The
+# tree in FIRST has its build and its packages; another copy of it is built in SCRATCH, with everything different that a build
+# should not depend on: names of folders, dates and order of files, time zone, language, user, umask and number of jobs.
 set -eu
-kind=$1 source=$2 scratch=$3
-case $kind in
-build) ;;
-packages)
-    [ -x "$source/scripts/package" ] || { echo "no scripts/package"; exit 77; }
-    [ "$(id -u)" -eq 0 ] || { echo "not root"; exit 77; }
-    for tool in dpkg-buildpackage dh lintian; do
-        command -v $tool >/dev/null || { echo "$tool is missing"; exit 77; }
-    done
-    ;;
-*) exit 2 ;;
-esac
+first=$(readlink -f "$1") scratch=$2
 unset SOURCE_DATE_EPOCH
 status=0
 
-# What belongs to the tree, without what was built.
-tree_files()
-{
-    if [ -e .git ] && command -v git >/dev/null; then
-        git ls-files --cached --others --exclude-standard | while IFS= read -r file; do [ ! -e "$file" ] || echo "$file"; done
-    else
-        find . \( -path ./build -o -path ./.git \) -prune -o ! -type d -print
-    fi
-}
-
-# copy FOLDER SORT_OPTION: the tree, its files written in this order, which is the order in which many file systems list them.
-copy()
-{
-    mkdir -p "$1"
-    (cd "$scratch/tree" && find . ! -type d | sort "$2" | tar -cf - -T -) | tar -xf - -C "$1"
-}
-
-# build TREE FOLDER JOBS: the files to deliver, into FOLDER. Packages have a folder of their own in the tree.
-build()
-{
-    cd "$1"
-    case $kind in
-    build) { cmake --preset release -B "$2" -DSTATS_TESTS=OFF && cmake --build "$2" -j "$3"; } >"$1.log" 2>&1 ;;
-    packages) DEB_BUILD_OPTIONS="parallel=$3" scripts/package >"$1.log" 2>&1 ;;
-    esac || { cat "$1.log"; exit 1; }
-}
-
 rm -rf "$scratch"
-mkdir -p "$scratch/tree"
+mkdir -p "$scratch"
 scratch=$(readlink -f "$scratch")
-(cd "$source" && tree_files | tar -cf - -T -) | tar -xf - -C "$scratch/tree"
-tree_one=$scratch/one one=$tree_one/build/release
-tree_another=$scratch/another.place/with-a-longer-name/decoder-stats another=$scratch/outside-the-tree
-if [ "$kind" = packages ]; then
-    one=$tree_one/build/package another=$tree_another/build/package
-fi
+second=$scratch/another.place/with-a-longer-name/decoder-stats
 (
-    export TZ=Pacific/Kiritimati LC_ALL=C LANG=C HOME="$scratch" USER=first LOGNAME=first
-    umask 022
-    copy "$tree_one" -u
-    find "$tree_one" -exec touch -h -d '2001-02-03 04:05:06' {} +
-    build "$tree_one" "$one" 1
-)
-(
-    export TZ=America/Adak LC_ALL=C.UTF-8 LANG=C.UTF-8 LANGUAGE=de USER=second LOGNAME=second
+    export TZ=America/Adak LC_ALL=C.UTF-8 LANG=C.UTF-8 LANGUAGE=de HOME="$scratch" USER=second LOGNAME=second
     umask 077
-    copy "$tree_another" -r
-    build "$tree_another" "$another" 2
-)
+    mkdir -p "$second"
+    # Many file systems list files in the order in which they were written.
+    (cd "$first" && find . -path ./build -prune -o ! -type d -print | sort -r | tar -cf - -T -) | tar -xf - -C "$second"
+    find "$second" -exec touch -h -d '2001-02-03 04:05:06' {} +
+    cd "$second"
+    {
+        cmake --preset release -B "$scratch/outside" -DSTATS_TESTS=OFF
+        cmake --build "$scratch/outside" -j 3 --target delivered
+        DEB_BUILD_OPTIONS=parallel=3 scripts/package
+    } >"$scratch/log" 2>&1
+) || { tail -n 60 "$scratch/log"; exit 1; }
 
-# The delivered files in the folder of a build.
+# The delivered files in the folder of a build or of packages.
 delivered()
 {
     cd "$1"
-    case $kind in
-    build) find . \( -name 'libstats.so*' -o -name 'libhostsvc.so*' -o -name libhostsvc.a -o -name decstats \) ! -type d ;;
-    packages) find . -maxdepth 1 -name '*.deb' ;;
-    esac | sort
+    find . -path ./decoder-stats -prune -o \( -name 'libstats.so*' -o -name 'libhostsvc.so*' -o -name libhostsvc.a -o -name decstats \
+        -o -name '*.deb' \) ! -type d -print | sort
 }
 
 # explain NAME FILE FILE: in which part two files differ. Runs in a process of its own, as it calls itself.
@@ -122,25 +78,32 @@ explain()
     esac
 )
 
-(delivered "$one") >"$scratch/files"
-(delivered "$another") >"$scratch/other-files"
-diff "$scratch/files" "$scratch/other-files" || { echo "the builds deliver different files"; exit 1; }
-case $kind in
-build) expected="libstats.so libhostsvc.so libhostsvc.a decstats" ;;
-packages) expected=.deb ;;
-esac
-for name in $expected; do
-    grep -q "$name" "$scratch/files" || { echo "no $name was built"; exit 1; }
-done
-while IFS= read -r file; do
-    if [ -h "$one/$file" ]; then
-        [ "$(readlink "$one/$file")" = "$(readlink "$another/$file")" ] || { echo "$file: the links differ"; status=1; }
-    elif ! cmp "$one/$file" "$another/$file"; then
-        explain "${file##*/}" "$one/$file" "$another/$file" | head -n 60
-        status=1
-    fi
-    ! grep -qF -e "$scratch" "$one/$file" || { echo "$file names the folder of its build"; status=1; }
-done <"$scratch/files"
+# compare FOLDER FOLDER NAME...: the delivered files of two folders, with these among them.
+compare()
+{
+    one=$1 another=$2
+    shift 2
+    (delivered "$one") >"$scratch/files"
+    (delivered "$another") >"$scratch/other-files"
+    diff "$scratch/files" "$scratch/other-files" || { echo "the builds deliver different files"; exit 1; }
+    for name; do
+        grep -q "/$name" "$scratch/files" || { echo "no $name was built"; exit 1; }
+    done
+    while IFS= read -r file; do
+        if [ -h "$one/$file" ]; then
+            [ "$(readlink "$one/$file")" = "$(readlink "$another/$file")" ] || { echo "$file: the links differ"; status=1; }
+        elif ! cmp "$one/$file" "$another/$file"; then
+            explain "${file##*/}" "$one/$file" "$another/$file" | head -n 60
+            status=1
+        fi
+        for folder in "$first" "$scratch"; do
+            ! grep -qF -e "$folder" "$one/$file" "$another/$file" || { echo "$file names the folder of a build: $folder"; status=1; }
+        done
+    done <"$scratch/files"
+    sed 's,^\./,    ,' "$scratch/files"
+}
 
-[ $status -ne 0 ] || { echo "the same to the bit:"; sed 's,^\./,    ,' "$scratch/files"; rm -rf "$scratch"; }
+compare "$first/build/release" "$scratch/outside" libstats.so libhostsvc.so libhostsvc.a decstats
+compare "$first/build/package" "$second/build/package" libstats1_ libhostsvc1_ libstats-dev_ decstats_
+[ $status -ne 0 ] || { echo "the same to the bit"; rm -rf "$scratch"; }
 exit $status

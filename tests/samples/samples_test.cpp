@@ -14,14 +14,17 @@
 #include <cstdlib>
 #include <cstring>
 #include <iterator>
+#include <map>
 #include <memory>
+#include <optional>
 #include <set>
+#include <span>
 #include <string>
 #include <vector>
 
 #include <netdb.h>
 
-#include "events.h"
+#include "dictionary.h"
 #include "samples.h"
 #include "video_formats.h"
 
@@ -72,22 +75,50 @@ template <typename Record> bool SameBytes(const Record& a, const Record& b)
     return std::equal(first, first + sizeof a, reinterpret_cast<const unsigned char*>(&b));
 }
 
-time_t TimeOf(const SAMPLES_RECORDS& records, const Event& event)
+using dictionary::Field;
+using dictionary::Kind;
+using dictionary::Type;
+
+static_assert(sizeof(SAMPLES_RECORDS) == sizeof(records::Records));
+
+/** A field of the records, of an array's that of one element. */
+struct Place
+{
+    const Field* field;
+    size_t element;
+
+    std::string Name() const { return element_name(*field, element); }
+    size_t Offset() const { return component_of(*field).offset + field->offset(element); }
+    long Integer(const SAMPLES_RECORDS& records) const
+    {
+        const records::Component& component = component_of(*field);
+        return integer(*field, std::as_bytes(std::span(&records, 1)).subspan(component.offset, component.record_size), element);
+    }
+};
+
+/** Every field of every element, of one kind or of all. */
+std::vector<Place> AllFields(std::optional<Kind> kind = {})
+{
+    std::vector<Place> places;
+    for (const Field& field : dictionary::fields())
+    {
+        if (kind && field.kind != *kind) continue;
+        for (size_t element = 0; element < field.count(); ++element) places.push_back({&field, element});
+    }
+    return places;
+}
+
+/** The seconds of an event time. */
+time_t TimeOf(const SAMPLES_RECORDS& records, const Place& event)
 {
     time_t time = 0;
-    std::memcpy(&time, Bytes(records) + event.place, sizeof time);
+    std::memcpy(&time, Bytes(records) + event.Offset(), sizeof time);
     return time;
 }
 
-void SetTime(SAMPLES_RECORDS& records, const Event& event, time_t time)
+void SetTime(SAMPLES_RECORDS& records, const Place& event, time_t time)
 {
-    std::memcpy(reinterpret_cast<unsigned char*>(&records) + event.place, &time, sizeof time);
-}
-
-bool NumberIsZero(const SAMPLES_RECORDS& records, const Event& event)
-{
-    const unsigned char* number = Bytes(records) + event.numberPlace;
-    return std::all_of(number, number + event.numberSize, [](unsigned char byte) { return byte == 0; });
+    std::memcpy(reinterpret_cast<unsigned char*>(&records) + event.Offset(), &time, sizeof time);
 }
 
 std::string TestName(const char* name)
@@ -151,7 +182,7 @@ class EveryScenario : public testing::TestWithParam<const SAMPLES_SCENARIO*>
 {
 protected:
     const SAMPLES_SCENARIO& scenario = *GetParam();
-    const std::vector<Event> events = Events().all;
+    const std::vector<Place> events = AllFields(Kind::event_time);
 
     bool IsExtreme() const { return std::string(scenario.szName) == "extreme"; }
 };
@@ -201,17 +232,17 @@ TEST_P(RealScenario, EventTimesArePastAndMoveWithNow)
     constexpr time_t shift = 123457;
     const Records early = Fill(scenario, NOW);
     const Records late = Fill(scenario, NOW + shift);
-    for (const Event& event : events)
+    for (const Place& event : events)
     {
         const time_t time = TimeOf(*early, event);
         if (time == 0)
         {
-            EXPECT_EQ(TimeOf(*late, event), 0) << event.name;
+            EXPECT_EQ(TimeOf(*late, event), 0) << event.Name();
             continue;
         }
-        EXPECT_GT(time, 0) << event.name;
-        EXPECT_LE(time, NOW) << event.name;
-        EXPECT_EQ(TimeOf(*late, event) - time, shift) << event.name;
+        EXPECT_GT(time, 0) << event.Name();
+        EXPECT_LE(time, NOW) << event.Name();
+        EXPECT_EQ(TimeOf(*late, event) - time, shift) << event.Name();
     }
 }
 
@@ -219,7 +250,7 @@ TEST_P(EveryScenario, NothingButEventTimesDependsOnNow)
 {
     const Records early = Fill(scenario, NOW);
     const Records late = Fill(scenario, NOW + 123457);
-    for (const Event& event : events)
+    for (const Place& event : events)
     {
         SetTime(*early, event, 0);
         SetTime(*late, event, 0);
@@ -230,10 +261,11 @@ TEST_P(EveryScenario, NothingButEventTimesDependsOnNow)
 TEST_P(EveryScenario, WhatHappenedHasATimeAndWhatNeverHappenedHasNone)
 {
     const Records records = Fill(scenario, NOW);
-    for (const Event& event : events)
+    for (const Place& event : events)
     {
-        if (event.numberSize == 0) continue;
-        EXPECT_EQ(TimeOf(*records, event) == 0, NumberIsZero(*records, event)) << event.name;
+        if (event.field->relation == dictionary::Relation::none) continue;
+        const Place number = {&dictionary::fields()[event.field->related], event.element};
+        EXPECT_EQ(TimeOf(*records, event) == 0, number.Integer(*records) == 0) << event.Name();
     }
 }
 
@@ -855,11 +887,11 @@ TEST_P(Healthy, UsageIsSmallAndRecent)
 
 TEST_P(Healthy, EventsSinceTheStartAreNotOlder)
 {
-    for (const Event& event : Events().all)
+    for (const Place& event : AllFields(Kind::event_time))
     {
         const time_t time = TimeOf(*records, event);
-        if (time == 0 || event.name.starts_with("tUsage")) continue;
-        EXPECT_GE(time, NOW - static_cast<time_t>(upTime)) << event.name;
+        if (time == 0 || event.field->full_name.starts_with("usage.")) continue;
+        EXPECT_GE(time, NOW - static_cast<time_t>(upTime)) << event.Name();
     }
 }
 
@@ -1199,87 +1231,50 @@ TEST(Extreme, TimesLieAtTheEndsOfTime)
     const Records records = Fill("extreme");
     size_t first = 0;
     size_t last = 0;
-    for (const Event& event : Events().all)
+    for (const Place& event : AllFields(Kind::event_time))
     {
         const time_t time = TimeOf(*records, event);
-        EXPECT_TRUE(time == LONG_MIN || time == LONG_MAX) << event.name << " is " << time;
+        EXPECT_TRUE(time == LONG_MIN || time == LONG_MAX) << event.Name() << " is " << time;
         first += time == LONG_MIN;
         last += time == LONG_MAX;
     }
     EXPECT_NEAR(double(first), double(last), 10);
 }
 
-TEST(Extreme, UnsignedFieldsHaveAllBitsSet)
+/** The fields of a kind that the extreme scenario fills: its transport is SRT, and FEC would be the same bytes. */
+std::vector<Place> ExtremeFields(std::optional<Kind> kind = {})
 {
-    const Records records = Fill("extreme");
-    EXPECT_EQ(+records->tTDemux.nUpTimeInSecs, ULONG_MAX);
-    EXPECT_EQ(records->tTDemux.nProgramNumber, UINT_MAX);
-    EXPECT_EQ(+records->tTDemux.nPCR, ULONG_MAX);
-    for (const auto& source : records->tTDemux.tSources)
-    {
-        EXPECT_EQ(+source.tCounters.nNumReceivedPackets, ULONG_MAX);
-        EXPECT_EQ(source.tsPid, UINT_MAX);
-        EXPECT_EQ(+source.nPTS, ULONG_MAX);
-    }
-    EXPECT_EQ(+records->tTDemux.Xport.SRT.nLostPkts, ULONG_MAX);
-    EXPECT_EQ(records->tVFramer.tCurrentProperties.matrix_coefficients, UCHAR_MAX);
-    for (const unsigned char byte : records->tVFramer.tCurrentProperties.szPayloadID) EXPECT_EQ(byte, UCHAR_MAX);
-    EXPECT_EQ(+records->tVFramer.tCounters.nNumInputPackets, ULONG_MAX);
-    EXPECT_EQ(records->tVideoDecoder.nVDelayHwOutputMS, UINT_MAX);
-    EXPECT_EQ(+records->tVideoDecoder.nVKeyDecDelayMS, ULONG_MAX);
-    EXPECT_EQ(+records->tVideoDecoder.tCounters.nNumOutputErrors, ULONG_MAX);
-    for (const auto& pair : records->tAudio.PairStats) EXPECT_EQ(pair.nDecodedFrames, ULONG_MAX);
-    EXPECT_EQ(records->tAudio.nErrors, UINT_MAX);
-    EXPECT_EQ(records->tMetadata.tCounters.tTCValue.nTCHours, UINT_MAX);
-    for (const auto& channel : records->tMetadata.tChannel) EXPECT_EQ(+channel.tCounters.nNumInputPackets, ULONG_MAX);
-    for (const auto& channel : records->tBuffering.tChannel) EXPECT_EQ(+channel.TimeStamp, ULONG_MAX);
-    EXPECT_EQ(+records->tBuffering.tCounters.nNumSTCUpdates, ULONG_MAX);
-    EXPECT_EQ(+records->tClockRecovery.PcrUpdates, ULONG_MAX);
-    EXPECT_EQ(+records->tUsage.nNumStarts, ULONG_MAX);
+    std::vector<Place> places = AllFields(kind);
+    std::erase_if(places, [](const Place& place) { return place.field->name.starts_with("fec."); });
+    return places;
 }
 
-TEST(Extreme, SignedFieldsTakeBothEnds)
+TEST(Extreme, NumbersLieAtTheEndsOfTheirTypes)
 {
     const Records records = Fill("extreme");
-
-    const auto& srt = records->tTDemux.Xport.SRT;
-    std::vector<int> seen = {srt.iReconnects, srt.iLatency, srt.iAvailBw, srt.iKeyLength, srt.iRTT, srt.iBufTimespan, srt.iVersion};
-    const auto& props = records->tVFramer.tCurrentProperties;
-    seen.insert(seen.end(), {props.nProfile, props.nLevel, props.nWidth, props.nHeight});
-    for (const auto& pair : records->tAudio.PairStats)
+    long least = 0;
+    long most = 0;
+    for (const Kind kind : {Kind::counter, Kind::gauge, Kind::extreme})
     {
-        seen.insert(seen.end(), {pair.nSampleRateIn, pair.nBitRateInKbps, pair.nMinSTCLeadTimeMs, pair.nMaxSTCLeadTimeMs,
-                                 pair.nMinProcessTimeUs, pair.nMaxProcessTimeUs, pair.iAudioVideoTSDiffInMs});
+        for (const Place& place : ExtremeFields(kind))
+        {
+            const long value = place.Integer(*records);
+            switch (place.field->type)
+            {
+            case Type::u32: EXPECT_EQ(value, UINT_MAX) << place.Name(); break;
+            case Type::u64: EXPECT_EQ(static_cast<unsigned long>(value), ULONG_MAX) << place.Name(); break;
+            case Type::i32: EXPECT_TRUE(value == INT_MIN || value == INT_MAX) << place.Name() << " is " << value; break;
+            case Type::i64: EXPECT_TRUE(value == LONG_MIN || value == LONG_MAX) << place.Name() << " is " << value; break;
+            default: EXPECT_EQ(place.field->type, Type::f32) << place.Name(); break;
+            }
+            least += value == INT_MIN || value == LONG_MIN;
+            most += value == INT_MAX || value == LONG_MAX;
+        }
     }
-    for (const auto& channel : records->tMetadata.tChannel)
-    {
-        seen.insert(seen.end(),
-                    {channel.tCounters.nBDFreeListHeadIndex, channel.tCounters.nBDUsedListHeadIndex, channel.tCounters.nOutputSTCLeadTime});
-    }
-    for (const auto& channel : records->tBuffering.tChannel)
-    {
-        seen.insert(seen.end(), {channel.nSTCLeadTimeMsSet, channel.nPCRtoPTSTimeMsActual});
-    }
-    const auto& automatic = records->tBuffering.tAutomatic;
-    seen.insert(seen.end(), {automatic.nNonVideoLateMs, automatic.nNonVideoLateMaxMs, automatic.nVideoSTCLeadTimeMinActualMs,
-                             automatic.nVideoSTCLeadTimeMaxActualMs, records->tBuffering.nSTCtoPCRLeadTimeMs,
-                             records->tClockRecovery.SampleCount, records->tClockRecovery.pcrJitterMaxErrValue});
+    EXPECT_GT(least, most / 2);
+    EXPECT_LT(least, most * 2);
 
-    EXPECT_TRUE(std::all_of(seen.begin(), seen.end(), [](int value) { return value == INT_MIN || value == INT_MAX; }))
-        << testing::PrintToString(seen);
-    const auto least = std::count(seen.begin(), seen.end(), INT_MIN);
-    EXPECT_GT(least, static_cast<long>(seen.size()) / 3);
-    EXPECT_LT(least, static_cast<long>(seen.size()) * 2 / 3);
-
-    const auto& clock = records->tClockRecovery;
-    const std::vector<long> longSeen = {clock.OldPll,       clock.StcClkNominal, clock.curPllAvg, clock.curPllMin,      clock.curPLLDevHz,
-                                        clock.curPLLDevPpm, clock.avgDevHz,      clock.avgDevPpm, clock.curPcr,         clock.curPcrFpga,
-                                        clock.pcrTsDelta,   clock.mafDivFactor,  clock.PcrJump,   clock.PcrJumpMaxValue};
-    EXPECT_TRUE(std::all_of(longSeen.begin(), longSeen.end(), [](long value) { return value == LONG_MIN || value == LONG_MAX; }))
-        << testing::PrintToString(longSeen);
-    EXPECT_TRUE(std::count(longSeen.begin(), longSeen.end(), LONG_MIN) > 0 && std::count(longSeen.begin(), longSeen.end(), LONG_MAX) > 0);
-
-    EXPECT_EQ(+props.fFrameRate, FLT_MAX);
+    EXPECT_EQ(+records->tVFramer.tCurrentProperties.fFrameRate, FLT_MAX);
     EXPECT_LT(+records->tVFramer.tCounters.fInputFrameRate, 0);
     EXPECT_LT(+records->tVFramer.tPreviousProperties.fFrameRate, 0);
 }
@@ -1287,55 +1282,41 @@ TEST(Extreme, SignedFieldsTakeBothEnds)
 TEST(Extreme, TextsAreFullOfLetters)
 {
     const Records records = Fill("extreme");
-    const auto full = [](const auto& text) { return std::all_of(std::begin(text), std::end(text), [](char c) { return c == 'W'; }); };
-
-    EXPECT_TRUE(full(records->tTDemux.tStreamAddress.szHostName));
-    EXPECT_TRUE(full(records->tTDemux.tSourceAddress.szHostName));
-    EXPECT_TRUE(full(records->tVFramer.tCurrentProperties.szFraming));
-    EXPECT_TRUE(full(records->tVFramer.tPreviousProperties.szFraming));
-    for (const auto& channel : records->tMetadata.tChannel) EXPECT_TRUE(full(channel.szName));
+    for (const Place& text : ExtremeFields(Kind::text))
+    {
+        const unsigned char* characters = Bytes(*records) + text.Offset();
+        EXPECT_TRUE(std::all_of(characters, characters + text.field->size, [](unsigned char c) { return c == 'W'; })) << text.Name();
+    }
 }
 
 TEST(Extreme, FlagsAreTrueInMoreThanOneWay)
 {
     const Records records = Fill("extreme");
-    const auto& current = records->tVFramer.tCurrentProperties;
-    const auto& previous = records->tVFramer.tPreviousProperties;
-    const auto& decoder = records->tVideoDecoder;
-    const auto& multiSync = records->tBuffering.tMultiSync;
-    const std::vector flags = {
-        records->tTDemux.bStreamHasBeenStarted,
-        decoder.bHasChroma,
-        decoder.bCropping,
-        decoder.bVDelayInputEstimateShortDelay,
-        decoder.bVDelayOutputEstimateShortDelay,
-        decoder.bStillImageActive,
-        decoder.bReordering,
-        records->tMetadata.tCounters.tTCValue.bTCValid,
-        multiSync.bTimecodePresent,
-        multiSync.bTimecodeValid,
-        records->tBuffering.bBufferingDelaySet,
-        records->tClockRecovery.TrackingStarted,
-        records->tClockRecovery.PllNotSettled,
-    };
-    EXPECT_EQ(std::count(flags.begin(), flags.end(), 0), 0);
-    EXPECT_GT(std::count(flags.begin(), flags.end(), 1), 2);
-    EXPECT_GT(std::count_if(flags.begin(), flags.end(), [](int flag) { return flag != 1; }), 2);
-
-    // What both sets of properties hold is 1 in one of them and something else in the other.
-    for (const auto& [a, b] :
-         {std::pair{current.bInterlaced, previous.bInterlaced}, std::pair{current.bInterlacedTFF, previous.bInterlacedTFF},
-          std::pair{current.bFrameRateFoundInStream, previous.bFrameRateFoundInStream},
-          std::pair{current.bHasIFrames, previous.bHasIFrames}, std::pair{current.bHasPFrames, previous.bHasPFrames},
-          std::pair{current.bHasBFrames, previous.bHasBFrames},
-          std::pair{current.bCompatibilityModeEnabled, previous.bCompatibilityModeEnabled},
-          std::pair{current.bTCPresent, previous.bTCPresent}, std::pair{current.bCCPresent, previous.bCCPresent},
-          std::pair{current.bAFDPresent, previous.bAFDPresent}})
+    std::map<std::string_view, long> flags;
+    for (const Place& flag : ExtremeFields(Kind::flag)) flags[flag.field->full_name] = flag.Integer(*records);
+    long ones = 0;
+    for (const auto& [name, value] : flags)
     {
-        EXPECT_NE(a, 0);
-        EXPECT_NE(b, 0);
-        EXPECT_NE(a == 1, b == 1);
+        EXPECT_NE(value, 0) << name;
+        ones += value == 1;
+        // What both sets of properties hold is 1 in one of them and something else in the other.
+        if (const std::string_view now = "vframer.stream."; name.starts_with(now))
+        {
+            const std::string before = "vframer.previous_stream." + std::string(name.substr(now.size()));
+            EXPECT_NE(value == 1, flags.at(before) == 1) << name;
+        }
     }
+    EXPECT_GT(ones, static_cast<long>(flags.size()) / 4);
+    EXPECT_LT(ones, static_cast<long>(flags.size()) * 3 / 4);
+}
+
+TEST(Extreme, MostStatesHaveNoIdentifier)
+{
+    const Records records = Fill("extreme");
+    int unknown = 0;
+    int known = 0;
+    for (const Place& state : ExtremeFields(Kind::state)) ++(identifier(*state.field, state.Integer(*records)).empty() ? unknown : known);
+    EXPECT_GT(unknown, 2 * known);
 }
 
 TEST(Extreme, ShowsAsMuchAsItCan)
@@ -1359,22 +1340,6 @@ TEST(Extreme, ShowsAsMuchAsItCan)
     const UINT64 everyField = VIDEO_FORMAT_CODE(VIDEO_FORMAT_WIDTH_MASK, VIDEO_FORMAT_HEIGHT_MASK, VIDEO_FORMAT_RATE_MASK, 1);
     EXPECT_EQ(records->tVideoDecoder.nDisplayFormat & everyField, everyField);
     EXPECT_NE(records->tVideoDecoder.bCropping, 0);
-}
-
-TEST(Extreme, MostEnumerationsHoldWhatNoEnumeratorNames)
-{
-    const Records records = Fill("extreme");
-    for (const int value :
-         {static_cast<int>(records->tTDemux.enState), records->tTDemux.enFECType,
-          static_cast<int>(records->tTDemux.tSources[0].enCompressionType), static_cast<int>(records->tTDemux.tSources[1].enType),
-          static_cast<int>(records->tVFramer.tCurrentProperties.enColorType),
-          static_cast<int>(records->tVFramer.tCurrentProperties.enHDRType), static_cast<int>(records->tVideoDecoder.enState),
-          static_cast<int>(records->tVideoDecoder.enPicStructure), records->tVideoDecoder.enStillImageType, records->tAudio.enState,
-          records->tAudio.PairStats[0].enAlgorithm, static_cast<int>(records->tMetadata.tChannel[0].enType),
-          static_cast<int>(records->tBuffering.enStatus), static_cast<int>(records->tBuffering.tChannel[0].enType)})
-    {
-        EXPECT_TRUE(value == INT_MIN || value == INT_MAX) << value;
-    }
 }
 
 } // namespace

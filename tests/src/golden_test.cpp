@@ -11,16 +11,15 @@
 
 #include "all_reports.h"
 #include "capture.h"
-#include "frozen_clock.h"
 
 namespace fs = std::filesystem;
 
 static const fs::path golden = GOLDEN_DIRECTORY;
 static const char* const level_names[] = {"default", "debug"};
 
-static fs::path GoldenFile(const Report& report, const SAMPLES_SCENARIO& scenario, int level)
+static fs::path GoldenFile(const records::Component& component, const std::string& scenario, int level)
 {
-    return golden / report.component / (std::string(scenario.szName) + "." + level_names[level] + ".txt");
+    return golden / component.name / (scenario + "." + level_names[level] + ".txt");
 }
 
 static std::string Read(const fs::path& path)
@@ -32,16 +31,15 @@ static std::string Read(const fs::path& path)
 TEST(Golden, EveryReportOfEverySampleIsAsItWasRead)
 {
     const bool update = std::getenv("UPDATE_GOLDEN") != nullptr;
-    for (size_t i = 0; i < samples_scenario_count; i++)
+    for (const auto& [scenario, summary] : sources::scenarios())
     {
-        const SAMPLES_SCENARIO& scenario = samples_scenarios[i];
-        SAMPLES_RECORDS records;
-        scenario.pFill(&records, frozen_now);
-        for (const Report& report : all_reports)
+        const records::Snapshot snapshot = sources::sample(scenario, frozen_moment);
+        for (const records::Component& component : records::components())
             for (int level : {0, 1})
             {
-                const fs::path path = GoldenFile(report, scenario, level);
-                const std::string text = Capture([&] { report.print(RecordOf(records, report), static_cast<STATS_LEVEL>(level)); });
+                const fs::path path = GoldenFile(component, scenario, level);
+                const std::string text =
+                    Capture([&] { print_report(component, snapshot.record(component).data(), static_cast<STATS_LEVEL>(level)); });
                 if (update)
                 {
                     fs::create_directories(path.parent_path());
@@ -58,9 +56,9 @@ TEST(Golden, EveryReportOfEverySampleIsAsItWasRead)
 TEST(Golden, NoFileIsLeftOver)
 {
     std::set<fs::path> expected;
-    for (size_t i = 0; i < samples_scenario_count; i++)
-        for (const Report& report : all_reports)
-            for (int level : {0, 1}) expected.insert(GoldenFile(report, samples_scenarios[i], level));
+    for (const auto& [scenario, summary] : sources::scenarios())
+        for (const records::Component& component : records::components())
+            for (int level : {0, 1}) expected.insert(GoldenFile(component, scenario, level));
     for (const fs::directory_entry& entry : fs::recursive_directory_iterator(golden))
         EXPECT_TRUE(entry.is_directory() || expected.contains(entry.path())) << entry.path() << " belongs to no sample";
 }

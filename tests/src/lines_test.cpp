@@ -115,6 +115,22 @@ TEST(AbbreviatedFrameRate, StopsAfterThreeZeros)
     EXPECT_EQ(AbbrevFPS(2e10f), "20000000");
 }
 
+TEST(AbbreviatedFrameRate, AHostThatReturnsTheUncutLengthGetsNothingWrittenBehindTheBuffer)
+{
+    // The whole text has 42 characters and ends in ".00": zeros behind the buffer would be taken for its last ones.
+    ReturnUncutLength(true);
+    for (size_t nSize = 0; nSize <= 12; nSize++)
+    {
+        std::string memory(64, '0');
+        EXPECT_EQ(_GetAbbrevFPSString(1e38f, memory.data(), nSize), memory.data());
+        EXPECT_EQ(memory.substr(nSize), std::string(64 - nSize, '0')) << nSize;
+    }
+    // What is in the buffer is shortened as if the host had returned its length.
+    char szBuffer[12];
+    EXPECT_STREQ(_GetAbbrevFPSString(2e10f, szBuffer, sizeof szBuffer), "20000000");
+    ReturnUncutLength(false);
+}
+
 TEST(AbbreviatedFrameRate, PrintsTwoDecimalsIntoTheCallersBuffer)
 {
     ClearServiceCalls();

@@ -44,9 +44,9 @@ private:
 TEST(RandomRecords, EveryReportPrintsWholeLinesOfAnyBytes)
 {
     std::mt19937_64 random(20220606);
-    for (const Report& report : all_reports)
+    for (const records::Component& component : records::components())
     {
-        GuardedRecord record(report.size);
+        GuardedRecord record(component.record_size);
         for (int round = 0; round < 200; round++)
         {
             // Every other round most bytes are 0, 1 or all ones, so that states, flags and signs meet their named values.
@@ -58,8 +58,9 @@ TEST(RandomRecords, EveryReportPrintsWholeLinesOfAnyBytes)
             }
             for (int level : {0, 1, 2, -1})
             {
-                const std::string text = Capture([&] { EXPECT_EQ(report.print(record.data(), static_cast<STATS_LEVEL>(level)), TRUE); });
-                EXPECT_TRUE(text.empty() || text.back() == '\n') << report.component;
+                const std::string text =
+                    Capture([&] { EXPECT_EQ(print_report(component, record.data(), static_cast<STATS_LEVEL>(level)), TRUE); });
+                EXPECT_TRUE(text.empty() || text.back() == '\n') << component.name;
             }
         }
     }
@@ -67,10 +68,10 @@ TEST(RandomRecords, EveryReportPrintsWholeLinesOfAnyBytes)
 
 TEST(RandomRecords, CharArraysWithoutTheirNulEndAtTheirSize)
 {
-    for (const Report& report : all_reports)
+    for (const records::Component& component : records::components())
     {
-        GuardedRecord record(report.size);
+        GuardedRecord record(component.record_size);
         memset(record.data(), 'W', record.size());
-        for (int level : {0, 1}) Capture([&] { EXPECT_EQ(report.print(record.data(), static_cast<STATS_LEVEL>(level)), TRUE); });
+        for (int level : {0, 1}) Capture([&] { EXPECT_EQ(print_report(component, record.data(), static_cast<STATS_LEVEL>(level)), TRUE); });
     }
 }

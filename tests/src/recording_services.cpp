@@ -18,6 +18,13 @@ void ClearServiceCalls()
     calls.clear();
 }
 
+static bool returns_uncut_length = false;
+
+void ReturnUncutLength(bool uncut)
+{
+    returns_uncut_length = uncut;
+}
+
 static std::string Marker(const std::string& service, const std::string& value, size_t size)
 {
     return "{" + service + " " + value + " " + std::to_string(size) + "}";
@@ -99,9 +106,9 @@ extern "C" int PrintToString(char* szBuffer, size_t nSize, const char* pFormat, 
     calls.push_back({"PrintToString", pFormat, nSize});
     va_list arguments;
     va_start(arguments, pFormat);
-    vsnprintf(szBuffer, nSize, pFormat, arguments);
+    const int nUncut = vsnprintf(szBuffer, nSize, pFormat, arguments);
     va_end(arguments);
-    return static_cast<int>(strlen(szBuffer));
+    return returns_uncut_length ? nUncut : static_cast<int>(strlen(szBuffer));
 }
 
 extern "C" char* StringCat(char* szBuffer, const char* pText, size_t nSize)

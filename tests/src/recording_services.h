@@ -5,7 +5,8 @@
 //     SessMgr_GetVideoProfileString(122, 1000, ..)      {VideoProfile 122 1000 1024}
 //     SessMgr_GetIPAddressString                        {IPAddress family.first-byte 1024}; 0.0.0.0 for an unset address
 //
-// PrintToString and StringCat work as they should and are counted, with the sizes that they were given.
+// PrintToString and StringCat work as they should and are counted, with the sizes that they were given. PrintToString returns
+// the length of what it wrote, or where a test asks for it that of the whole text, as snprintf does.
 #ifndef RECORDING_SERVICES_H
 #define RECORDING_SERVICES_H
 
@@ -25,6 +26,9 @@ struct ServiceCall
 /** Calls since ClearServiceCalls, in order. */
 const std::vector<ServiceCall>& ServiceCalls();
 void ClearServiceCalls();
+
+/** Whether PrintToString returns the length of the whole text, although it was cut. */
+void ReturnUncutLength(bool uncut);
 
 /** The text that FormatULONG writes for a 1024-character buffer, or another size. */
 std::string Ulong(unsigned long value, size_t size = 1024);

@@ -505,6 +505,11 @@ TEST(TDemuxSource, HasThirteenLinesInDebug)
                                             "    No-DTS Packets      : {ULONG 18 1024} (Last One: {UpTime 19 1024} ago)\n");
 }
 
+TEST(TDemuxSource, OtherLevelsPrintAsTheDefaultLevel)
+{
+    for (const int nLevel : {2, -1}) EXPECT_EQ(PrintSource(FullSource(), nLevel), PrintSource(FullSource(), 0)) << nLevel;
+}
+
 TEST(TDemuxSource, WithoutReceivedPacketsPrintsNothingAtAnyLevel)
 {
     SMGR_TDEMUX_SOURCE_STATS tSource = FullSource();
@@ -701,6 +706,23 @@ TEST(TDemuxSRT, DebugShowsCountersOfZero)
     EXPECT_EQ(LineOf(text, "Sent NAKs"), "  Sent NAKs             : {ULONG 0 1024}");
 }
 
+TEST(TDemuxSRT, OtherLevelsHideCountersOfZeroAsTheDefaultLevelDoes)
+{
+    for (const int nLevel : {0, 2, -1})
+        EXPECT_EQ(PrintSRT({}, nLevel), "SRT Stats\n"
+                                        "  Local Version         : {SRTVersion 0 1024}\n"
+                                        "  Peer Version          : {SRTVersion 0 1024}\n"
+                                        "  Connections           : {ULONG 0 1024}\n"
+                                        "  Local Port            : 0\n"
+                                        "  Remote Port           : 0\n"
+                                        "  AES Encryption        : Off\n"
+                                        "  Link Bandwidth        : Unknown\n"
+                                        "  RTT                   : {MicroSeconds 0 1024}\n"
+                                        "  Local Buffer Level    : {MilliSeconds 0 1024}\n"
+                                        "  Latency               : {MilliSeconds 0 1024}\n")
+            << nLevel;
+}
+
 // ---- Pro-MPEG FEC ----
 
 static SMGR_STREAM_PMFECRX_STATS FullFEC()
@@ -756,6 +778,15 @@ TEST(TDemuxFEC, ZeroCountsLeaveFourLinesAtTheDefaultLevel)
                                "  Number of Columns     : 0\n"
                                "  Number of Rows        : 0\n"
                                "  Block Aligned         : No\n");
+}
+
+TEST(TDemuxFEC, OtherLevelsPrintAsTheDefaultLevel)
+{
+    for (const int nLevel : {2, -1})
+    {
+        EXPECT_EQ(PrintFEC(FullFEC(), nLevel), PrintFEC(FullFEC(), 0)) << nLevel;
+        EXPECT_EQ(PrintFEC({}, nLevel), PrintFEC({}, 0)) << nLevel;
+    }
 }
 
 TEST(TDemuxFEC, DebugShowsElevenLinesWhateverTheCounts)

@@ -7,31 +7,25 @@
 
 #include "all_reports.h"
 #include "capture.h"
-#include "frozen_clock.h"
 
 static constexpr int thread_count = 8;
 
-static void PrintAll(const SAMPLES_RECORDS& records)
+static void PrintAll(const records::Snapshot& snapshot)
 {
-    for (const Report& report : all_reports) report.print(RecordOf(records, report), STATS_LEVEL_DEBUG);
+    for (const records::Component& component : records::components())
+        print_report(component, snapshot.record(component).data(), STATS_LEVEL_DEBUG);
 }
 
-static void FillFor(SAMPLES_RECORDS& records, int thread)
+static std::string ScenarioFor(int thread)
 {
-    samples_scenarios[static_cast<size_t>(thread) % samples_scenario_count].pFill(&records, frozen_now);
+    const std::vector<sources::Scenario> scenarios = sources::scenarios();
+    return scenarios[static_cast<size_t>(thread) % scenarios.size()].name;
 }
 
-static void OnThreads(void (*print)(const SAMPLES_RECORDS&))
+static void OnThreads(void (*print)(const records::Snapshot&))
 {
     std::vector<std::thread> threads;
-    for (int i = 0; i < thread_count; i++)
-        threads.emplace_back(
-            [i, print]
-            {
-                SAMPLES_RECORDS records;
-                FillFor(records, i);
-                print(records);
-            });
+    for (int i = 0; i < thread_count; i++) threads.emplace_back([i, print] { print(sources::sample(ScenarioFor(i), frozen_moment)); });
     for (std::thread& thread : threads) thread.join();
 }
 
@@ -40,9 +34,8 @@ TEST(Threads, LinesStayWhole)
     std::vector<std::string> expected;
     for (int i = 0; i < thread_count; i++)
     {
-        SAMPLES_RECORDS records;
-        FillFor(records, i);
-        const std::vector<std::string> lines = CaptureLines([&] { PrintAll(records); });
+        const records::Snapshot snapshot = sources::sample(ScenarioFor(i), frozen_moment);
+        const std::vector<std::string> lines = CaptureLines([&] { PrintAll(snapshot); });
         expected.insert(expected.end(), lines.begin(), lines.end());
     }
     std::vector<std::string> lines = CaptureLines([] { OnThreads(PrintAll); });
@@ -58,20 +51,19 @@ TEST(Threads, ACallerThatHoldsTheStreamKeepsItsReportsTogether)
         []
         {
             OnThreads(
-                [](const SAMPLES_RECORDS& records)
+                [](const records::Snapshot& snapshot)
                 {
                     flockfile(stdout);
-                    PrintAll(records);
+                    PrintAll(snapshot);
                     funlockfile(stdout);
                 });
         });
     size_t length = 0;
     for (int i = 0; i < thread_count; i++)
     {
-        SAMPLES_RECORDS records;
-        FillFor(records, i);
-        const std::string whole = Capture([&] { PrintAll(records); });
-        EXPECT_NE(text.find(whole), std::string::npos) << samples_scenarios[static_cast<size_t>(i) % samples_scenario_count].szName;
+        const records::Snapshot snapshot = sources::sample(ScenarioFor(i), frozen_moment);
+        const std::string whole = Capture([&] { PrintAll(snapshot); });
+        EXPECT_NE(text.find(whole), std::string::npos) << ScenarioFor(i);
         length += whole.size();
     }
     EXPECT_EQ(text.size(), length);

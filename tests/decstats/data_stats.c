@@ -1,0 +1,2 @@
+/* A library in which the name of a report is that of a datum. */
+const int STATS_PrintForVFramer = 1;

@@ -1,0 +1,274 @@
+/**
+ * @file scenarios_test.cpp
+ * The table of scenarios: the finding that each must give first, where, and nothing else. What is expected is what an engineer
+ * would say of the fault, whatever the rules print.
+ */
+#include <gtest/gtest.h>
+
+#include <set>
+#include <string>
+#include <vector>
+
+#include "diagnosis.h"
+#include "living.h"
+
+namespace
+{
+
+using namespace std::chrono_literals;
+using diagnosis::Diagnosis;
+using diagnosis::Result;
+using diagnosis::Stage;
+using samples::Simulation;
+using samples::Variant;
+
+/** What a fault must give. */
+struct Expected
+{
+    const char* fault;
+    const char* finding;
+    Stage stage;
+    int status;
+};
+
+const Expected faults[] = {
+    {"network-silent", "network.silent", Stage::network, 2},
+    {"network-no-answer", "network.not-connected", Stage::network, 2},
+    {"network-reconnects", "network.reconnects", Stage::network, 1},
+    {"network-errors", "network.errors", Stage::network, 1},
+    {"network-bursts", "network.bursts", Stage::network, 1},
+    {"srt-loss", "link.loss", Stage::link, 2},
+    {"srt-latency-low", "link.latency-too-low", Stage::link, 1},
+    {"srt-no-key", "link.no-passphrase", Stage::link, 2},
+    {"srt-wrong-key", "link.not-decrypting", Stage::link, 2},
+    {"fec-absent", "link.fec-absent", Stage::link, 1},
+    {"fec-weak", "link.fec-too-weak", Stage::link, 2},
+    {"fec-wasted", "link.fec-wasted", Stage::link, 0},
+    {"rtp-loss", "link.rtp-loss", Stage::link, 1},
+    {"ts-loss", "ts.loss", Stage::ts, 1},
+    {"ts-corrupted", "ts.corrupted", Stage::ts, 1},
+    {"ts-stopped", "ts.stopped", Stage::ts, 2},
+    {"ts-scrambled", "ts.scrambled", Stage::ts, 2},
+    {"video-missing", "ts.video-missing", Stage::ts, 2},
+    {"audio-missing", "ts.audio-missing", Stage::ts, 2},
+    {"pcr-missing", "clock.pcr-missing", Stage::clock, 1},
+    {"pcr-jumps", "clock.pcr-jumps", Stage::clock, 1},
+    {"pcr-jitter", "clock.pcr-jitter", Stage::clock, 1},
+    {"clock-unlocked", "clock.unlocked", Stage::clock, 1},
+    {"clock-off", "clock.off", Stage::clock, 1},
+    {"pts-behind-pcr", "ts.pts-behind-pcr", Stage::ts, 1},
+    {"demux-overflow", "ts.overflow", Stage::ts, 1},
+    {"format-unsupported", "framer.unsupported-format", Stage::framer, 2},
+    {"format-changing", "framer.format-changing", Stage::framer, 1},
+    {"framer-starved", "framer.starved", Stage::framer, 2},
+    {"framer-stalled", "framer.stopped", Stage::framer, 2},
+    {"framer-overflow", "framer.overflow", Stage::framer, 1},
+    {"framer-drops", "framer.drops", Stage::framer, 1},
+    {"decoder-starved", "vdecoder.starved", Stage::vdecoder, 2},
+    {"decoder-stalled", "vdecoder.stopped", Stage::vdecoder, 2},
+    {"decoder-overloaded", "vdecoder.overloaded", Stage::vdecoder, 1},
+    {"decoder-drops", "vdecoder.drops", Stage::vdecoder, 1},
+    {"decoder-conceals", "vdecoder.conceals", Stage::vdecoder, 1},
+    {"decoder-no-memory", "vdecoder.no-memory", Stage::vdecoder, 2},
+    {"output-starved", "output.nothing-to-play", Stage::output, 2},
+    {"output-errors", "output.errors", Stage::output, 1},
+    {"output-late", "output.late", Stage::output, 1},
+    {"output-skips", "output.skips", Stage::output, 1},
+    {"output-replays", "output.replays", Stage::output, 1},
+    {"output-frozen", "output.stopped", Stage::output, 2},
+    {"audio-starved", "audio.starved", Stage::audio, 2},
+    {"audio-stalled", "audio.stopped", Stage::audio, 2},
+    {"audio-errors", "audio.errors", Stage::audio, 1},
+    {"audio-discontinuous", "audio.discontinuous", Stage::audio, 1},
+    {"audio-skips", "audio.skips", Stage::audio, 1},
+    {"lip-sync-off", "audio.lip-sync", Stage::audio, 1},
+    {"metadata-stopped", "metadata.stopped", Stage::metadata, 1},
+    {"metadata-drops", "metadata.drops", Stage::metadata, 1},
+    {"buffering-stalled", "buffering.stopped", Stage::buffering, 2},
+    {"buffering-late", "buffering.late-output", Stage::buffering, 1},
+    {"buffering-small", "buffering.delay-too-small", Stage::buffering, 1},
+    {"buffering-large", "buffering.delay-too-large", Stage::buffering, 1},
+    {"buffering-overflow", "buffering.overflow", Stage::buffering, 1},
+    {"multisync-no-ntp", "buffering.multisync-no-ntp", Stage::buffering, 1},
+    {"multisync-no-timecode", "buffering.multisync-no-timecode", Stage::buffering, 1},
+    {"multisync-invalid-timecode", "buffering.multisync-invalid-timecode", Stage::buffering, 1},
+    {"host-hung", "host.hung", Stage::host, 2},
+};
+
+std::string name_of(std::string text)
+{
+    for (char& c : text)
+        if (std::isalnum(static_cast<unsigned char>(c)) == 0) c = '_';
+    return text;
+}
+
+std::vector<std::string> ids(const Result& result)
+{
+    std::vector<std::string> all;
+    for (const auto& finding : result.findings) all.emplace_back(finding.rule->id);
+    return all;
+}
+
+/** Everything that was found from some moment on, the first of each window in front. */
+struct Heard
+{
+    std::set<std::string> first;
+    std::set<std::string> others;
+    int silent = 0; /**< windows in which nothing was */
+};
+
+void listen(Simulation& simulation, Diagnosis& diagnosis, std::chrono::seconds span, Heard& heard)
+{
+    for (auto left = span; left > 0s; left -= 1s)
+    {
+        simulation.advance(1s);
+        if (!diagnosis.take(snapshot_of(simulation))) continue;
+        const auto found = ids(diagnosis.result());
+        heard.silent += found.empty();
+        for (std::size_t i = 0; i < found.size(); ++i) (i == 0 ? heard.first : heard.others).insert(found[i]);
+    }
+}
+
+/** Rates at which a fault is tried: a tenth, the sample's own, ten times. */
+struct Case
+{
+    Expected expected;
+    double factor;
+};
+
+std::vector<Case> cases()
+{
+    std::vector<Case> all;
+    for (const Expected& expected : faults)
+        for (const double factor : {0.1, 1.0, 10.0}) all.push_back({expected, factor});
+    return all;
+}
+
+void PrintTo(const Case& row, std::ostream* stream)
+{
+    *stream << row.expected.fault << " at " << row.factor;
+}
+
+class Fault : public testing::TestWithParam<Case>
+{
+};
+
+INSTANTIATE_TEST_SUITE_P(Table, Fault, testing::ValuesIn(cases()),
+                         [](const auto& test)
+                         {
+                             const double factor = test.param.factor;
+                             return name_of(test.param.expected.fault) + (factor < 1 ? "_at_a_tenth" : factor > 1 ? "_tenfold" : "");
+                         });
+
+TEST_P(Fault, IsFoundFirstAndAlone)
+{
+    const auto& [expected, factor] = GetParam();
+    const samples::Fault* fault = samples::find_fault(expected.fault);
+    ASSERT_NE(fault, nullptr);
+    Simulation plain(fault->scenario, 1, start);
+    Variant variant{.scenario = fault->scenario};
+    variant.bit_rate = static_cast<unsigned>(plain.records().tTDemux.tCounters.nBitsPerSecond * factor);
+    for (const std::uint64_t seed : {11U, 12U, 13U})
+    {
+        Simulation simulation = factor == 1.0 ? Simulation(fault->scenario, seed, start) : Simulation(variant, seed, start);
+        Diagnosis diagnosis;
+        diagnosis.take(snapshot_of(simulation));
+        Heard before;
+        listen(simulation, diagnosis, 60s, before);
+        EXPECT_EQ(before.first, std::set<std::string>()) << "before the fault";
+
+        simulation.inject(expected.fault);
+        Heard onset; // half of the first window is healthy
+        listen(simulation, diagnosis, 25s, onset);
+        Heard after;
+        listen(simulation, diagnosis, 120s, after);
+        EXPECT_EQ(after.first, std::set<std::string>{expected.finding});
+        EXPECT_EQ(after.others, std::set<std::string>()) << "false alarms";
+        EXPECT_EQ(after.silent, 0);
+        EXPECT_EQ(onset.others, std::set<std::string>()) << "false alarms at the onset";
+
+        const Result& result = diagnosis.result();
+        ASSERT_FALSE(result.findings.empty());
+        EXPECT_EQ(result.findings.front().rule->stage, expected.stage);
+        EXPECT_EQ(diagnosis::exit_status(result), expected.status);
+        EXPECT_FALSE(result.findings.front().evidence.empty());
+        EXPECT_EQ(result.unseen.size(), 0U);
+    }
+}
+
+/* ---- healthy ones ---- */
+
+class Healthy : public testing::TestWithParam<std::pair<const char*, Variant>>
+{
+};
+
+const std::pair<const char*, Variant> healthy[] = {
+    {"srt", {}},
+    {"fec", {.scenario = "rtp-fec-2160p"}},
+    {"srt_300k", {.bit_rate = 300'000}},
+    {"srt_300k_23p976", {.bit_rate = 300'000, .picture_rate_numerator = 24000, .picture_rate_denominator = 1001}},
+    {"srt_60M", {.bit_rate = 60'000'000}},
+    {"srt_60M_60", {.bit_rate = 60'000'000, .picture_rate_numerator = 60}},
+    {"srt_24", {.picture_rate_numerator = 24}},
+    {"srt_25", {.picture_rate_numerator = 25}},
+    {"srt_50", {.picture_rate_numerator = 50}},
+    {"srt_audio_alone", {.bit_rate = 500'000, .video = false}},
+    {"srt_video_alone", {.audio = false}},
+    {"fec_300k", {.scenario = "rtp-fec-2160p", .bit_rate = 300'000, .picture_rate_numerator = 25}},
+    {"fec_60M", {.scenario = "rtp-fec-2160p", .bit_rate = 60'000'000}},
+    {"fec_23p976", {.scenario = "rtp-fec-2160p", .picture_rate_numerator = 24000, .picture_rate_denominator = 1001}},
+    {"fec_audio_alone", {.scenario = "rtp-fec-2160p", .bit_rate = 900'000, .video = false}},
+    {"fec_video_alone", {.scenario = "rtp-fec-2160p", .audio = false}},
+};
+
+INSTANTIATE_TEST_SUITE_P(Table, Healthy, testing::ValuesIn(healthy), [](const auto& test) { return std::string(test.param.first); });
+
+TEST_P(Healthy, IsSilentForAnHour)
+{
+    for (const std::uint64_t seed : {1U, 2U})
+    {
+        Simulation simulation(GetParam().second, seed, start);
+        Diagnosis diagnosis;
+        diagnosis.take(snapshot_of(simulation));
+        EXPECT_EQ(diagnosis::exit_status(diagnosis.result()), 0) << diagnosis.result().verdict.place;
+        int windows = 0;
+        for (int i = 0; i < 3600; ++i)
+        {
+            simulation.advance(1s);
+            if (!diagnosis.take(snapshot_of(simulation))) continue;
+            ++windows;
+            const Result& result = diagnosis.result();
+            ASSERT_EQ(ids(result), std::vector<std::string>()) << "after " << i << " s";
+            ASSERT_EQ(result.verdict.state, diagnosis::StageState::working) << result.verdict.place;
+            for (const auto& stage : result.stages)
+            {
+                const bool is_absent = (!GetParam().second.video &&
+                                        (stage.stage == Stage::framer || stage.stage == Stage::vdecoder || stage.stage == Stage::output)) ||
+                                       (!GetParam().second.audio && stage.stage == Stage::audio);
+                if (stage.stage == Stage::metadata && !GetParam().second.video) continue; // captions and timecode come with pictures
+                ASSERT_EQ(stage.state, is_absent ? diagnosis::StageState::idle : diagnosis::StageState::working)
+                    << diagnosis::stage_id(stage.stage) << " after " << i << " s";
+            }
+        }
+        EXPECT_EQ(windows, 360);
+        EXPECT_TRUE(diagnosis.episodes().empty());
+    }
+}
+
+/* ---- the table itself ---- */
+
+TEST(Table, HasEveryFault)
+{
+    std::set<std::string> named;
+    for (const Expected& expected : faults) named.insert(expected.fault);
+    for (const samples::Fault& fault : samples::faults()) EXPECT_TRUE(named.contains(fault.name)) << fault.name;
+}
+
+TEST(Table, HasALivingCaseForEveryRule)
+{
+    std::set<std::string> expected = {"network.name-not-resolved"}; // the scenario resolving
+    for (const Expected& row : faults) expected.insert(row.finding);
+    for (const diagnosis::Rule* rule : diagnosis::rules()) EXPECT_TRUE(expected.contains(std::string(rule->id))) << rule->id;
+}
+
+} // namespace

@@ -1,0 +1,202 @@
+"""decstats show and decstats describe, as people and scripts call them."""
+import json
+import os
+import pathlib
+import subprocess
+import tempfile
+import threading
+import unittest
+
+import exposition
+
+DECSTATS = os.environ["DECSTATS"]
+FORMATS = ("text", "json", "ndjson", "openmetrics", "prometheus")
+
+
+def run(*arguments, status=0):
+    """Standard output and standard error of a call that ends with this status."""
+    finished = subprocess.run([DECSTATS, *arguments], stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True, check=False)
+    if finished.returncode != status:
+        raise AssertionError("status %d: %s" % (finished.returncode, finished.stderr))
+    return finished.stdout, finished.stderr
+
+
+class Show(unittest.TestCase):
+    def setUp(self):
+        directory = tempfile.TemporaryDirectory()
+        self.addCleanup(directory.cleanup)
+        self.directory = pathlib.Path(directory.name)
+
+    def records(self):
+        folder = self.directory / "records"
+        folder.mkdir()
+        run("sample", "live-srt-1080i", str(folder))
+        return folder
+
+    def refused(self, *arguments, part):
+        out, err = run("show", *arguments, status=2)
+        self.assertEqual(out, "")
+        self.assertEqual(err.count("\n"), 1)
+        self.assertIn(part, err)
+
+    def test_every_sample_in_every_format(self):
+        for line in run("demo", "--list")[0].splitlines():
+            for format in FORMATS:
+                out, err = run("show", "sample:" + line.split()[0], "--format", format, "--at", "2022-06-14T12:14:00Z")
+                self.assertEqual(err, "")
+                self.assertTrue(out.endswith("\n"))
+                if "json" in format:
+                    self.assertEqual(json.loads(out)["taken_at"], "2022-06-14T12:14:00.000000000Z")
+                    self.assertEqual(format == "ndjson", out.count("\n") == 1)
+                elif format != "text":
+                    exposition.read(out, format == "openmetrics")
+
+    def test_demo_and_print_are_views_of_the_same(self):
+        moment = "1655208840"
+        folder = self.records()
+        demo = run("demo", "--level", "debug")[0].replace("\n", "")
+        self.assertTrue(demo)
+        file = str(folder / "tdemux.rec")
+        self.assertEqual(run("print", "tdemux", file, "--at", moment), run("show", file, "--at", moment))
+        whole = run("show", str(folder), "--at", moment)[0]
+        self.assertIn(run("show", file, "--at", moment)[0], whole)
+
+    def test_a_directory_tells_what_is_missing(self):
+        folder = self.records()
+        for name in ("audio", "clock-recovery"):
+            (folder / (name + ".rec")).unlink()
+        for format in FORMATS:
+            out, err = run("show", str(folder), "--format", format)
+            self.assertTrue(out)
+            self.assertEqual(err, "decstats: %s: no record of audio, clock-recovery\n" % folder)
+        self.assertEqual(run("show", str(folder), "--format", "json", "--component", "tdemux")[1], "")
+        self.refused(str(folder), "--format", "json", "--component", "audio", part="no audio record")
+        self.refused(str(folder), "--field", "audio.state", part="no audio record")
+
+    def test_two_records_of_a_component_are_refused(self):
+        folder = self.records()
+        (folder / "other.rec").write_bytes((folder / "audio.rec").read_bytes())
+        self.refused(str(folder), part="audio record")
+
+    def test_components(self):
+        out = run("show", "sample:idle", "--format", "json", "--component", "usage", "--component", "audio")[0]
+        self.assertEqual(list(json.loads(out)["components"]), ["audio", "usage"])
+        out = run("show", "sample:idle", "--format", "openmetrics", "--component", "usage")[0]
+        families = [family for family in exposition.read(out, openmetrics=True) if not family.startswith("decoder_usage_")]
+        self.assertEqual(families, ["decoder_up", "decoder_last_update_timestamp_seconds"])
+
+    def test_fields(self):
+        source = "sample:live-srt-1080i"
+        out = run("show", source, "--field", "tdemux.srt.rtt", "tdemux.sources[1].pid", "tdemux.state", "tdemux.fec.rows")[0]
+        self.assertEqual(out, "tdemux.srt.rtt 24137 us\ntdemux.sources[1].pid 36 PID\ntdemux.state active\ntdemux.fec.rows - rows\n")
+        out = run("show", source, "--field", "tdemux.sources[].pid", "--field", "tdemux.srt.rtt", "--format", "ndjson")[0]
+        tdemux = json.loads(out)["components"].pop("tdemux")
+        self.assertEqual(tdemux["srt"], {"rtt": 24137})
+        self.assertEqual([set(element) for element in tdemux["sources"]], [{"index", "pid"}] * 4)
+
+    def test_wrong_names_offer_the_nearest(self):
+        self.refused("sample:idle", "--field", "tdemux.recieved_packets", part="tdemux.received_packets")
+        self.refused("sample:idle", "--field", "rtt", part="tdemux.srt.rtt")
+        self.refused("sample:idle", "--field", "tdemux.sources[10].pid", part="tdemux.sources[].pid")
+
+    def test_options_that_have_no_meaning_together(self):
+        self.refused("sample:idle", "--raw", part="--raw")
+        self.refused("sample:idle", "--raw", "--format", "json", "--field", "tdemux.state", part="--raw")
+        self.refused("sample:idle", "--format", "openmetrics", "--field", "tdemux.state", part="--field")
+        self.refused("sample:idle", "--output", str(self.directory / "x"), part="--output")
+        self.assertEqual(os.listdir(self.directory), [])
+
+    def test_an_output_file_is_replaced_whole(self):
+        path = self.directory / "decoder.prom"
+        call = ("show", "sample:live-srt-1080i", "--format", "prometheus", "--output", str(path))
+        self.assertEqual(run(*call), ("", ""))
+        whole = exposition.read(path.read_text(), openmetrics=False).keys()
+        seen = []
+        done = threading.Event()
+
+        def read():
+            while not done.is_set():
+                seen.append(path.read_text() if path.exists() else "none")
+
+        reader = threading.Thread(target=read)
+        reader.start()
+        for _ in range(30):
+            run(*call)
+        done.set()
+        reader.join()
+        for text in set(seen):
+            self.assertEqual(exposition.read(text, openmetrics=False).keys(), whole)
+        self.assertEqual(os.listdir(self.directory), ["decoder.prom"])
+
+    def test_an_output_file_that_cannot_be_written(self):
+        _, err = run("show", "sample:idle", "--format", "json", "--output", str(self.directory / "none" / "x"), status=1)
+        self.assertIn("none", err)
+        (self.directory / "folder").mkdir()
+        run("show", "sample:idle", "--format", "json", "--output", str(self.directory / "folder"), status=1)
+        self.assertEqual(os.listdir(self.directory), ["folder"])
+
+    def test_any_bytes_are_shown(self):
+        for fill in (b"\xff", b"\x80", b"\x01"):
+            for path in self.records().iterdir():
+                path.write_bytes(fill * path.stat().st_size)
+                for format in FORMATS[1:]:
+                    self.assertTrue(run("show", str(path), "--format", format)[0])
+                json.loads(run("show", str(path), "--format", "json", "--raw")[0])
+                path.unlink()
+            path.parent.rmdir()
+
+
+class Describe(unittest.TestCase):
+    def test_a_label_answers_what_it_means_and_what_to_do(self):
+        out = run("describe", "Received Packets")[0]
+        self.assertIn("Received Packets, a line of the transport demux report, Full form:\n  [Always, packets, last one]\n", out)
+        self.assertIn("Action: if the last one is more than some seconds ago, nothing arrives", out)
+        self.assertIn("tdemux.received_packets: ", out)
+
+    def test_part_of_a_label(self):
+        out = run("describe", "PCR Jitter")[0]
+        self.assertIn("PCR Jitter Err Count, a line of the clock recovery report", out)
+        for name in ("pcr_jitter_errors", "last_pcr_jitter", "max_pcr_jitter"):
+            self.assertIn("clock_recovery.%s: " % name, out)
+
+    def test_a_name(self):
+        out = run("describe", "rtt")[0]
+        self.assertIn("tdemux.srt.rtt: ", out)
+        for line in ("Kind          gauge", "Unit          us", "Applies       if tdemux.encapsulation is ts_srt",
+                     "Metric        decoder_tdemux_srt_rtt_seconds = value x 1/1000000", "C member      Xport.SRT.iRTT"):
+            self.assertIn("\n  %s\n" % line, out)
+
+    def test_a_c_member(self):
+        out = run("describe", "nNumBDInFreeList")[0]
+        self.assertIn("\n  C member      tChannel[].tCounters.nNumBDInFreeList\n", out)
+        self.assertIn("\n  Report line   BD Free List Occ., debug level\n", out)
+
+    def test_other_ways_to_name_a_field(self):
+        wanted = run("describe", "tdemux.sources[].received_packets")[0]
+        for name in ("tdemux.sources[3].received_packets", "decoder_tdemux_source_received_packets_total",
+                     "decoder_tdemux_source_received_packets", "tSources[].tCounters.nNumReceivedPackets"):
+            self.assertEqual(run("describe", name)[0], wanted, name)
+
+    def test_relations(self):
+        self.assertIn("Related       last happened: tdemux.last_received_packet_time\n", run("describe", "tdemux.received_packets")[0])
+        self.assertIn("Related       when this last happened: tdemux.received_packets\n", run("describe", "tdemux.last_received_packet_time")[0])
+
+    def test_components_and_everything(self):
+        whole = json.loads(run("describe", "--format", "json")[0])["fields"]
+        self.assertEqual(len(whole), 745)
+        self.assertEqual(run("describe")[0].count("\n  C member "), 745)
+        for name in ("clock-recovery", "clock_recovery"):
+            part = json.loads(run("describe", name, "--format", "json")[0])["fields"]
+            self.assertEqual(part, [field for field in whole if field["component"] == "clock_recovery"])
+
+    def test_wrong_names_offer_the_nearest(self):
+        for wrong, right in (("recieved_packets", "received_packets"), ("Recieved Packets", "Received Packets"),
+                             ("clock-recovry", "clock-recovery"), ("nNumReceivedPacket", "nNumReceivedPackets")):
+            out, err = run("describe", wrong, status=2)
+            self.assertEqual(out, "")
+            self.assertIn(right, err.split("near it are")[1])
+        self.assertIn("'decstats describe' lists all", run("describe", "qqqqqqqq", status=2)[1])
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,136 @@
+"""Reports, JSON, raw JSON, metrics, descriptions and manual pages know the same fields."""
+import json
+import os
+import re
+import subprocess
+import unittest
+
+import exposition
+import layout
+import snapshots
+
+RENDER = os.environ["RENDER_SNAPSHOTS"]
+DECSTATS = os.environ["DECSTATS"]
+MAN = os.environ["MAN"]
+
+
+def run(*arguments):
+    return subprocess.run([DECSTATS, *arguments], stdout=subprocess.PIPE, check=True, text=True).stdout
+
+
+def json_names(value, name):
+    """The names of the members of interpreted JSON, as public names are written."""
+    if isinstance(value, list):
+        for element in value:
+            yield from json_names(element, name + "[]")
+    elif isinstance(value, dict) and not {"value", "name", "text"} <= set(value):
+        for key, member in value.items():
+            exact = key.endswith("_s") and key[:-2] in value
+            if not exact and not (name.endswith("[]") and key == "index"):
+                yield from json_names(member, name + "." + key if name else key)
+    else:
+        yield name
+
+
+def raw_names(value, name):
+    if isinstance(value, list):
+        for element in value:
+            yield from raw_names(element, name + "[]")
+    elif isinstance(value, dict) and set(value) - {"tv_sec_s", "tv_nsec_s"} != {"tv_sec", "tv_nsec"}:
+        for key, member in value.items():
+            if not (key.endswith("_s") and key[:-2] in value):
+                yield from raw_names(member, name + "." + key if name else key)
+    else:
+        yield name
+
+
+def page_text(path):
+    """A manual page as people read it, without what groff puts in to break lines."""
+    page = subprocess.run(["groff", "-mdoc", "-Tutf8", "-P-cbou", path], stdout=subprocess.PIPE, check=True, text=True).stdout
+    return re.sub("[\N{HYPHEN}\N{SOFT HYPHEN}]\n +", "", page)
+
+
+# Not labels of lines but words in headings, which the page explains where the blocks begin.
+HEADINGS = {"STREAM", "Channel"}
+
+
+class Knowledge(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.fields = json.loads(run("describe", "--format", "json"))["fields"]
+        cls.layout = layout.Layout(os.environ["ABI"])
+        source = list(snapshots.directed_snapshots(cls.layout)) + list(snapshots.random_snapshots(cls.layout, 8, 40))
+        cls.render = lambda self, view: snapshots.renderings(RENDER, view, source)
+
+    def test_number(self):
+        self.assertEqual(len({field["name"] for field in self.fields}), 745)
+
+    def test_json(self):
+        known = {field["name"] for field in self.fields if field["applies"] != "never"}
+        shown = set()
+        for text in self.render("json"):
+            shown.update(json_names(json.loads(text)["components"], ""))
+        self.assertEqual(shown, known)
+
+    def test_raw_json(self):
+        known = {field["component"] + "." + field["member"] for field in self.fields}
+        self.assertEqual(set(raw_names(json.loads(next(self.render("raw")))["components"], "")), known)
+
+    def test_schema(self):
+        components = json.loads(run("describe", "--schema"))["$defs"]["snapshot"]["properties"]["components"]["properties"]
+
+        def names(schema, name):
+            if schema.get("type") == "array":
+                yield from names(schema["items"], name + "[]")
+            elif "properties" in schema:
+                for key, member in schema["properties"].items():
+                    exact = key.endswith("_s") and key[:-2] in schema["properties"]
+                    if not exact and not (name.endswith("[]") and key == "index"):
+                        yield from names(member, name + "." + key)
+            else:
+                yield name
+
+        shown = {name for component, schema in components.items() for name in names(schema, component)}
+        self.assertEqual(shown, {field["name"] for field in self.fields})
+
+    def test_metrics(self):
+        known = {field["metric"]["name"] for field in self.fields if field["metric"] and field["applies"] != "never"}
+        shown = set()
+        for text in self.render("openmetrics"):
+            for content in exposition.read(text, openmetrics=True).values():
+                shown.update(name for name, _, _ in content["samples"])
+        self.assertEqual(shown - {"decoder_up", "decoder_last_update_timestamp_seconds"}, known)
+
+    def test_reports(self):
+        known = {(field["component"], line["label"]) for field in self.fields for line in field["report_lines"]}
+        for component, label in sorted(known):
+            with self.subTest(component=component, label=label):
+                text = self.reports(component)
+                self.assertIn(label.lower(), text.lower())
+
+    def reports(self, component, printed={}):
+        if component not in printed:
+            printed[component] = "".join(
+                run("demo", line.split()[0], "--level", "debug", "--component", component.replace("_", "-"))
+                for line in run("demo", "--list").splitlines()
+            )
+        return printed[component]
+
+    def test_labels_have_entries(self):
+        """Every label of a line has its explanation, and describe gives it."""
+        page = page_text(os.path.join(MAN, "decstats-reports.5"))
+        for label in sorted({line["label"] for field in self.fields for line in field["report_lines"]}):
+            with self.subTest(label=label):
+                self.assertIn(label, page)
+                if label not in HEADINGS:
+                    self.assertIn(label + ", a line of the", run("describe", label))
+
+    def test_pages_name_all_fields(self):
+        page = page_text(os.path.join(MAN, "decstats-fields.5"))
+        words = {word.rstrip(",;").split("{")[0] for word in page.split()}
+        self.assertEqual({field["name"] for field in self.fields} - words, set())
+        self.assertEqual({field["metric"]["name"] for field in self.fields if field["metric"]} - words, set())
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,31 @@
+/**
+ * @file commands.h
+ * The commands, one a file: each adds itself to the command line, with its options and with what it does.
+ */
+#ifndef COMMANDS_COMMANDS_H
+#define COMMANDS_COMMANDS_H
+
+#include <optional>
+#include <string>
+
+namespace CLI
+{
+class App;
+}
+
+namespace commands
+{
+
+/** The file that --library names, known when a command runs; nothing = the library that belongs to this tool. */
+using LibraryFile = std::optional<std::string>;
+
+void add_demo(CLI::App& app, const LibraryFile& library);
+void add_describe(CLI::App& app);
+void add_print(CLI::App& app, const LibraryFile& library);
+void add_sample(CLI::App& app);
+void add_show(CLI::App& app, const LibraryFile& library);
+void add_version(CLI::App& app, const LibraryFile& library);
+
+} // namespace commands
+
+#endif

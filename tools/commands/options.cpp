@@ -1,0 +1,87 @@
+#include "options.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "sample.h"
+
+namespace commands
+{
+
+CLI::App& add_command(CLI::App& app, const std::string& name, const std::string& description)
+{
+    CLI::App* const command = app.add_subcommand(name, description);
+    command->set_version_flag("--version", version_line, "Print the version of decstats and exit");
+    return *command;
+}
+
+CLI::Validator one_of(std::vector<std::string> allowed)
+{
+    const auto check = [allowed = std::move(allowed)](const std::string& value)
+    {
+        if (std::ranges::find(allowed, value) != allowed.end()) return std::string();
+        return "'" + value + "' is not known; allowed are " + joined(allowed);
+    };
+    return {check, ""};
+}
+
+void add_level(CLI::App& command, STATS_LEVEL& level)
+{
+    const auto set = [&level](const std::string& name) { level = name == "debug" ? STATS_LEVEL_DEBUG : STATS_LEVEL_DEFAULT; };
+    command.add_option_function<std::string>("--level", set, "How much the reports show: default or debug")
+        ->check(one_of({"default", "debug"}))
+        ->type_name("LEVEL")
+        ->default_str("default");
+}
+
+void add_components(CLI::App& command, std::bitset<records::component_count>& components)
+{
+    const auto set = [&components](const std::vector<std::string>& names)
+    {
+        for (const std::string& name : names) components.set(records::find_component(name)->index);
+    };
+    command.add_option_function<std::vector<std::string>>("--component", set, "Print the report of this component only; may be repeated")
+        ->check(one_of(records::component_names()))
+        ->type_name("NAME")
+        ->allow_extra_args(false);
+    command.footer(component_help());
+}
+
+void add_at(CLI::App& command, std::optional<sources::At>& at)
+{
+    const auto check = [](const std::string& value)
+    {
+        if (sources::parse_at(value)) return std::string();
+        return "'" + value + "' is no moment; a moment is as 2022-06-06T16:06:55Z, seconds since the epoch, or mtime";
+    };
+    command
+        .add_option_function<std::string>(
+            "--at", [&at](const std::string& value) { at = sources::parse_at(value); },
+            "Moment that the ages count to: RFC 3339, seconds since the epoch, or mtime of the file")
+        ->check({check, ""})
+        ->type_name("TIME");
+}
+
+CLI::Option* add_scenario(CLI::App& command, std::string& scenario)
+{
+    std::vector<std::string> names;
+    for (const sources::Scenario& one : sources::scenarios()) names.push_back(one.name);
+    return command.add_option("SCENARIO", scenario, "Scenario of the sample")->check(one_of(names))->type_name("");
+}
+
+std::string component_help()
+{
+    std::string help = "Components:";
+    for (const records::Component& component : records::components())
+        help += "\n  " + std::string(component.name) + std::string(16 - component.name.size(), ' ') + std::string(component.title);
+    return help;
+}
+
+std::string joined(const std::vector<std::string>& names)
+{
+    std::string text;
+    for (const std::string& name : names) text += (text.empty() ? "" : ", ") + name;
+    return text;
+}
+
+} // namespace commands

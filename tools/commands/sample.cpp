@@ -1,0 +1,37 @@
+/**
+ * @file sample.cpp
+ * decstats sample: the raw records of a sample, as files.
+ */
+#include "sample.h"
+
+#include <memory>
+
+#include "commands.h"
+#include "options.h"
+#include "record_files.h"
+
+namespace commands
+{
+
+namespace
+{
+
+struct Options
+{
+    std::string scenario;
+    std::string directory;
+};
+
+} // namespace
+
+void add_sample(CLI::App& app)
+{
+    const auto options = std::make_shared<Options>();
+    CLI::App& sample = add_command(app, "sample", "Write the raw records of a sample");
+    add_scenario(sample, options->scenario)->required();
+    sample.add_option("DIR", options->directory, "Existing directory for the files, COMPONENT.rec each")->type_name("")->required();
+    sample.callback([options]
+                    { sources::write_record_files(sources::sample(options->scenario, sources::present_moment()), options->directory); });
+}
+
+} // namespace commands

@@ -1,0 +1,152 @@
+/**
+ * @file show.cpp
+ * decstats show: the records of a decoder, in every form.
+ */
+#include <algorithm>
+#include <cstdio>
+#include <filesystem>
+#include <memory>
+
+#include "commands.h"
+#include "failure.h"
+#include "field_lines.h"
+#include "field_search.h"
+#include "json.h"
+#include "metrics.h"
+#include "options.h"
+#include "output_set.h"
+#include "reports.h"
+#include "source.h"
+#include "standard_output.h"
+
+namespace commands
+{
+
+namespace
+{
+
+struct Options
+{
+    std::string source;
+    std::bitset<records::component_count> components;
+    STATS_LEVEL level = STATS_LEVEL_DEFAULT;
+    std::string format = "text";
+    bool raw = false;
+    std::optional<sources::At> at;
+    std::vector<std::string> fields;
+    std::string output;
+};
+
+[[noreturn]] void fail(const std::string& message)
+{
+    throw files::Failure(files::ExitStatus::InputFailed, message);
+}
+
+/** Refuses options that have no meaning together. */
+void check(const Options& options)
+{
+    const bool is_json = options.format == "json" || options.format == "ndjson";
+    if (options.raw && !is_json) fail("--raw is for JSON: --format json or ndjson");
+    if (options.raw && !options.fields.empty()) fail("--raw shows whole records, so there is no --field with it");
+    if (!options.fields.empty() && !is_json && options.format != "text") fail("--field is for text and JSON: --format text, json or ndjson");
+    if (!options.output.empty() && options.format == "text" && options.fields.empty())
+        fail("--output is for what programs read: --format json, ndjson, openmetrics or prometheus");
+}
+
+std::vector<dictionary::Found> named_fields(const std::vector<std::string>& names)
+{
+    std::vector<dictionary::Found> found;
+    for (const std::string& name : names)
+    {
+        const auto field = dictionary::find(name);
+        if (!field)
+        {
+            const std::vector<std::string> nearest = views::nearest_field_names(name);
+            fail("'" + name + "' is no field; " + (nearest.empty() ? "'decstats describe' lists all" : "near it are " + joined(nearest)));
+        }
+        found.push_back(*field);
+    }
+    return found;
+}
+
+/** Leaves the wanted components in a Snapshot. Tells which records a directory does not have, unless they are not wanted. */
+void restrict(records::Snapshot& snapshot, const Options& options, const std::vector<dictionary::Found>& fields)
+{
+    std::bitset<records::component_count> wanted = options.components;
+    for (const dictionary::Found& found : fields) wanted.set(found.field->component);
+    std::string missing;
+    for (const records::Component& component : records::components())
+    {
+        if (snapshot.has(component)) continue;
+        if (wanted[component.index]) fail(files::shown(options.source) + ": no " + std::string(component.name) + " record");
+        missing += (missing.empty() ? "" : ", ") + std::string(component.name);
+    }
+    if (wanted.any())
+        snapshot.present &= wanted;
+    else if (!missing.empty() && std::filesystem::is_directory(options.source))
+        std::fprintf(stderr, "decstats: %s: no record of %s\n", files::printable(options.source).c_str(), missing.c_str());
+}
+
+std::string json(const records::Snapshot& snapshot, const Options& options, const std::vector<dictionary::Found>& fields)
+{
+    views::Selection selection;
+    for (const dictionary::Found& found : fields) selection.add(found);
+    const std::string line = options.raw ? views::raw_json(snapshot) : views::json(snapshot, fields.empty() ? nullptr : &selection);
+    return (options.format == "json" ? views::indented(line) : line) + "\n";
+}
+
+std::string rendering(const records::Snapshot& snapshot, const Options& options, const std::vector<dictionary::Found>& fields)
+{
+    if (options.format == "json" || options.format == "ndjson") return json(snapshot, options, fields);
+    if (options.format == "text") return views::field_lines(snapshot, fields);
+    const views::ExposedDecoder decoder = {&snapshot};
+    const bool is_openmetrics = options.format == "openmetrics";
+    return views::metrics({&decoder, 1}, is_openmetrics ? views::MetricsFormat::openmetrics : views::MetricsFormat::prometheus);
+}
+
+/** Writes a file that its readers see whole: the old one, then the new one. */
+void write_file(const std::string& path, const std::string& content)
+{
+    const std::filesystem::path file(path);
+    const files::LockedDirectory directory(file.has_parent_path() ? file.parent_path().string() : ".");
+    if (!file.has_filename()) fail(files::shown(path) + ": a directory, but --output names a file");
+    files::write_set(directory, {{file.filename().string(), std::as_bytes(std::span(content))}});
+}
+
+void show(const Options& options, const LibraryFile& library)
+{
+    check(options);
+    const std::vector<dictionary::Found> fields = named_fields(options.fields);
+    records::Snapshot snapshot = sources::take(options.source, options.at);
+    restrict(snapshot, options, fields);
+    if (options.format == "text" && fields.empty()) return views::print_reports(snapshot, library, options.components, options.level);
+    const std::string text = rendering(snapshot, options, fields);
+    if (options.output.empty())
+        files::print(text);
+    else
+        write_file(options.output, text);
+}
+
+} // namespace
+
+void add_show(CLI::App& app, const LibraryFile& library)
+{
+    const auto options = std::make_shared<Options>();
+    CLI::App& command = add_command(app, "show", "Show the records of a decoder as reports, JSON or metrics");
+    command.add_option("SOURCE", options->source, "sample:SCENARIO, a directory of record files, or a record file, - for standard input")
+        ->type_name("")
+        ->required();
+    add_components(command, options->components);
+    add_level(command, options->level);
+    command.add_option("--format", options->format, "text, json, ndjson (one line), openmetrics or prometheus")
+        ->check(one_of({"text", "json", "ndjson", "openmetrics", "prometheus"}))
+        ->type_name("FORMAT")
+        ->capture_default_str();
+    command.add_flag("--raw", options->raw, "JSON of all bytes as they stand in the records, nothing interpreted");
+    add_at(command, options->at);
+    command.add_option("--field", options->fields, "Show these fields only, by their public names")->type_name("NAME...");
+    command.add_option("--output", options->output, "Write this file, whole at once, instead of standard output")->type_name("FILE");
+    command.callback([options, &library] { show(*options, library); });
+}
+
+} // namespace commands

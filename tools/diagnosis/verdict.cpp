@@ -1,0 +1,137 @@
+#include "verdict.h"
+
+#include <algorithm>
+
+#include "hostsvc.h"
+
+namespace diagnosis
+{
+
+namespace
+{
+
+std::string span_of(std::int64_t seconds)
+{
+    char text[64];
+    return FormatUpTime(seconds, text, sizeof text);
+}
+
+const StageResult& at(const Result& result, Stage stage)
+{
+    return result.stages[static_cast<std::size_t>(stage)];
+}
+
+bool gone(const StageResult& stage)
+{
+    return stage.state == StageState::stopped || stage.state == StageState::no_input;
+}
+
+/** "No picture for 1m 35s" */
+std::string outage(const char* what, const StageResult& stage, const Window& window)
+{
+    std::string text = what;
+    if (!stage.last_good) return text;
+    const std::int64_t age = window.now() - *stage.last_good;
+    return age > 0 ? text + " for " + span_of(age) : text;
+}
+
+std::string headline(const Result& result, const Finding& first, const Window& window)
+{
+    if (first.rule->stage == Stage::host) return "Nothing is known any more: the records are old";
+    if (first.severity != Severity::critical) return std::string(first.rule->title);
+    const bool picture = gone(at(result, Stage::output));
+    const bool sound = gone(at(result, Stage::audio));
+    if (picture && sound) return outage("No picture and no sound", at(result, Stage::output), window);
+    if (picture) return outage("No picture", at(result, Stage::output), window);
+    if (sound) return outage("No sound", at(result, Stage::audio), window);
+    return std::string(first.rule->title);
+}
+
+Verdict bad(const Result& result, const Window& window)
+{
+    const Finding& first = result.findings.front();
+    Verdict verdict;
+    verdict.state = first.severity == Severity::critical ? StageState::stopped : StageState::degraded;
+    verdict.stage = first.rule->stage;
+    verdict.headline = headline(result, first, window);
+    verdict.place = std::string(stage_title(first.rule->stage)) + ": " + std::string(first.rule->title);
+    if (!first.detail.empty()) verdict.place += ": " + first.detail;
+    if (first.since && window.now() > *first.since) verdict.place += ", for " + span_of(window.now() - *first.since);
+    verdict.place += ".";
+    verdict.action = first.rule->remedy;
+    return verdict;
+}
+
+} // namespace
+
+Verdict doubtful(Doubt doubt)
+{
+    Verdict verdict;
+    verdict.state = StageState::unknown;
+    verdict.doubt = doubt;
+    verdict.headline = doubt == Doubt::missing ? "Cannot tell" : "Cannot tell yet";
+    switch (doubt)
+    {
+    case Doubt::starting: verdict.place = "The stream has just been started."; break;
+    case Doubt::restarted: verdict.place = "The decoder was started again within the window."; break;
+    case Doubt::gap: verdict.place = "Nothing is known of a part of the window."; break;
+    case Doubt::clock_set: verdict.place = "The system's clock was set within the window."; break;
+    case Doubt::cleared: verdict.place = "Counters were cleared within the window."; break;
+    case Doubt::missing: verdict.place = "The records of some components are missing."; break;
+    case Doubt::single:
+    case Doubt::none: break;
+    }
+    return verdict;
+}
+
+Verdict conclude(const Result& result, const Window& window)
+{
+    if (!result.findings.empty() && result.findings.front().severity != Severity::note) return bad(result, window);
+
+    const auto all = [&](auto... states)
+    { return std::ranges::all_of(result.stages, [&](const StageResult& stage) { return ((stage.state == states) || ...); }); };
+    Verdict verdict;
+    if (all(StageState::idle))
+    {
+        verdict.state = StageState::idle;
+        verdict.headline = "Idle";
+        verdict.place = "No stream was started on this decoder. That is not a fault.";
+        return verdict;
+    }
+    if (window.broken() == Break::none)
+    {
+        for (std::size_t i = 0; i < records::component_count; ++i)
+            if (window.cleared(i)) return doubtful(Doubt::cleared);
+    }
+    const StageResult& network = at(result, Stage::network);
+    if (network.state == StageState::no_input)
+    {
+        verdict.state = StageState::no_input;
+        verdict.stage = Stage::network;
+        verdict.headline = "Waiting for a sender";
+        verdict.place = "Nothing has arrived yet. That is not a fault of this decoder.";
+        return verdict;
+    }
+    // The clock may be undecided for minutes without anything being wrong.
+    const bool known = std::ranges::none_of(result.stages, [](const StageResult& stage)
+                                            { return stage.state == StageState::unknown && stage.stage != Stage::clock; });
+    if (!known) return doubtful(Doubt::missing);
+    verdict.state = StageState::working;
+    verdict.headline = "Healthy";
+    verdict.place = window.whole() ? "Every stage passes on what it gets." : "As far as one moment tells: rates cannot be seen.";
+    verdict.doubt = window.whole() ? Doubt::none : Doubt::single;
+    return verdict;
+}
+
+int exit_status(const Result& result)
+{
+    switch (result.verdict.state)
+    {
+    case StageState::stopped: return 2;
+    case StageState::degraded: return 1;
+    case StageState::unknown: return 3;
+    default: return 0;
+    }
+}
+
+} // namespace diagnosis

@@ -1,0 +1,29 @@
+#include "failure.h"
+
+namespace files
+{
+
+Failure::Failure(ExitStatus status, std::string_view message) : std::runtime_error(printable(message)), status_(status) {}
+
+std::string printable(std::string_view text)
+{
+    constexpr char digits[] = "0123456789abcdef";
+    std::string escaped;
+    escaped.reserve(text.size());
+    for (const char character : text)
+    {
+        const auto byte = static_cast<unsigned char>(character);
+        if (byte >= 0x20 && byte <= 0x7e)
+            escaped += character;
+        else
+            (escaped += "\\x").append({digits[byte >> 4], digits[byte & 0x0f]});
+    }
+    return escaped;
+}
+
+std::string shown(const std::string& path)
+{
+    return path.empty() ? "''" : path;
+}
+
+} // namespace files

@@ -1,0 +1,19 @@
+#include "standard_output.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <string>
+
+#include "failure.h"
+
+namespace files
+{
+
+void print(std::string_view text)
+{
+    if (std::fwrite(text.data(), 1, text.size(), stdout) == text.size()) return;
+    throw Failure(ExitStatus::OutputFailed, std::string("standard output: ") + std::strerror(errno));
+}
+
+} // namespace files

@@ -1,0 +1,112 @@
+#include "record_files.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <vector>
+
+#include "failure.h"
+#include "input_file.h"
+#include "output_set.h"
+
+namespace sources
+{
+
+namespace
+{
+
+[[noreturn]] void fail(const std::string& message)
+{
+    throw files::Failure(files::ExitStatus::input_failed, message);
+}
+
+std::string count_of_bytes(std::uint64_t count)
+{
+    return std::to_string(count) + (count == 1 ? " byte" : " bytes");
+}
+
+/** The size in words of a file of which count bytes were read, limit at most. */
+std::string found_size(std::size_t count, std::size_t limit, std::optional<std::uint64_t> size)
+{
+    if (count <= limit) return count_of_bytes(count);
+    return size > limit ? count_of_bytes(*size) : "more than " + count_of_bytes(limit);
+}
+
+std::string described(const records::Component& component)
+{
+    return (component.name.starts_with('a') ? "an " : "a ") + std::string(component.name) + " record";
+}
+
+std::size_t largest_record()
+{
+    return std::ranges::max_element(records::components(), {}, &records::Component::record_size)->record_size;
+}
+
+std::int64_t moment_of(const files::InputFile& file, const std::optional<At>& at)
+{
+    if (!at) return present_moment();
+    if (at->moment) return *at->moment;
+    const auto written = file.modified_at();
+    if (!written) fail(file.name() + ": is not a regular file, so it has no mtime for --at");
+    return *written;
+}
+
+} // namespace
+
+records::Snapshot record_file(const records::Component* component, const std::string& path, const std::optional<At>& at)
+{
+    files::InputFile file(path);
+    const std::optional<std::uint64_t> size = file.remaining();
+
+    // One byte more than a record shows a file that is too long, without reading all of it.
+    const std::size_t limit = component != nullptr ? component->record_size : largest_record();
+    std::vector<std::byte> bytes(limit + 1);
+    const std::size_t count = file.read(bytes);
+
+    const records::Component* const found = records::find_component_of_size(count);
+    if (component != nullptr && found != component)
+        fail(file.name() + ": " + found_size(count, limit, size) + ", but " + described(*component) + " has " + std::to_string(limit));
+    if (found == nullptr) fail(file.name() + ": " + found_size(count, limit, size) + ", which is the size of no record");
+
+    records::Snapshot snapshot;
+    snapshot.taken_at = moment_of(file, at);
+    snapshot.put(*found, std::span(bytes).first(count));
+    return snapshot;
+}
+
+records::Snapshot record_directory(const std::string& path, const std::optional<At>& at)
+{
+    std::error_code error;
+    std::vector<std::filesystem::path> paths;
+    for (std::filesystem::directory_iterator entry(path, error), end; !error && entry != end; entry.increment(error))
+        if (entry->path().extension() == ".rec" && !entry->path().filename().string().starts_with('.')) paths.push_back(entry->path());
+    if (error) fail(files::shown(path) + ": " + error.message());
+    if (paths.empty()) fail(files::shown(path) + ": no record file, *.rec");
+    std::ranges::sort(paths);
+
+    records::Snapshot all;
+    for (const std::filesystem::path& file : paths)
+    {
+        const records::Snapshot one = record_file(records::find_component(file.stem().string()), file.string(), at);
+        for (const records::Component& component : records::components())
+        {
+            if (!one.has(component)) continue;
+            if (all.has(component)) fail(file.string() + ": " + described(component) + ", of which the directory has another");
+            all.put(component, one.record(component));
+        }
+        all.taken_at = std::max(all.taken_at, one.taken_at);
+    }
+    return all;
+}
+
+void write_record_files(const records::Snapshot& snapshot, const std::string& directory)
+{
+    const files::LockedDirectory locked(directory);
+    std::vector<files::OutputFile> set;
+    for (const records::Component& component : records::components())
+        if (snapshot.has(component)) set.push_back({std::string(component.name) + ".rec", snapshot.record(component)});
+    files::write_set(locked, set);
+}
+
+} // namespace sources

@@ -1,0 +1,46 @@
+/**
+ * @file metrics.h
+ * Snapshots as metrics: OpenMetrics 1.0, and the text format 0.0.4 that Prometheus and its collectors read.
+ */
+#ifndef VIEWS_METRICS_H
+#define VIEWS_METRICS_H
+
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "snapshot.h"
+
+namespace views
+{
+
+/** A text format of metrics. */
+enum class MetricsFormat
+{
+    openmetrics, /**< https://prometheus.io/docs/specs/om/open_metrics_spec/ 1.0 */
+    prometheus,  /**< 0.0.4: no units, infos and statesets as gauges */
+};
+
+inline constexpr std::string_view openmetrics_content_type = "application/openmetrics-text; version=1.0.0; charset=utf-8";
+inline constexpr std::string_view prometheus_content_type = "text/plain; version=0.0.4; charset=utf-8";
+
+/** The state in a stateset that is true for a value without an identifier, so that exactly one is. */
+inline constexpr std::string_view other_state = "other";
+
+/** A decoder whose metrics are asked for. */
+struct ExposedDecoder
+{
+    const records::Snapshot* snapshot; /**< its last records, not NULL */
+    bool is_up = true;                 /**< they are being updated; if not, only that and when they last were is exposed */
+};
+
+/**
+ * Metrics of decoders, each with its name in the label `decoder`. What is absent, not measured or does not apply has no sample;
+ * so has a counter that is negative.
+ * @param decoders no two of a name
+ */
+std::string metrics(std::span<const ExposedDecoder> decoders, MetricsFormat format);
+
+} // namespace views
+
+#endif

@@ -1,0 +1,42 @@
+/**
+ * @file number_text.h
+ * Numbers and moments as text for programs: exact, the shortest that reads back the same, the same under every locale.
+ */
+#ifndef VIEWS_NUMBER_TEXT_H
+#define VIEWS_NUMBER_TEXT_H
+
+#include <cstdint>
+#include <span>
+#include <string>
+
+#include "dictionary.h"
+
+namespace views
+{
+
+/** Appends all digits of a number. */
+void append_integer(std::string& text, std::int64_t value);
+void append_integer(std::string& text, std::uint64_t value);
+
+/** Appends the shortest digits that read back as the same float: 29.97, 1e+20, -0.0. @param value finite */
+void append_float(std::string& text, float value);
+
+/** Appends seconds since the epoch with nine decimals, odd nanoseconds carried into the seconds: 1655208840.000000001. */
+void append_moment(std::string& text, const dictionary::Moment& moment);
+
+/**
+ * Appends a number by multiply over divide. Divisors of 10^9 give the exact decimal number, others the nearest double.
+ * @param divide not 0
+ */
+void append_scaled(std::string& text, std::int64_t value, std::uint32_t multiply, std::uint32_t divide);
+void append_scaled(std::string& text, std::uint64_t value, std::uint32_t multiply, std::uint32_t divide);
+
+/** Appends a moment as RFC 3339 writes it, in UTC with nanoseconds: 2022-06-14T12:14:00.000000000Z. @param moment [ns since the epoch] */
+void append_rfc3339(std::string& text, std::int64_t moment);
+
+/** Appends bytes as two lower-case hexadecimal digits each. */
+void append_hex(std::string& text, std::span<const std::byte> bytes);
+
+} // namespace views
+
+#endif

@@ -1,0 +1,99 @@
+#include "value_text.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <netdb.h>
+#include <sys/socket.h>
+
+#include "hostsvc.h"
+#include "number_text.h"
+
+namespace views
+{
+
+namespace
+{
+
+using dictionary::States;
+namespace states = dictionary::states;
+
+/** A service that names the values of a state. */
+struct Service
+{
+    const States* states;
+    char* (*name)(int, char*, std::size_t);
+};
+
+/** The H.273 services take unsigned code points. */
+template <char* (*Name)(unsigned int, char*, std::size_t)> char* of_code_point(int code, char* buffer, std::size_t size)
+{
+    return Name(static_cast<unsigned int>(code), buffer, size);
+}
+
+constexpr std::array services = {
+    Service{&states::tdemux_state, SessMgr_GetTDemuxStateString},
+    Service{&states::encapsulation, SessMgr_GetStreamEncapsulationString},
+    Service{&states::data_type, SessMgr_GetTDemuxDataTypeString},
+    Service{&states::compression, SessMgr_GetTDemuxCompressionTypeString},
+    Service{&states::vframer_state, SessMgr_GetVFramerStateString},
+    Service{&states::chroma_format, SessMgr_GetVideoColorTypeString},
+    Service{&states::dynamic_range, SessMgr_GetVideoHDRTypeString},
+    Service{&states::session_error, SessMgr_GetErrorString},
+    Service{&states::colour_primaries, of_code_point<SessMgr_GetVideoColourPrimariesString>},
+    Service{&states::transfer_characteristics, of_code_point<SessMgr_GetVideoTransferCharacteristicsString>},
+    Service{&states::matrix_coefficients, of_code_point<SessMgr_GetVideoMatrixCoefficientsString>},
+    Service{&states::vdecoder_state, SessMgr_GetVCUDecoderStateString},
+    Service{&states::picture_structure, SessMgr_GetVCUDecoderPicStructureString},
+    Service{&states::still_image_type, SessMgr_GetDecoderSdiStillImageString},
+    Service{&states::codec_unit_error, SessMgr_GetVCUDecoderErrorString},
+    Service{&states::audio_state, SessMgr_GetAudioDecoderStateString},
+    Service{&states::metadata_state, SessMgr_GetMetadataStateString},
+    Service{&states::buffering_state, SessMgr_GetCBufferingStatusString},
+    Service{&states::buffering_mode, SessMgr_GetCBufferingModeString},
+};
+
+/** As the reports explain it: address lookups have negative codes. The C locale's words, whatever locale is set. */
+std::string system_error_text(int code)
+{
+    if (code < 0) return gai_strerror(code);
+    const char* text = strerrordesc_np(code);
+    return text != nullptr ? text : "Unknown error " + std::to_string(code);
+}
+
+/** Whether a field is an address: its family stands in front of it. */
+bool is_address(const dictionary::Field& field)
+{
+    return field.full_name.ends_with(".ip");
+}
+
+} // namespace
+
+std::optional<std::string> state_text(const dictionary::Field& field, std::int64_t code)
+{
+    if (field.states == &states::errno_or_eai) return system_error_text(static_cast<int>(code));
+    const auto service = std::ranges::find(services, field.states, &Service::states);
+    if (service == services.end()) return std::nullopt;
+    std::array<char, 256> buffer;
+    return service->name(static_cast<int>(code), buffer.data(), buffer.size());
+}
+
+std::string bytes_text(const dictionary::Field& field, std::span<const std::byte> record)
+{
+    const auto bytes = record.subspan(field.offset(), field.size);
+    const std::int64_t family = is_address(field) ? dictionary::integer(dictionary::fields()[field.index - 1u], record) : AF_UNSPEC;
+    if (family == AF_INET || family == AF_INET6)
+    {
+        SMGR_IP_ADDRESS address = {};
+        address.enType = static_cast<int>(family);
+        std::memcpy(address.acAddress, bytes.data(), std::min(bytes.size(), sizeof address.acAddress));
+        std::array<char, 64> buffer;
+        return SessMgr_GetIPAddressString(&address, buffer.data(), buffer.size());
+    }
+
+    std::string text;
+    append_hex(text, bytes);
+    return text;
+}
+
+} // namespace views

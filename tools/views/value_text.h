@@ -1,0 +1,32 @@
+/**
+ * @file value_text.h
+ * Values as words: what the services call a state's value, and names and addresses as people write them.
+ */
+#ifndef VIEWS_VALUE_TEXT_H
+#define VIEWS_VALUE_TEXT_H
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+
+#include "dictionary.h"
+
+namespace views
+{
+
+/** What the reports call a state's value. @param code as dictionary::integer reads it @return nothing = no service names it */
+std::optional<std::string> state_text(const dictionary::Field& field, std::int64_t code);
+
+/**
+ * An identity of bytes. An address reads 192.0.2.10 or 2001:db8::1 (RFC 5952) by the family beside it, anything else as two
+ * hexadecimal digits for each byte.
+ * @param field  of type bytes
+ * @param record the bytes of its component's record
+ */
+std::string bytes_text(const dictionary::Field& field, std::span<const std::byte> record);
+
+} // namespace views
+
+#endif
