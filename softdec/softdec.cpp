@@ -6,16 +6,19 @@
 #include <cstdio>
 #include <cstring>
 #include <memory>
+#include <optional>
 #include <string>
 #include <thread>
 
 #include <CLI/CLI.hpp>
 
 #include "chain/chain.h"
+#include "chain/publication.h"
 #include "chain/record_files.h"
 #include "chain/report.h"
 #include "input/file_source.h"
 #include "input/pcap_source.h"
+#include "input/socket_source.h"
 #include "release.h"
 
 namespace
@@ -33,6 +36,8 @@ enum ExitStatus
 struct Request
 {
     std::string input;
+    std::string name;
+    std::string directory;
     std::string records;
     bool report = false;
     std::string level = "default";
@@ -47,12 +52,20 @@ softdec::Nanoseconds wall_clock()
     return std::chrono::nanoseconds(std::chrono::system_clock::now().time_since_epoch()).count();
 }
 
-std::unique_ptr<softdec::Source> open_source(const std::string& input)
+/** An input, and whether it runs as fast as the clock by its nature. */
+struct Input
 {
-    if (input.ends_with(".pcap") || input.ends_with(".pcapng")) return std::make_unique<softdec::PcapSource>(input);
-    if (input.ends_with(".ts") || input.ends_with(".m2t") || input.ends_with(".mpegts"))
-        return std::make_unique<softdec::FileSource>(input);
-    throw softdec::InputError(input + ": expected a file FILE.pcap or FILE.ts");
+    std::unique_ptr<softdec::Source> source;
+    bool live = false;
+};
+
+Input open_input(const std::string& input)
+{
+    if (input.starts_with("udp://")) return {std::make_unique<softdec::SocketSource>(input.substr(6), false), true};
+    if (input.starts_with("rtp://")) return {std::make_unique<softdec::SocketSource>(input.substr(6), true), true};
+    if (input.ends_with(".pcap")) return {std::make_unique<softdec::PcapSource>(input)};
+    if (input.ends_with(".ts")) return {std::make_unique<softdec::FileSource>(input)};
+    throw softdec::InputError(input + ": expected FILE.pcap, FILE.ts, udp://[GROUP@]ADDRESS:PORT or rtp://[GROUP@]ADDRESS:PORT");
 }
 
 /** Waits until as much time has passed as on the chain's clock. */
@@ -72,19 +85,34 @@ private:
 
 void run(const Request& request)
 {
-    const auto source = open_source(request.input);
-    const bool live = request.speed == "live";
-    softdec::Chain chain({.has_arrivals = source->has_arrivals(), .decode = !request.no_decode, .live = live, .start = wall_clock()});
+    const Input input = open_input(request.input);
+    softdec::Source& source = *input.source;
+    const bool paced = !input.live && request.speed == "live";
+    const bool live = input.live || paced;
+    softdec::Chain chain({.has_arrivals = source.has_arrivals(), .decode = !request.no_decode, .live = live, .start = wall_clock()});
+    std::optional<softdec::Publication> publication;
+    if (!request.name.empty())
+        publication.emplace(request.name, request.directory,
+                            softdec::Abilities{.has_arrivals = source.has_arrivals(), .decode = !request.no_decode, .live = live});
     Pace pace;
     softdec::Datagram datagram;
     while (stop_requested == 0)
     {
-        const auto result = source->next(datagram);
+        const auto result = source.next(datagram);
         if (result == softdec::Source::Result::end) break;
-        if (live) pace.wait_for(datagram.arrival.value_or(chain.clock().now()));
-        chain.take(datagram, source->status());
+        if (result == softdec::Source::Result::nothing)
+        {
+            chain.run_to(wall_clock());
+        }
+        else
+        {
+            if (paced) pace.wait_for(datagram.arrival.value_or(chain.clock().now()));
+            chain.take(datagram, source.status());
+        }
+        if (publication) publication->offer(chain);
     }
     chain.finish();
+    if (publication) publication->publish(chain);
 
     const records::Records& records = chain.records();
     if (!request.records.empty()) softdec::write_record_files(records, request.records);
@@ -96,7 +124,14 @@ int parse_and_run(int argc, char** argv)
     Request request;
     CLI::App app("Receives an MPEG transport stream, decodes it, and keeps the records of a decoder.", "softdec");
     app.set_version_flag("--version", version_line, "Print the version of softdec and exit");
-    app.add_option("INPUT", request.input, "FILE.pcap or FILE.ts")->required();
+    app.add_option("INPUT", request.input,
+                   "FILE.pcap, FILE.ts, udp://[GROUP@]ADDRESS:PORT, or rtp://[GROUP@]ADDRESS:PORT with FEC on the ports + 2 and + 4")
+        ->required()
+        ->type_name("");
+    CLI::Option* name = app.add_option("--name", request.name, "Publish the records as those of a decoder of this name")->type_name("NAME");
+    app.add_option("--directory", request.directory, "Publish in this directory instead of " STATS_PUBLISH_DIRECTORY)
+        ->type_name("DIR")
+        ->needs(name);
     app.add_option("--records", request.records, "At the end, write the records into this existing directory, COMPONENT.rec each")
         ->type_name("DIR");
     app.add_flag("--report", request.report, "At the end, print the reports");

@@ -44,19 +44,11 @@ private:
         Channel channel;
         std::uint32_t overflows = 0; // as the kernel counts them, from 0
     };
-    /** A datagram that has been read. */
-    struct Waiting
-    {
-        Channel channel;
-        Nanoseconds arrival;
-        std::size_t size;
-    };
     void receive(Socket& socket);
 
     std::vector<Socket> sockets_;
     std::vector<std::uint8_t> buffers_;
-    std::vector<Waiting> waiting_; // in buffers_ by index, sorted by arrival
-    std::vector<std::size_t> order_;
+    std::vector<Datagram> waiting_; // in buffers_, in the order of their arrival
     std::size_t taken_ = 0;
 };
 
