@@ -28,7 +28,8 @@ Chain::Chain(const Settings& settings)
              {.program = [this](const Program& program) { configure(program); },
               .packet = [this](ElementaryPacket packet) { buffering_.take(std::move(packet)); },
               .pcr = [this](Pcr pcr, std::optional<Nanoseconds> arrival) { return arrival_of(pcr, arrival); }}),
-      buffering_(clock_, recovery_, records_.buffering, [this](ElementaryPacket packet) { decode(std::move(packet)); }),
+      buffering_(clock_, recovery_, records_.buffering, settings.has_arrivals,
+                 [this](ElementaryPacket packet) { decode(std::move(packet)); }),
       framer_(clock_, records_.vframer, [this](Picture picture) { take_picture(std::move(picture)); }),
       decoder_(clock_, records_.vdecoder, settings.live, [this](const DecodedPicture& picture) { show(picture); }),
       output_(clock_, records_.vdecoder), metadata_(clock_, records_.metadata)

@@ -153,7 +153,6 @@ void Reception::update(std::uint64_t packets)
     record_.nUpTimeInSecs = static_cast<SMGR_COUNTER>((clock_.now() - started_) / second);
     record_.tCounters.nBitsPerSecond = static_cast<unsigned>(std::min(bits_.rate(clock_.now()), 4e9));
     if (!has_arrivals_) record_.tCounters.nNumReceivedPackets = packets;
-    if (has_arrivals_ && clock_.now() - last_arrival_ >= stream_gone) record_.enState = SMGR_TDEMUX_STATS_STATE_LISTENING;
 }
 
 } // namespace softdec

@@ -17,8 +17,9 @@ constexpr Ticks longest_wait = 10 * ticks_per_second;
 
 } // namespace
 
-Buffering::Buffering(const VirtualClock& clock, const ClockRecovery& recovery, SMGR_CBUFFERING_STATS& record, Output output)
-    : clock_(clock), recovery_(recovery), record_(record), output_(std::move(output)), delay_(least_delay)
+Buffering::Buffering(const VirtualClock& clock, const ClockRecovery& recovery, SMGR_CBUFFERING_STATS& record, bool has_arrivals,
+                     Output output)
+    : clock_(clock), recovery_(recovery), record_(record), has_arrivals_(has_arrivals), output_(std::move(output)), delay_(least_delay)
 {
     record_.enBufferingMode = SMGR_DECSDI_BUFFERING_AUTOMATIC;
     record_.nMinDelayMs = static_cast<UINT>(milliseconds(least_delay));
@@ -96,7 +97,7 @@ void Buffering::measure_jitter(std::size_t index, const ElementaryPacket& packet
     const Ticks distance = *packet.dts - *sender;
     channel.nPCRtoPTSTimeMsActual = milliseconds(*packet.pts - *sender);
     auto& state = channels_[index];
-    if (state.last_distance)
+    if (has_arrivals_ && state.last_distance)
     {
         const auto jitter = static_cast<UINT>(milliseconds(std::abs(distance - *state.last_distance)));
         channel.nJitterTimeMsActual = jitter;

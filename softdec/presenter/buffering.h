@@ -26,7 +26,7 @@ class Buffering
 public:
     using Output = std::function<void(ElementaryPacket)>;
 
-    Buffering(const VirtualClock& clock, const ClockRecovery& recovery, SMGR_CBUFFERING_STATS& record, Output output);
+    Buffering(const VirtualClock& clock, const ClockRecovery& recovery, SMGR_CBUFFERING_STATS& record, bool has_arrivals, Output output);
 
     /** The program is another one: the places of the streams hold others. */
     void configure(const std::vector<ElementaryStream>& streams);
@@ -69,6 +69,7 @@ private:
     const VirtualClock& clock_;
     const ClockRecovery& recovery_;
     SMGR_CBUFFERING_STATS& record_;
+    const bool has_arrivals_; // without arrival times there is no jitter to measure
     Output output_;
     std::array<Channel, SMGR_CBUFFERING_MAX_CHANNELS> channels_;
     Nanoseconds transport_hold_ = 0;
