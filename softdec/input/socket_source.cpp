@@ -43,7 +43,7 @@ struct Target
 
 [[noreturn]] void fail(const std::string& text, const std::string& why)
 {
-    throw InputError(text + ": " + why);
+    throw InputError("udp address " + text + ": " + why);
 }
 
 bool parse_address(std::string_view text, Address& address)
