@@ -1,5 +1,5 @@
 # The CMake package decoder-stats: decoder-stats::stats is the report library, decoder-stats::hostsvc the services that it takes
-# from the host process, decoder-stats::hostsvc-static the archive of them.
+# from the host process, decoder-stats::hostsvc-static the archive of them; decoder-stats::statspublish publishes records.
 include("${CMAKE_CURRENT_LIST_DIR}/decoder-stats-targets.cmake")
 
 # A host process need not call the services itself, so linkers that drop unused libraries would drop this one. It is named once

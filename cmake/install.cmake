@@ -7,24 +7,24 @@ set(header_folder ${CMAKE_INSTALL_INCLUDEDIR}/decoder-stats)
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/decoder-stats)
 set(pkgconfig_folder ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
-add_custom_target(delivered DEPENDS stats hostsvc hostsvc_archive decstats)
+add_custom_target(delivered DEPENDS stats hostsvc hostsvc_archive statspublish decstats)
 
 # ---- The libraries ----
 
 # The SOVERSION counts the interfaces: it goes up when a record, an enumeration or a function changes so that host processes
 # have to be built anew.
-set_target_properties(stats hostsvc PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION 1)
+set_target_properties(stats hostsvc statspublish PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION 1)
 set_target_properties(hostsvc_archive PROPERTIES EXPORT_NAME hostsvc-static)
 
 # The headers' folders are for this build: what is installed has a folder of its own.
-foreach(library stats hostsvc hostsvc_archive)
+foreach(library stats hostsvc hostsvc_archive statspublish)
     foreach(property INTERFACE_INCLUDE_DIRECTORIES INTERFACE_LINK_LIBRARIES)
         get_target_property(value ${library} ${property})
         set_target_properties(${library} PROPERTIES ${property} "$<BUILD_INTERFACE:${value}>")
     endforeach()
 endforeach()
 
-install(TARGETS stats hostsvc hostsvc_archive EXPORT decoder-stats
+install(TARGETS stats hostsvc hostsvc_archive statspublish EXPORT decoder-stats
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
         ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
         INCLUDES DESTINATION ${header_folder})
@@ -38,7 +38,7 @@ install(FILES cmake/decoder-stats-config.cmake ${CMAKE_CURRENT_BINARY_DIR}/decod
         DESTINATION ${package_folder})
 
 file(RELATIVE_PATH prefix_of_pkgconfig ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
-foreach(library stats hostsvc)
+foreach(library stats hostsvc statspublish)
     configure_file(cmake/lib${library}.pc.in lib${library}.pc @ONLY)
     install(FILES ${CMAKE_CURRENT_BINARY_DIR}/lib${library}.pc DESTINATION ${pkgconfig_folder})
 endforeach()
@@ -72,10 +72,13 @@ foreach(page ${manual_pages})
     install(FILES ${page} DESTINATION ${CMAKE_INSTALL_MANDIR}/${section})
 endforeach()
 
-# Each exported function leads to the page of the library.
-file(READ src/libstats.map map)
-string(REGEX MATCHALL "(STATS_|_Get)[A-Za-z]+" functions "${map}")
-foreach(function ${functions})
-    file(CONFIGURE OUTPUT ${function}.3 CONTENT ".so man3/libstats.3\n")
-    install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${function}.3 DESTINATION ${CMAKE_INSTALL_MANDIR}/man3)
+# Each exported function leads to the page of its library.
+foreach(library stats statspublish)
+    get_target_property(folder ${library} SOURCE_DIR)
+    file(READ ${folder}/lib${library}.map map)
+    string(REGEX MATCHALL "(STATS_|_Get)[A-Za-z]+" functions "${map}")
+    foreach(function ${functions})
+        file(CONFIGURE OUTPUT ${function}.3 CONTENT ".so man3/lib${library}.3\n")
+        install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${function}.3 DESTINATION ${CMAKE_INSTALL_MANDIR}/man3)
+    endforeach()
 endforeach()

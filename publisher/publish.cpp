@@ -19,9 +19,13 @@
 
 using namespace publisher;
 
-struct tagSTATS_PUBLISHER
+namespace
 {
-    tagSTATS_PUBLISHER* next = nullptr;
+
+/** What a STATS_PUBLISHER* points to. Another name, because hosts are to know no type of it. */
+struct Publisher
+{
+    Publisher* next = nullptr;
     std::atomic<unsigned>* live = nullptr; /**< in a page that the kernel clears in the child of a fork */
     File file;
     Slot* records[component_count] = {};
@@ -29,13 +33,10 @@ struct tagSTATS_PUBLISHER
     Slot* not_measured = nullptr;
 };
 
-namespace
-{
-
 // ---- Fork ----
 
 pthread_mutex_t publishers_lock = PTHREAD_MUTEX_INITIALIZER;
-STATS_PUBLISHER* publishers = nullptr;
+Publisher* publishers = nullptr;
 pthread_once_t fork_once = PTHREAD_ONCE_INIT;
 int fork_error = 0;
 
@@ -52,7 +53,7 @@ void unlock_publishers()
 /** Lets go of the descriptors, so that the parent's locks end with the parent. */
 void leave_to_parent()
 {
-    for (STATS_PUBLISHER* publisher = publishers; publisher != nullptr; publisher = publisher->next)
+    for (Publisher* publisher = publishers; publisher != nullptr; publisher = publisher->next)
     {
         publisher->live->store(0, std::memory_order_relaxed); // for a kernel that does not clear the page
         release_file(publisher->file);
@@ -129,7 +130,7 @@ void read_boot_id(std::uint8_t (&id)[16])
     }
 }
 
-void fill(STATS_PUBLISHER& publisher, const Header& header)
+void fill(Publisher& publisher, const Header& header)
 {
     std::memcpy(publisher.file.bytes, image().data(), image().size());
     std::memcpy(publisher.file.bytes, &header, sizeof header);
@@ -158,12 +159,12 @@ std::atomic<unsigned>* new_live_flag()
 }
 
 /** @return 0, or the error number */
-int allocate(STATS_PUBLISHER*& publisher)
+int allocate(Publisher*& publisher)
 {
     pthread_once(&fork_once, watch_forks);
     if (fork_error != 0) return fork_error;
-    const STATS_PUBLISHER empty;
-    publisher = static_cast<STATS_PUBLISHER*>(std::malloc(sizeof empty));
+    const Publisher empty;
+    publisher = static_cast<Publisher*>(std::malloc(sizeof empty));
     if (publisher == nullptr) return ENOMEM;
     *publisher = empty;
     publisher->live = new_live_flag();
@@ -172,15 +173,15 @@ int allocate(STATS_PUBLISHER*& publisher)
     return ENOMEM;
 }
 
-void release(STATS_PUBLISHER* publisher)
+void release(Publisher* publisher)
 {
     munmap(publisher->live, sizeof *publisher->live);
     std::free(publisher);
 }
 
-void take_out(const STATS_PUBLISHER* publisher)
+void take_out(const Publisher* publisher)
 {
-    for (STATS_PUBLISHER** link = &publishers; *link != nullptr; link = &(*link)->next)
+    for (Publisher** link = &publishers; *link != nullptr; link = &(*link)->next)
     {
         if (*link != publisher) continue;
         *link = publisher->next;
@@ -188,20 +189,34 @@ void take_out(const STATS_PUBLISHER* publisher)
     }
 }
 
+void beat(const Publisher& publisher)
+{
+    const std::uint64_t alive_at = now(CLOCK_MONOTONIC_COARSE); // a clock that nobody sets, and that a suspended machine stops
+    write_slot<sizeof alive_at>(*publisher.heartbeat, now(CLOCK_REALTIME_COARSE), &alive_at);
+}
+
 /** Creates the file and fills it before it gets its name. */
-bool open_file(STATS_PUBLISHER& publisher, const Header& header, const char* directory, const char* decoder, STATS_PUBLISH_ERROR* error)
+bool open_file(Publisher& publisher, const Header& header, const char* directory, const char* decoder, STATS_PUBLISH_ERROR* error)
 {
     if (!create_file(publisher.file, directory, decoder, header.file_size, error)) return false;
     fill(publisher, header);
-    STATS_PublishHeartbeat(&publisher);
+    beat(publisher);
     return put_in_place(publisher.file, directory, error);
 }
 
 // ---- Publishing ----
 
-template <typename Record> void publish(STATS_PUBLISHER* publisher, Component component, const Record* record)
+/** @return the publisher, or NULL where there is none, or it is the parent's of a fork */
+Publisher* own(STATS_PUBLISHER* handle)
 {
-    if (publisher == nullptr || record == nullptr || publisher->live->load(std::memory_order_relaxed) == 0) return;
+    auto* publisher = reinterpret_cast<Publisher*>(handle);
+    return publisher == nullptr || publisher->live->load(std::memory_order_relaxed) == 0 ? nullptr : publisher;
+}
+
+template <typename Record> void publish(STATS_PUBLISHER* handle, Component component, const Record* record)
+{
+    const Publisher* publisher = own(handle);
+    if (publisher == nullptr || record == nullptr) return;
     // The coarse clock is read from memory on every machine; its steps of some milliseconds are finer than any host publishes.
     write_slot<sizeof *record>(*publisher->records[component], now(CLOCK_REALTIME_COARSE), record);
 }
@@ -220,7 +235,7 @@ long bit_of(const char* name)
         const auto* rows = reinterpret_cast<const FieldRow*>(&layout + 1);
         for (std::uint32_t i = 0; i < layout.field_count; ++i)
             if (std::strlen(wanted) == rows[i].name_length && std::memcmp(wanted, bytes + rows[i].name_offset, rows[i].name_length) == 0)
-                return static_cast<long>(layout.first_field + i);
+                return static_cast<long>(layout.first_field) + static_cast<long>(i);
     }
     return -1;
 }
@@ -242,7 +257,7 @@ STATS_PUBLISHER* STATS_PublishOpen(const char* szDecoder, const char* szDirector
     header.heartbeat_interval = nHeartbeatMs == 0 ? STATS_PUBLISH_HEARTBEAT_MS : nHeartbeatMs;
     header.started_at = static_cast<std::int64_t>(now(CLOCK_REALTIME_COARSE));
     read_boot_id(header.boot_id);
-    STATS_PUBLISHER* publisher = nullptr;
+    Publisher* publisher = nullptr;
     int number = draw(header.instance) ? 0 : errno;
     if (number == 0) number = allocate(publisher);
     if (number != 0)
@@ -259,7 +274,7 @@ STATS_PUBLISHER* STATS_PublishOpen(const char* szDecoder, const char* szDirector
         publishers = publisher;
     }
     unlock_publishers();
-    if (opened) return publisher;
+    if (opened) return reinterpret_cast<STATS_PUBLISHER*>(publisher);
     release(publisher);
     return nullptr;
 }
@@ -267,9 +282,10 @@ STATS_PUBLISHER* STATS_PublishOpen(const char* szDecoder, const char* szDirector
 BOOL STATS_PublishNotMeasured(STATS_PUBLISHER* pPublisher, const char* const* pszFields, size_t nCount, STATS_PUBLISH_ERROR* pError)
 {
     set_error(pError, STATS_PUBLISH_OK, "%s", "");
-    if (pPublisher == nullptr || pPublisher->live->load(std::memory_order_relaxed) == 0) return TRUE;
+    const Publisher* publisher = own(pPublisher);
+    if (publisher == nullptr) return TRUE;
     std::uint64_t bits[not_measured_words];
-    for (std::size_t i = 0; i < not_measured_words; ++i) bits[i] = words(*pPublisher->not_measured)[i].load(std::memory_order_relaxed);
+    for (std::size_t i = 0; i < not_measured_words; ++i) bits[i] = words(*publisher->not_measured)[i].load(std::memory_order_relaxed);
     for (std::size_t i = 0; i < nCount; ++i)
     {
         const long bit = pszFields[i] == nullptr ? -1 : bit_of(pszFields[i]);
@@ -280,15 +296,13 @@ BOOL STATS_PublishNotMeasured(STATS_PUBLISHER* pPublisher, const char* const* ps
         }
         bits[bit / 64] |= std::uint64_t{1} << bit % 64;
     }
-    write_words(*pPublisher->not_measured, now(CLOCK_REALTIME_COARSE), bits, not_measured_words);
+    write_words(*publisher->not_measured, now(CLOCK_REALTIME_COARSE), bits, not_measured_words);
     return TRUE;
 }
 
 void STATS_PublishHeartbeat(STATS_PUBLISHER* pPublisher)
 {
-    if (pPublisher == nullptr || pPublisher->live->load(std::memory_order_relaxed) == 0) return;
-    const std::uint64_t alive_at = now(CLOCK_MONOTONIC_COARSE); // a clock that nobody sets, and that a suspended machine stops
-    write_slot<sizeof alive_at>(*pPublisher->heartbeat, now(CLOCK_REALTIME_COARSE), &alive_at);
+    if (const Publisher* publisher = own(pPublisher)) beat(*publisher);
 }
 
 void STATS_PublishForTDemux(STATS_PUBLISHER* pPublisher, const SMGR_TDEMUX_STATS* pStats)
@@ -333,11 +347,12 @@ void STATS_PublishForDecoderUsage(STATS_PUBLISHER* pPublisher, const SMGR_DECODE
 
 void STATS_PublishClose(STATS_PUBLISHER* pPublisher)
 {
-    if (pPublisher == nullptr || pPublisher->live->load(std::memory_order_relaxed) == 0) return;
+    Publisher* publisher = own(pPublisher);
+    if (publisher == nullptr) return;
     lock_publishers();
-    take_out(pPublisher);
-    remove_file(pPublisher->file);
-    release_file(pPublisher->file);
+    take_out(publisher);
+    remove_file(publisher->file);
+    release_file(publisher->file);
     unlock_publishers();
-    release(pPublisher);
+    release(publisher);
 }

@@ -248,6 +248,9 @@ void Simulation::suffer()
 {
     auto& demux = r_.tTDemux;
     auto& link = demux.Xport.SRT;
+    const long usual = std::lround(1e6 / datagram_rate_);
+    demux.tCounters.nRxPacketToPacketIntervalUs = static_cast<unsigned long>(usual + noise(usual / 4));
+    demux.tCounters.nExternalRxPacketToPacketIntervalUs = static_cast<unsigned long>(usual + noise(usual / 4));
     if (chance(1.0 / 20, 1))
     {
         const long lost = 20 + std::abs(noise(180));
@@ -256,7 +259,7 @@ void Simulation::suffer()
         link.nXmitNakPkts += static_cast<unsigned long>(lost * 3 / 4);
         link.nDroppedPkts += static_cast<unsigned long>(late);
         link.nDroppedBytes += static_cast<unsigned long>(late) * static_cast<unsigned long>(datagram_bytes_);
-        demux.tCounters.nRxPacketToPacketIntervalUs = static_cast<unsigned long>(60000 + 1000 * std::abs(noise(300)));
+        demux.tCounters.nRxPacketToPacketIntervalUs = static_cast<unsigned long>(20000 + 1000 * std::abs(noise(60)));
         demux.tCounters.nExternalRxPacketToPacketIntervalUs = demux.tCounters.nRxPacketToPacketIntervalUs;
         RAISE(demux.tCounters, nRxPacketToPacketIntervalUs, nMaxRxPacketToPacketIntervalUs, tMaxRxPacketToPacketInterval);
         RAISE(demux.tCounters, nExternalRxPacketToPacketIntervalUs, nMaxExternalRxPacketToPacketIntervalUs,

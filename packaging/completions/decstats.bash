@@ -11,7 +11,7 @@ _decstats()
     # What stands before the cursor: the command, the number of its arguments, and an option that waits for its value.
     for ((i = 1; i < COMP_CWORD; ++i)); do
         case ${COMP_WORDS[i]} in
-        --library | --level | --component | --at)
+        --library | --level | --component | --at | --format | --field | --output)
             option=${COMP_WORDS[i]}
             [[ ${COMP_WORDS[i + 1]} == '=' ]] && ((++i))
             ((++i < COMP_CWORD)) && option=''
@@ -25,22 +25,28 @@ _decstats()
     COMPREPLY=()
     local words='' files=''
     case $option:$command:$arguments in
-    --library:*) files=default ;;
+    --library:* | --output:*) files=default ;;
     --level:*) words='default debug' ;;
     --at:*) words=mtime ;;
+    --format:describe:*) words='text json' ;;
+    --format:*) words='text json ndjson openmetrics prometheus' ;;
+    --field:*) words=$("${COMP_WORDS[0]}" describe --format json 2>/dev/null | sed -n 's/^      "name": "\(.*\)",$/\1/p') ;;
     --component:*) words=$components ;;
-    ::*) words='demo print sample version' ;;
+    ::*) words='show describe demo print sample version' ;;
     :demo:0) [[ $list ]] || words=$("${COMP_WORDS[0]}" demo --list 2>/dev/null | cut -d ' ' -f 1) ;;
     :sample:0) words=$("${COMP_WORDS[0]}" demo --list 2>/dev/null | cut -d ' ' -f 1) ;;
     :sample:1) files=dirnames ;;
     :print:0) words=$components ;;
-    :print:1 | :version:0) files=default ;;
+    :describe:*) words=$components ;;
+    :print:1 | :version:0 | :show:0) files=default ;;
     esac
 
     if [[ ! $option && $current == -* ]]; then
         files=''
         words='--library --help --version'
         case $command in
+        show) words+=' --component --level --format --raw --at --field --output' ;;
+        describe) words+=' --format --schema' ;;
         demo) words+=' --level --component'; ((arguments)) || words+=' --list' ;;
         print) words+=' --level --at' ;;
         esac

@@ -101,7 +101,7 @@ private:
         contents_.host = text_of(header_.host);
         if (!is_name(contents_.decoder)) return damaged("its decoder has no valid name");
         std::ranges::copy(header_.instance, contents_.instance.id.begin());
-        contents_.instance.started_at = header_.started_at;
+        contents_.instance.started_at = std::max<std::int64_t>(header_.started_at, 0);
         contents_.heartbeat_interval = std::int64_t{header_.heartbeat_interval} * 1'000'000;
         return true;
     }

@@ -27,9 +27,9 @@ struct Record
 /** What a file holds. Every slot lies within the file and is aligned. */
 struct Contents
 {
-    std::string decoder; /**< a valid name */
-    std::string host;    /**< any bytes */
-    records::Instance instance = {};
+    std::string decoder;                                       /**< a valid name */
+    std::string host;                                          /**< any bytes */
+    records::Instance instance = {};                           /**< started_at is not negative */
     std::int64_t heartbeat_interval = 0;                       /**< above 0 [ns] */
     std::size_t size = 0;                                      /**< of the file [bytes] */
     std::array<Record, records::component_count> records = {}; /**< by records::Component::index */

@@ -49,6 +49,12 @@ bool is_locked(int descriptor)
     return fcntl(descriptor, F_OFD_GETLK, &query) == 0 && query.l_type != F_UNLCK;
 }
 
+/** A moment out of a file: never negative, so that the time since then can be computed. */
+std::int64_t believable(std::uint64_t moment)
+{
+    return std::max<std::int64_t>(static_cast<std::int64_t>(moment), 0);
+}
+
 /** Reads a slot; while its writer is alive, more than once. */
 RecordState read_slot(const Slot& slot, bool has_writer, std::int64_t& moment, std::span<std::uint64_t> words)
 {
@@ -57,7 +63,7 @@ RecordState read_slot(const Slot& slot, bool has_writer, std::int64_t& moment, s
         std::uint64_t written_at = 0;
         switch (publisher::read_slot(slot, written_at, words.data(), words.size()))
         {
-        case Attempt::whole: moment = static_cast<std::int64_t>(written_at); return RecordState::whole;
+        case Attempt::whole: moment = believable(written_at); return RecordState::whole;
         case Attempt::empty: return RecordState::never;
         case Attempt::changing: break;
         }
@@ -227,8 +233,8 @@ void Decoder::find_state(Status& status, bool has_writer) const
     std::uint64_t beat_at = 0;
     std::int64_t written_at = 0;
     const RecordState beat = read_slot(slot_at(mapping_, contents_.heartbeat_slot), true, written_at, std::span(&beat_at, 1));
-    status.heartbeat_age = beat == RecordState::whole ? std::max<std::int64_t>(now(CLOCK_MONOTONIC) - static_cast<std::int64_t>(beat_at), 0)
-                                                      : hung_after_intervals * contents_.heartbeat_interval + 1;
+    status.heartbeat_age = hung_after_intervals * contents_.heartbeat_interval + 1; // where it was cut off in the middle
+    if (beat == RecordState::whole) status.heartbeat_age = std::max<std::int64_t>(now(CLOCK_MONOTONIC) - believable(beat_at), 0);
     const auto is_published = [](const RecordStatus& record) { return record.state != RecordState::never; };
     if (status.heartbeat_age > hung_after_intervals * contents_.heartbeat_interval)
     {

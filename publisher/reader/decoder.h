@@ -60,7 +60,7 @@ enum class RecordState
 struct RecordStatus
 {
     RecordState state = RecordState::never;
-    std::int64_t published_at = 0; /**< where it is whole [ns since the epoch, UTC] */
+    std::int64_t published_at = 0; /**< where it is whole, never negative [ns since the epoch, UTC] */
 };
 
 /** What is known of a decoder at one moment. Only state and text are always set; the rest where has_records(). */

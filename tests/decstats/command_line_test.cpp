@@ -10,6 +10,7 @@
 namespace
 {
 
+const std::string command_list = "show, describe, demo, print, sample, version";
 const std::string component_list = "tdemux, vframer, vdecoder, audio, metadata, buffering, clock-recovery, usage";
 
 std::string scenario_list()
@@ -69,15 +70,15 @@ TEST(CommandLine, VersionAtEveryLevel)
 
 TEST(CommandLine, NoCommand)
 {
-    const std::string line = "decstats: which command? The commands are demo, print, sample, version; see 'decstats --help'";
+    const std::string line = "decstats: which command? The commands are " + command_list + "; see 'decstats --help'";
     expect_usage_error({}, line);
     expect_usage_error({"--library", "libstats.so"}, line);
 }
 
 TEST(CommandLine, UnknownCommand)
 {
-    expect_usage_error({"dump"}, "decstats: 'dump' is not a command; the commands are demo, print, sample, version");
-    expect_usage_error({""}, "decstats: '' is not a command; the commands are demo, print, sample, version");
+    expect_usage_error({"dump"}, "decstats: 'dump' is not a command; the commands are " + command_list);
+    expect_usage_error({""}, "decstats: '' is not a command; the commands are " + command_list);
 }
 
 TEST(CommandLine, UnknownOption)

@@ -33,28 +33,28 @@ const std::vector<std::string> long_report = {"--library", PARTIAL_STATS_FILE, "
 TEST(Output, FullDevice)
 {
     for (const auto& arguments : commands)
-        expect_output_error({.arguments = arguments, .output = Output::FullDevice}, "No space left on device");
-    expect_output_error({.arguments = long_report, .output = Output::FullDevice}, "No space left on device");
+        expect_output_error({.arguments = arguments, .output = Output::full_device}, "No space left on device");
+    expect_output_error({.arguments = long_report, .output = Output::full_device}, "No space left on device");
 }
 
 TEST(Output, FullDeviceWhileARecordIsPrinted)
 {
     const ScratchDirectory directory;
     ASSERT_EQ(run({"sample", "idle", directory.path()}).status, 0);
-    expect_output_error({.arguments = {"print", "tdemux", directory / "tdemux.rec"}, .output = Output::FullDevice},
+    expect_output_error({.arguments = {"print", "tdemux", directory / "tdemux.rec"}, .output = Output::full_device},
                         "No space left on device");
 }
 
 TEST(Output, ClosedPipe)
 {
-    for (const auto& arguments : commands) expect_output_error({.arguments = arguments, .output = Output::ClosedPipe}, "Broken pipe");
-    expect_output_error({.arguments = long_report, .output = Output::ClosedPipe}, "Broken pipe");
+    for (const auto& arguments : commands) expect_output_error({.arguments = arguments, .output = Output::closed_pipe}, "Broken pipe");
+    expect_output_error({.arguments = long_report, .output = Output::closed_pipe}, "Broken pipe");
 }
 
 TEST(Output, ClosedAtTheStart)
 {
-    for (const auto& arguments : commands) expect_output_error({.arguments = arguments, .output = Output::Closed}, "Bad file descriptor");
-    expect_output_error({.arguments = long_report, .output = Output::Closed}, "Bad file descriptor");
+    for (const auto& arguments : commands) expect_output_error({.arguments = arguments, .output = Output::closed}, "Bad file descriptor");
+    expect_output_error({.arguments = long_report, .output = Output::closed}, "Bad file descriptor");
 }
 
 TEST(Output, ALongReportArrivesWhole)

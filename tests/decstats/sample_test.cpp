@@ -97,7 +97,7 @@ TEST(Sample, LeavesOtherFilesAlone)
 TEST(Sample, NeedsNoStandardStreams)
 {
     const ScratchDirectory directory;
-    const Finish finish = run({.arguments = {"sample", "idle", directory.path()}, .closed_input = true, .output = Output::Closed});
+    const Finish finish = run({.arguments = {"sample", "idle", directory.path()}, .closed_input = true, .output = Output::closed});
     EXPECT_EQ(finish.err, "");
     EXPECT_EQ(finish.status, 0);
     EXPECT_EQ(directory.names(), all_files);

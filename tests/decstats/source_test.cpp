@@ -26,7 +26,7 @@ std::string failure_of(const std::string& source, const std::optional<sources::A
     }
     catch (const files::Failure& failure)
     {
-        EXPECT_EQ(failure.status(), files::ExitStatus::InputFailed);
+        EXPECT_EQ(failure.status(), files::ExitStatus::input_failed);
         return failure.what();
     }
     return "no failure";

@@ -145,13 +145,13 @@ Finish run(const Start& start)
         actions.use(in.reader(), STDIN_FILENO);
     switch (start.output)
     {
-    case Output::Captured: actions.use(out.writer(), STDOUT_FILENO); break;
-    case Output::FullDevice: actions.open(STDOUT_FILENO, "/dev/full", O_WRONLY); break;
-    case Output::ClosedPipe:
+    case Output::captured: actions.use(out.writer(), STDOUT_FILENO); break;
+    case Output::full_device: actions.open(STDOUT_FILENO, "/dev/full", O_WRONLY); break;
+    case Output::closed_pipe:
         out.close_reader();
         actions.use(out.writer(), STDOUT_FILENO);
         break;
-    case Output::Closed: actions.close(STDOUT_FILENO); break;
+    case Output::closed: actions.close(STDOUT_FILENO); break;
     }
     actions.use(err.writer(), STDERR_FILENO);
 

@@ -12,10 +12,10 @@
 /** Where standard output goes. */
 enum class Output
 {
-    Captured,
-    FullDevice, /**< every write fails with ENOSPC */
-    ClosedPipe, /**< a pipe that nobody reads */
-    Closed,     /**< not open at all */
+    captured,
+    full_device, /**< every write fails with ENOSPC */
+    closed_pipe, /**< a pipe that nobody reads */
+    closed,      /**< not open at all */
 };
 
 /** What a process is started with. */
@@ -25,7 +25,7 @@ struct Start
     std::vector<std::string> input = {};        /**< pieces for a pipe on standard input, with a pause between them */
     std::optional<std::string> input_file = {}; /**< standard input instead of the pipe */
     bool closed_input = false;                  /**< no standard input at all */
-    Output output = Output::Captured;
+    Output output = Output::captured;
     bool error_terminal = false;  /**< standard error is a terminal */
     std::string tool = {};        /**< file of decstats; empty = the one that was built */
     std::string shell_setup = {}; /**< shell commands that run in the process first, as "umask 027" */

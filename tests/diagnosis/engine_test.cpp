@@ -123,8 +123,8 @@ TEST(Samples, TroubleStopsAtTheLinkAndHasTroublesOfItsOwn)
         EXPECT_EQ(state(result, Stage::buffering), StageState::degraded);
         EXPECT_EQ(diagnosis::exit_status(result), 2);
     }
-    // Its picture is gone since the format changed: 95 s, and 10 s more.
-    EXPECT_EQ(diagnosis::diagnose(before, now).verdict.headline, "No picture and no sound for 1m 45s");
+    // Its picture is gone since the format changed, its sound since the passphrase did: 95 and 15 s, and 10 s more.
+    EXPECT_EQ(diagnosis::diagnose(before, now).verdict.headline, "No picture for 1m 45s, no sound for 25s");
     EXPECT_EQ(state(diagnosis::diagnose(before, now), Stage::network), StageState::working);
 }
 

@@ -31,14 +31,14 @@ offers()
     fi
 }
 
-offers 'demo print sample version' ''
-offers 'demo' d
+offers 'show describe demo print sample version' ''
+offers 'describe demo' d
 offers '' x
 offers '--library --help --version' -
 offers '<default>' --library ''
 offers '<default>' --library = ''
-offers 'demo print sample version' --library libstats.so ''
-offers 'demo print sample version' --library = libstats.so ''
+offers 'show describe demo print sample version' --library libstats.so ''
+offers 'show describe demo print sample version' --library = libstats.so ''
 
 offers "$scenarios" demo ''
 offers "$scenarios" --library libstats.so demo ''
@@ -68,6 +68,19 @@ offers 'mtime' print usage file.rec --at ''
 offers '<default>' print --at mtime usage ''
 offers '' print usage file.rec ''
 
+offers '<default>' show ''
+offers '' show idle ''
+offers '--library --help --version --component --level --format --raw --at --field --output' show idle -
+offers 'text json ndjson openmetrics prometheus' show idle --format ''
+offers 'json' show --format j
+offers "$components" show idle --component ''
+offers '<default>' show idle --output ''
+offers 'tdemux.srt.rtt' show idle --field tdemux.srt.rt
+offers "$components" describe ''
+offers 'audio' describe usage a
+offers '--library --help --version --format --schema' describe -
+offers 'text json' describe --format ''
+
 offers "$scenarios" sample ''
 offers '<dirnames>' sample idle ''
 offers '' sample idle folder ''
@@ -95,7 +108,7 @@ if command -v fish >/dev/null; then
         actual=$(fish --no-config -c "source '$fish'; complete -C '$2'" | cut -f 1 | sort | paste -sd ' ')
         [[ $actual == "$1" ]] || { echo "fish: '$2' offers: $actual"; echo "expected: $1"; status=1; }
     }
-    fish_offers 'demo print sample version' 'decstats '
+    fish_offers 'demo describe print sample show version' 'decstats '
     fish_offers "$(tr ' ' '\n' <<<"$scenarios" | sort | paste -sd ' ')" 'decstats demo '
     fish_offers "$(tr ' ' '\n' <<<"$components" | sort | paste -sd ' ')" 'decstats print --level debug '
     fish_offers 'debug default' 'decstats demo idle --level '

@@ -14,7 +14,7 @@ sed "s|@LIBDIR@|$libdir|; s/@VERSION@/$version/" "$list" | LC_ALL=C sort >"$scra
     LC_ALL=C sort >"$scratch/installed"
 diff "$scratch/expected" "$scratch/installed" || fail "the installed files differ"
 
-for library in stats hostsvc; do
+for library in stats hostsvc statspublish; do
     file=$prefix/$libdir/lib$library.so.$version
     soname=$(readelf -d "$file" | sed -n 's/.*(SONAME).*\[\(.*\)\]/\1/p')
     [ "$soname" = "lib$library.so.1" ] || fail "$file has the SONAME $soname"

@@ -12,7 +12,7 @@ fail() { echo "$*" >&2; status=1; }
 version=$(sed -n '1s/.*(\(.*\)).*/\1/p' "$source/packaging/debian/changelog")
 epoch=$(sed -n 's/^#define RELEASE_EPOCH *\([0-9]*\).*/\1/p' "$source/src/release.h")
 multiarch=$(dpkg-architecture -q DEB_HOST_MULTIARCH)
-names="libstats1 libhostsvc1 libstats-dev decstats"
+names="libstats1 libhostsvc1 libstatspublish1 libstats-dev decstats"
 
 # The archives hold no moment but the release's, and no folder of this machine.
 for package in "$folder"/*.deb; do

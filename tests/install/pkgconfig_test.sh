@@ -8,8 +8,8 @@ scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 export PKG_CONFIG_LIBDIR="$libraries/pkgconfig" LD_LIBRARY_PATH="$libraries"
 
-pkg-config --validate libstats libhostsvc
-for module in libstats libhostsvc; do
+pkg-config --validate libstats libhostsvc libstatspublish
+for module in libstats libhostsvc libstatspublish; do
     found=$(pkg-config --modversion $module)
     [ "$found" = "$version" ] || { echo "pkg-config finds $module $found"; exit 1; }
 done
@@ -32,3 +32,8 @@ for linker in bfd gold lld; do
     "$scratch/$linker" >"$scratch/actual" || { echo "linked with $linker"; exit 1; }
     grep -qx '  Get Stats  *: 1024 (Last One: Never)' "$scratch/actual"
 done
+
+# A publishing host needs no other library.
+# shellcheck disable=SC2046 # lists of words
+"$cc" -std=c11 -o "$scratch/publishing" "$examples/publishing_host.c" $(pkg-config --cflags --libs libstatspublish)
+"$scratch/publishing" "$scratch" || { echo "does not publish"; exit 1; }

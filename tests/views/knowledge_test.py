@@ -1,6 +1,7 @@
 """Reports, JSON, raw JSON, metrics, descriptions and manual pages know the same fields."""
 import json
 import os
+import pathlib
 import re
 import subprocess
 import unittest
@@ -130,6 +131,21 @@ class Knowledge(unittest.TestCase):
         words = {word.rstrip(",;").split("{")[0] for word in page.split()}
         self.assertEqual({field["name"] for field in self.fields} - words, set())
         self.assertEqual({field["metric"]["name"] for field in self.fields if field["metric"]} - words, set())
+
+    def test_examples_of_the_json_page(self):
+        """Its metrics exist, and its commands print something."""
+        source = pathlib.Path(MAN, "decstats-json.5").read_text()
+        known = {field["metric"]["name"] for field in self.fields if field["metric"]}
+        named = set(re.findall(r"decoder_\w+", source))
+        self.assertEqual(named - known, {"decoder_up", "decoder_last_update_timestamp_seconds"})
+        examples = source[source.index(".Sh EXAMPLES") : source.index("In Prometheus")]
+        commands = re.findall(r"^(?:\.Dl )?\$ ((?:.*\n)+?)(?=\.)", examples, re.M)
+        self.assertEqual(len(commands), 3)
+        for command in commands:
+            command = command.replace("\\(aq", "'").replace("\\e", "\\")
+            path = os.path.dirname(DECSTATS) + ":" + os.environ["PATH"]
+            out = subprocess.run(["sh", "-c", command], stdout=subprocess.PIPE, check=True, text=True, env=dict(os.environ, PATH=path)).stdout
+            self.assertTrue(out.strip(), command)
 
 
 if __name__ == "__main__":

@@ -39,7 +39,7 @@ struct Options
 
 [[noreturn]] void fail(const std::string& message)
 {
-    throw files::Failure(files::ExitStatus::InputFailed, message);
+    throw files::Failure(files::ExitStatus::input_failed, message);
 }
 
 /** Refuses options that have no meaning together. */
@@ -48,7 +48,8 @@ void check(const Options& options)
     const bool is_json = options.format == "json" || options.format == "ndjson";
     if (options.raw && !is_json) fail("--raw is for JSON: --format json or ndjson");
     if (options.raw && !options.fields.empty()) fail("--raw shows whole records, so there is no --field with it");
-    if (!options.fields.empty() && !is_json && options.format != "text") fail("--field is for text and JSON: --format text, json or ndjson");
+    if (!options.fields.empty() && !is_json && options.format != "text")
+        fail("--field is for text and JSON: --format text, json or ndjson");
     if (!options.output.empty() && options.format == "text" && options.fields.empty())
         fail("--output is for what programs read: --format json, ndjson, openmetrics or prometheus");
 }
@@ -101,7 +102,9 @@ std::string rendering(const records::Snapshot& snapshot, const Options& options,
     if (options.format == "text") return views::field_lines(snapshot, fields);
     const views::ExposedDecoder decoder = {&snapshot};
     const bool is_openmetrics = options.format == "openmetrics";
-    return views::metrics({&decoder, 1}, is_openmetrics ? views::MetricsFormat::openmetrics : views::MetricsFormat::prometheus);
+    std::string text;
+    views::write_metrics(text, {&decoder, 1}, is_openmetrics ? views::MetricsFormat::openmetrics : views::MetricsFormat::prometheus);
+    return text;
 }
 
 /** Writes a file that its readers see whole: the old one, then the new one. */

@@ -94,7 +94,7 @@ Found find(const Window& window, const std::vector<bool>& recent)
     constexpr std::size_t earlier = SIZE_MAX; // something that has passed
     for (std::size_t i = 0; i < candidates.size(); ++i)
     {
-        for (std::size_t j = 0; j < i && candidates[i].root == i; ++j)
+        for (std::size_t j = i; j-- > 0 && candidates[i].root == i;) // the nearest cause, and what that follows from
             if (explains(candidates[j].place, candidates[i].place))
                 candidates[i].root = candidates[j].root == earlier ? j : candidates[j].root;
         for (std::size_t cause = 0; cause < recent.size() && candidates[i].root == i; ++cause)

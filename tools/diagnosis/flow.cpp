@@ -58,7 +58,7 @@ constinit const Reading buffering_dropped{"buffering.dropped_packets"};
 
 const std::array<Flow, stage_count> flows = {{
     {Stage::network, &received, nullptr, &received, &last_received, {&srt_lost, &fec_missing}, "packets"},
-    {Stage::link, &received, &undecrypted, &received, &last_received, {&srt_late, &undecrypted, &fec_lost}, "packets"},
+    {Stage::link, &received, &undecrypted, &received, &ts_last, {&srt_late, &undecrypted, &fec_lost}, "packets"},
     {Stage::ts, &source_received, nullptr, &source_output, &ts_last, {}, "packets"},
     {Stage::clock, &pcr_updates, nullptr, &pcr_updates, &last_pcr, {&late_pcrs, &pcr_errors}, "updates"},
     {Stage::framer, &framer_received, nullptr, &framer_output, &framer_last, {&framer_dropped, &framer_dropped_pictures}, "pictures"},

@@ -41,7 +41,8 @@ std::string headline(const Result& result, const Finding& first, const Window& w
     if (first.severity != Severity::critical) return std::string(first.rule->title);
     const bool picture = gone(at(result, Stage::output));
     const bool sound = gone(at(result, Stage::audio));
-    if (picture && sound) return outage("No picture and no sound", at(result, Stage::output), window);
+    if (picture && sound)
+        return outage("No picture", at(result, Stage::output), window) + outage(", no sound", at(result, Stage::audio), window);
     if (picture) return outage("No picture", at(result, Stage::output), window);
     if (sound) return outage("No sound", at(result, Stage::audio), window);
     return std::string(first.rule->title);
@@ -54,7 +55,8 @@ Verdict bad(const Result& result, const Window& window)
     verdict.state = first.severity == Severity::critical ? StageState::stopped : StageState::degraded;
     verdict.stage = first.rule->stage;
     verdict.headline = headline(result, first, window);
-    verdict.place = std::string(stage_title(first.rule->stage)) + ": " + std::string(first.rule->title);
+    verdict.place = std::string(stage_title(first.rule->stage));
+    if (verdict.headline != first.rule->title) verdict.place += ": " + std::string(first.rule->title);
     if (!first.detail.empty()) verdict.place += ": " + first.detail;
     if (first.since && window.now() > *first.since) verdict.place += ", for " + span_of(window.now() - *first.since);
     verdict.place += ".";

@@ -13,7 +13,7 @@ namespace files
 void print(std::string_view text)
 {
     if (std::fwrite(text.data(), 1, text.size(), stdout) == text.size()) return;
-    throw Failure(ExitStatus::OutputFailed, std::string("standard output: ") + std::strerror(errno));
+    throw Failure(ExitStatus::output_failed, std::string("standard output: ") + std::strerror(errno));
 }
 
 } // namespace files

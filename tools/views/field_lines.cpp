@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "number_text.h"
+#include "presence.h"
 #include "utf8.h"
 #include "value_text.h"
 
@@ -61,11 +62,10 @@ std::string value_text(const Field& field, Record record, std::size_t element)
 void append_line(std::string& text, const records::Snapshot& snapshot, const Field& field, std::size_t element)
 {
     const Record record = snapshot.record(dictionary::component_of(field));
-    const bool has_value = !snapshot.not_measured[field.index] && dictionary::applies(field, record, element) &&
-                           !dictionary::is_absent(field, record, element);
     text += dictionary::element_name(field, element);
     text += ' ';
-    text += has_value ? value_text(field, record, element) : "-";
+    text += dictionary::applies(field, record, element) && has_value(snapshot, field, record, element) ? value_text(field, record, element)
+                                                                                                       : "-";
     if (!field.unit.empty()) text += ' ';
     text += field.unit;
     text += '\n';

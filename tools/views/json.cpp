@@ -6,6 +6,7 @@
 #include "field_tree.h"
 #include "json_writer.h"
 #include "number_text.h"
+#include "presence.h"
 #include "utf8.h"
 #include "value_text.h"
 
@@ -52,7 +53,7 @@ public:
 private:
     bool is_wanted(const Field& field, Record record, std::size_t element) const
     {
-        return (selection_ == nullptr || selection_->has(field, element)) && dictionary::applies(field, record, element);
+        return (selection_ == nullptr || selection_->has(field, element)) && applies_in_use(field, record, element);
     }
 
     bool has_any(const FieldNode& block, Record record, std::size_t element) const
@@ -91,7 +92,7 @@ private:
 
     void field_member(std::string_view name, const Field& field, Record record, std::size_t element)
     {
-        if (snapshot_.not_measured[field.index] || dictionary::is_absent(field, record, element))
+        if (!has_value(snapshot_, field, record, element))
         {
             writer_.key(name);
             writer_.null();

@@ -90,7 +90,10 @@ public:
     using PrettyWriter::PrettyWriter;
 
     // The library's own would put the digits in quotes.
-    bool RawNumber(const char* digits, rapidjson::SizeType length, bool /*copy*/) { return RawValue(digits, length, rapidjson::kNumberType); }
+    bool RawNumber(const char* digits, rapidjson::SizeType length, bool /*copy*/)
+    {
+        return RawValue(digits, length, rapidjson::kNumberType);
+    }
 };
 
 } // namespace

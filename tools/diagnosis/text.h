@@ -1,0 +1,27 @@
+/**
+ * @file text.h
+ * Results for people.
+ */
+#ifndef DIAGNOSIS_TEXT_H
+#define DIAGNOSIS_TEXT_H
+
+#include <string>
+#include <vector>
+
+#include "diagnosis.h"
+
+namespace diagnosis
+{
+
+/** A result: the verdict, the chain with a line for each stage, the findings with their evidence and what to do now. */
+std::string text(const Result& result);
+
+/** Findings over time, with their begin and end. */
+std::string text(const std::vector<Episode>& episodes);
+
+/** A field that a finding rests on, with its value: "tdemux.srt.key_state is bad_secret". */
+std::string text(const Proof& proof, const Result& result);
+
+} // namespace diagnosis
+
+#endif
