@@ -27,8 +27,13 @@ std::string rendering(std::string_view view, const records::Snapshot& snapshot)
     if (view == "json") return views::json(snapshot);
     if (view == "raw") return views::raw_json(snapshot);
     const views::ExposedDecoder decoder = {&snapshot};
-    if (view == "openmetrics") return views::metrics({&decoder, 1}, views::MetricsFormat::openmetrics);
-    if (view == "prometheus") return views::metrics({&decoder, 1}, views::MetricsFormat::prometheus);
+    static std::string text;
+    const bool is_openmetrics = view == "openmetrics";
+    if (is_openmetrics || view == "prometheus")
+    {
+        views::write_metrics(text, {&decoder, 1}, is_openmetrics ? views::MetricsFormat::openmetrics : views::MetricsFormat::prometheus);
+        return text;
+    }
     std::fprintf(stderr, "render_snapshots: json, raw, openmetrics or prometheus?\n");
     std::exit(2);
 }
@@ -49,7 +54,7 @@ bool read(records::Snapshot& snapshot)
 
 int main(int argc, char** argv)
 {
-    std::setlocale(LC_ALL, "");
+    std::setlocale(LC_NUMERIC, ""); // system error texts follow LC_MESSAGES, which the tool leaves at "C"
     records::Snapshot snapshot;
     snapshot.decoder = "tested \"decoder\" \\ \xFF";
     snapshot.instance = {.id = {0xAB, 0xCD}, .started_at = 1'655'208'840'000'000'001};

@@ -35,6 +35,13 @@ records::Snapshot snapshot_of(const std::string& decoder)
     return snapshot;
 }
 
+std::string metrics(std::span<const ExposedDecoder> decoders, MetricsFormat format)
+{
+    std::string text;
+    views::write_metrics(text, decoders, format);
+    return text;
+}
+
 std::size_t index_of(std::string_view name)
 {
     return dictionary::find(name)->field->index;
@@ -69,8 +76,8 @@ TEST(Json, ASelectionHasItsFieldsOnly)
     views::Selection selection;
     selection.add(*dictionary::find("tdemux.received_packets"));
     selection.add(*dictionary::find("tdemux.sources[2].pid"));
-    EXPECT_TRUE(has(views::json(snapshot, &selection),
-                    R"("components":{"tdemux":{"sources":[{"index":2,"pid":33}],"received_packets":5}}})"));
+    EXPECT_TRUE(
+        has(views::json(snapshot, &selection), R"("components":{"tdemux":{"sources":[{"index":2,"pid":33}],"received_packets":5}}})"));
     views::Selection other;
     other.add(*dictionary::find("tdemux.sources[1].pid"));
     EXPECT_TRUE(has(views::json(snapshot, &other), R"("components":{"tdemux":{}}})"));
@@ -86,16 +93,16 @@ TEST(Metrics, WhatIsNotMeasuredHasNoSample)
 {
     records::Snapshot snapshot = snapshot_of("a");
     const ExposedDecoder decoder = {&snapshot};
-    EXPECT_TRUE(has(views::metrics({&decoder, 1}, MetricsFormat::openmetrics), "decoder_tdemux_received_packets_total{"));
+    EXPECT_TRUE(has(metrics({&decoder, 1}, MetricsFormat::openmetrics), "decoder_tdemux_received_packets_total{"));
     snapshot.not_measured.set(index_of("tdemux.received_packets"));
-    EXPECT_FALSE(has(views::metrics({&decoder, 1}, MetricsFormat::openmetrics), "decoder_tdemux_received_packets"));
+    EXPECT_FALSE(has(metrics({&decoder, 1}, MetricsFormat::openmetrics), "decoder_tdemux_received_packets"));
 }
 
 TEST(Metrics, OfADecoderThatIsGoneOnlyThatRemains)
 {
     const records::Snapshot snapshot = snapshot_of("gone");
     const ExposedDecoder decoder = {&snapshot, false};
-    EXPECT_EQ(views::metrics({&decoder, 1}, MetricsFormat::openmetrics),
+    EXPECT_EQ(metrics({&decoder, 1}, MetricsFormat::openmetrics),
               "# HELP decoder_up 1 = the decoder's records are being updated, 0 = they no longer are\n"
               "# TYPE decoder_up gauge\n"
               "decoder_up{decoder=\"gone\"} 0\n"
@@ -111,11 +118,24 @@ TEST(Metrics, AFamilyHasTheSamplesOfAllDecoders)
     const records::Snapshot one = snapshot_of("one");
     const records::Snapshot other = snapshot_of("other");
     const ExposedDecoder decoders[] = {{&one}, {&other}};
-    EXPECT_TRUE(has(views::metrics(decoders, MetricsFormat::prometheus),
+    EXPECT_TRUE(has(metrics(decoders, MetricsFormat::prometheus),
                     "# TYPE decoder_tdemux_source_received_packets_total counter\n"
                     "decoder_tdemux_source_received_packets_total{decoder=\"one\",source=\"2\",type=\"unknown\",pid=\"33\"} 4\n"
                     "decoder_tdemux_source_received_packets_total{decoder=\"other\",source=\"2\",type=\"unknown\",pid=\"33\"} 4\n"
                     "# HELP "));
+}
+
+TEST(Metrics, TheTextTakesThePlaceOfAnother)
+{
+    const records::Snapshot snapshot = snapshot_of("a");
+    const ExposedDecoder up = {&snapshot};
+    const ExposedDecoder gone = {&snapshot, false};
+    std::string text = "something else";
+    for (const ExposedDecoder& decoder : {up, gone, up})
+    {
+        views::write_metrics(text, {&decoder, 1}, MetricsFormat::openmetrics);
+        EXPECT_EQ(text, metrics({&decoder, 1}, MetricsFormat::openmetrics));
+    }
 }
 
 TEST(Metrics, AComponentThatIsNotThereHasNone)
@@ -123,7 +143,7 @@ TEST(Metrics, AComponentThatIsNotThereHasNone)
     records::Snapshot snapshot = snapshot_of("a");
     snapshot.present.reset(records::find_component("tdemux")->index);
     const ExposedDecoder decoder = {&snapshot};
-    const std::string text = views::metrics({&decoder, 1}, MetricsFormat::openmetrics);
+    const std::string text = metrics({&decoder, 1}, MetricsFormat::openmetrics);
     EXPECT_FALSE(has(text, "tdemux"));
     EXPECT_TRUE(has(text, "decoder_vframer_state{"));
 }
@@ -133,7 +153,7 @@ TEST(Metrics, ANegativeCounterHasNoSample)
     records::Snapshot snapshot = snapshot_of("a");
     snapshot.records.clock_recovery.pcrJitterErrCount = -1;
     const ExposedDecoder decoder = {&snapshot};
-    EXPECT_FALSE(has(views::metrics({&decoder, 1}, MetricsFormat::openmetrics), "decoder_clock_recovery_pcr_jitter_errors"));
+    EXPECT_FALSE(has(metrics({&decoder, 1}, MetricsFormat::openmetrics), "decoder_clock_recovery_pcr_jitter_errors"));
     EXPECT_TRUE(has(views::json(snapshot), R"("pcr_jitter_errors":-1,)"));
 }
 
@@ -156,7 +176,7 @@ TEST(Metrics, MemoryDoesNotGrow)
     {
         for (int i = 0; i < times; ++i)
             for (const MetricsFormat format : {MetricsFormat::openmetrics, MetricsFormat::prometheus})
-                ASSERT_FALSE(views::metrics({&decoder, 1}, format).empty());
+                ASSERT_FALSE(metrics({&decoder, 1}, format).empty());
     };
     render(2);
     const std::size_t before = mallinfo2().uordblks + mallinfo2().hblkhd;
@@ -197,9 +217,8 @@ TEST(NumberText, Products)
 {
     const auto scaled = [](auto value, std::uint32_t multiply, std::uint32_t divide)
     {
-        std::string text;
-        views::append_scaled(text, value, multiply, divide);
-        return text;
+        char text[views::number_size];
+        return std::string(text, views::write_scaled(text, value, multiply, divide));
     };
     EXPECT_EQ(scaled(std::int64_t{-1'500}, 1, 1'000), "-1.5");
     EXPECT_EQ(scaled(std::int64_t{1}, 1, 1'000'000), "0.000001");
@@ -240,11 +259,11 @@ TEST(Utf8, EachPartThatIsNoneIsReplacedOnce)
 {
     const std::string replaced = "\xEF\xBF\xBD";
     EXPECT_EQ(views::valid_utf8("gr\xC3\xB6\xC3\x9F"), "gr\xC3\xB6\xC3\x9F");
-    EXPECT_EQ(views::valid_utf8("\xE2\x82"), replaced);                                  // cut off
-    EXPECT_EQ(views::valid_utf8("a\xE2\x82z"), "a" + replaced + "z");                    // broken off
-    EXPECT_EQ(views::valid_utf8("\xC0\xAF"), replaced + replaced);                       // overlong
-    EXPECT_EQ(views::valid_utf8("\xED\xA0\x80"), replaced + replaced + replaced);        // a surrogate
-    EXPECT_EQ(views::valid_utf8("\xF4\x8F\xBF\xBF"), "\xF4\x8F\xBF\xBF");                // the last character
+    EXPECT_EQ(views::valid_utf8("\xE2\x82"), replaced);                           // cut off
+    EXPECT_EQ(views::valid_utf8("a\xE2\x82z"), "a" + replaced + "z");             // broken off
+    EXPECT_EQ(views::valid_utf8("\xC0\xAF"), replaced + replaced);                // overlong
+    EXPECT_EQ(views::valid_utf8("\xED\xA0\x80"), replaced + replaced + replaced); // a surrogate
+    EXPECT_EQ(views::valid_utf8("\xF4\x8F\xBF\xBF"), "\xF4\x8F\xBF\xBF");         // the last character
     EXPECT_EQ(views::valid_utf8("\xF4\x90\x80\x80"), replaced + replaced + replaced + replaced);
 }
 

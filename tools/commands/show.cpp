@@ -85,7 +85,9 @@ std::string rendering(const records::Snapshot& snapshot, const Options& options,
     if (options.format == "text") return views::field_lines(snapshot, fields);
     const views::ExposedDecoder decoder = {&snapshot};
     const bool is_openmetrics = options.format == "openmetrics";
-    return views::metrics({&decoder, 1}, is_openmetrics ? views::MetricsFormat::openmetrics : views::MetricsFormat::prometheus);
+    std::string text;
+    views::write_metrics(text, {&decoder, 1}, is_openmetrics ? views::MetricsFormat::openmetrics : views::MetricsFormat::prometheus);
+    return text;
 }
 
 /** Writes a file that its readers see whole: the old one, then the new one. */

@@ -118,7 +118,8 @@ std::string metric_text(const Field& field)
 
 std::string relation_text(Relation relation, std::string_view other)
 {
-    constexpr std::string_view words[] = {"", "when this last happened: ", "when this was reached: ", "the largest of ", "the smallest of "};
+    constexpr std::string_view words[] = {"", "when this last happened: ", "when this was reached: ", "the largest of ",
+                                          "the smallest of "};
     return std::string(words[static_cast<std::size_t>(relation)]) + std::string(other);
 }
 

@@ -101,7 +101,8 @@ void field_object(JsonWriter& writer, const Field& field)
     writer.member("kind", dictionary::kind_name(field.kind));
     optional_member(writer, "unit", field.unit);
     optional_member(writer, "absent", field.absent);
-    optional_member(writer, "absent_with", field.absent_with == dictionary::no_field ? "" : dictionary::fields()[field.absent_with].full_name);
+    optional_member(writer, "absent_with",
+                    field.absent_with == dictionary::no_field ? "" : dictionary::fields()[field.absent_with].full_name);
     optional_member(writer, "applies", applicability(field));
     states_member(writer, field);
     report_lines_member(writer, field);

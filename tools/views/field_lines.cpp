@@ -1,5 +1,6 @@
 #include "field_lines.h"
 
+#include "presence.h"
 #include "value_text.h"
 
 namespace views
@@ -14,11 +15,10 @@ using Record = std::span<const std::byte>;
 void append_line(std::string& text, const records::Snapshot& snapshot, const Field& field, std::size_t element)
 {
     const Record record = snapshot.record(dictionary::component_of(field));
-    const bool has_value = !snapshot.not_measured[field.index] && dictionary::applies(field, record, element) &&
-                           !dictionary::is_absent(field, record, element);
     text += dictionary::element_name(field, element);
     text += ' ';
-    text += has_value ? value_text(field, record, element) : "-";
+    text += dictionary::applies(field, record, element) && has_value(snapshot, field, record, element) ? value_text(field, record, element)
+                                                                                                       : "-";
     if (!field.unit.empty()) text += ' ';
     text += field.unit;
     text += '\n';

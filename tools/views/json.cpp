@@ -5,6 +5,7 @@
 #include "field_tree.h"
 #include "json_values.h"
 #include "json_writer.h"
+#include "presence.h"
 
 namespace views
 {
@@ -48,7 +49,7 @@ public:
 private:
     bool is_wanted(const Field& field, Record record, std::size_t element) const
     {
-        return (selection_ == nullptr || selection_->has(field, element)) && dictionary::applies(field, record, element);
+        return (selection_ == nullptr || selection_->has(field, element)) && applies_in_use(field, record, element);
     }
 
     bool has_any(const FieldNode& block, Record record, std::size_t element) const

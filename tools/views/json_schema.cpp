@@ -27,8 +27,13 @@ public:
         w_.member("title", "The statistics of a video decoder at one moment");
         w_.member("type", "object");
         w_.words_member("required", {"schema"});
-        w_.object_member("properties", [this] { w_.object_member("schema", [this] { w_.words_member("enum", {json_schema_id, raw_json_schema_id}); }); });
-        w_.object_member("if", [this] { w_.object_member("properties", [this] { w_.object_member("schema", [this] { w_.member("const", json_schema_id); }); }); });
+        w_.object_member("properties",
+                         [this] {
+                             w_.object_member("schema", [this] { w_.words_member("enum", {json_schema_id, raw_json_schema_id}); });
+                         });
+        w_.object_member(
+            "if", [this]
+            { w_.object_member("properties", [this] { w_.object_member("schema", [this] { w_.member("const", json_schema_id); }); }); });
         w_.object_member("then", [this] { w_.member("$ref", "#/$defs/snapshot"); });
         w_.object_member("else", [this] { w_.member("$ref", "#/$defs/raw_snapshot"); });
         w_.object_member("$defs", [this] { definitions(); });
@@ -40,19 +45,19 @@ private:
     void definitions()
     {
         w_.object_member("digits",
-               [this]
-               {
-                   w_.member("type", "string");
-                   w_.member("pattern", "^-?[0-9]+(\\.[0-9]{9})?$");
-                   w_.member("description", "all digits of the number beside it");
-               });
+                         [this]
+                         {
+                             w_.member("type", "string");
+                             w_.member("pattern", "^-?[0-9]+(\\.[0-9]{9})?$");
+                             w_.member("description", "all digits of the number beside it");
+                         });
         w_.object_member("moment",
-               [this]
-               {
-                   w_.member("type", "string");
-                   w_.member("format", "date-time");
-                   w_.member("pattern", "^[0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9]{2}:[0-9]{2}:[0-9]{2}\\.[0-9]{9}Z$");
-               });
+                         [this]
+                         {
+                             w_.member("type", "string");
+                             w_.member("format", "date-time");
+                             w_.member("pattern", "^[0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9]{2}:[0-9]{2}:[0-9]{2}\\.[0-9]{9}Z$");
+                         });
         std::vector<const dictionary::States*> written;
         for (const Field& field : dictionary::fields())
             if (field.states != nullptr && std::ranges::find(written, field.states) == written.end())
@@ -67,19 +72,19 @@ private:
     void states(const dictionary::States& states)
     {
         w_.object_member(states.name,
-               [&]
-               {
-                   w_.member("type", "object");
-                   w_.words_member("required", {"value", "name", "text"});
-                   w_.object_member("properties",
-                          [&]
-                          {
-                              w_.object_member("value", [this] { w_.member("type", "integer"); });
-                              reference("value_s", "digits");
-                              w_.object_member("name", [&] { state_names(states); });
-                              w_.object_member("text", [this] { w_.words_member("type", {"string", "null"}); });
-                          });
-               });
+                         [&]
+                         {
+                             w_.member("type", "object");
+                             w_.words_member("required", {"value", "name", "text"});
+                             w_.object_member("properties",
+                                              [&]
+                                              {
+                                                  w_.object_member("value", [this] { w_.member("type", "integer"); });
+                                                  reference("value_s", "digits");
+                                                  w_.object_member("name", [&] { state_names(states); });
+                                                  w_.object_member("text", [this] { w_.words_member("type", {"string", "null"}); });
+                                              });
+                         });
     }
 
     void state_names(const dictionary::States& states)
@@ -98,24 +103,29 @@ private:
         w_.member("type", "object");
         w_.words_member("required", {"schema", "decoder", "instance", "taken_at", "components"});
         w_.object_member("properties",
-               [&]
-               {
-                   w_.object_member("schema", [&] { w_.member("const", id); });
-                   w_.object_member("decoder", [this] { w_.words_member("type", {"string", "null"}); });
-                   w_.object_member("instance", [this] { instance(); });
-                   reference("taken_at", "moment");
-                   w_.object_member("components",
-                          [&]
-                          {
-                              w_.member("type", "object");
-                              w_.object_member("properties",
-                                     [&]
-                                     {
-                                         for (const records::Component& component : records::components())
-                                             w_.object_member(component.key, [&] { block(raw ? fields_by_member(component) : fields_by_name(component), raw); });
-                                     });
-                          });
-               });
+                         [&]
+                         {
+                             w_.object_member("schema", [&] { w_.member("const", id); });
+                             w_.object_member("decoder", [this] { w_.words_member("type", {"string", "null"}); });
+                             w_.object_member("instance", [this] { instance(); });
+                             reference("taken_at", "moment");
+                             w_.object_member("components",
+                                              [&]
+                                              {
+                                                  w_.member("type", "object");
+                                                  w_.object_member("properties",
+                                                                   [&]
+                                                                   {
+                                                                       for (const records::Component& component : records::components())
+                                                                           w_.object_member(component.key,
+                                                                                            [&] {
+                                                                                                block(raw ? fields_by_member(component)
+                                                                                                          : fields_by_name(component),
+                                                                                                      raw);
+                                                                                            });
+                                                                   });
+                                              });
+                         });
     }
 
     void instance()
@@ -123,16 +133,16 @@ private:
         w_.words_member("type", {"object", "null"});
         w_.words_member("required", {"id", "started_at"});
         w_.object_member("properties",
-               [this]
-               {
-                   w_.object_member("id",
-                          [this]
-                          {
-                              w_.member("type", "string");
-                              w_.member("pattern", "^[0-9a-f]{32}$");
-                          });
-                   reference("started_at", "moment");
-               });
+                         [this]
+                         {
+                             w_.object_member("id",
+                                              [this]
+                                              {
+                                                  w_.member("type", "string");
+                                                  w_.member("pattern", "^[0-9a-f]{32}$");
+                                              });
+                             reference("started_at", "moment");
+                         });
     }
 
     void block(const FieldNode& block, bool raw)
@@ -147,11 +157,11 @@ private:
         else if (block.elements != nullptr)
             w_.words_member("required", {"index"});
         w_.object_member("properties",
-               [&]
-               {
-                   if (block.elements != nullptr && !raw) w_.object_member("index", [&] { index(block.elements->count); });
-                   for (const FieldNode& child : block.children) member(child, raw);
-               });
+                         [&]
+                         {
+                             if (block.elements != nullptr && !raw) w_.object_member("index", [&] { index(block.elements->count); });
+                             for (const FieldNode& child : block.children) member(child, raw);
+                         });
     }
 
     void member(const FieldNode& child, bool raw)
@@ -160,14 +170,15 @@ private:
         if (child.field == nullptr) return w_.object_member(child.name, [&] { block(child, raw); });
         const Field& field = *child.field;
         w_.object_member(child.name,
-               [&]
-               {
-                   w_.member("description", std::string(field.meaning) + (field.unit.empty() ? "" : " [" + std::string(field.unit) + "]"));
-                   if (raw)
-                       write_raw_value_schema(w_, field);
-                   else
-                       write_value_schema(w_, field);
-               });
+                         [&]
+                         {
+                             w_.member("description",
+                                       std::string(field.meaning) + (field.unit.empty() ? "" : " [" + std::string(field.unit) + "]"));
+                             if (raw)
+                                 write_raw_value_schema(w_, field);
+                             else
+                                 write_value_schema(w_, field);
+                         });
         const bool is_wide = field.type == Type::i64 || field.type == Type::u64 || field.type == Type::timespec;
         if (is_wide && (!raw || field.type != Type::timespec) && (raw || field.kind != Kind::state))
             reference(std::string(child.name) + "_s", "digits");

@@ -74,12 +74,8 @@ void write_value_schema(JsonWriter& writer, const Field& field)
     case Type::text:
     case Type::bytes: return writer.words_member("type", {"string", "null"});
     case Type::timespec: return writer.words_member("type", {"number", "null"});
-    case Type::f32:
-        writer.words_member("type", {"number", "string", "null"});
-        return writer.member("pattern", "^(NaN|-?Infinity)$");
-    default:
-        writer.words_member("type", {"integer", "null"});
-        return limits_of(writer, field.type);
+    case Type::f32: writer.words_member("type", {"number", "string", "null"}); return writer.member("pattern", "^(NaN|-?Infinity)$");
+    default: writer.words_member("type", {"integer", "null"}); return limits_of(writer, field.type);
     }
 }
 
@@ -92,12 +88,8 @@ void write_raw_value_schema(JsonWriter& writer, const Field& field)
         writer.member("type", "string");
         return writer.member("pattern", "^[0-9a-f]{" + std::to_string(2 * field.size) + "}$");
     case Type::timespec: return seconds_and_nanoseconds(writer);
-    case Type::f32:
-        writer.words_member("type", {"number", "string"});
-        return writer.member("pattern", "^[0-9a-f]{8}$");
-    default:
-        writer.member("type", "integer");
-        return limits_of(writer, field.type);
+    case Type::f32: writer.words_member("type", {"number", "string"}); return writer.member("pattern", "^[0-9a-f]{8}$");
+    default: writer.member("type", "integer"); return limits_of(writer, field.type);
     }
 }
 

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "number_text.h"
+#include "presence.h"
 #include "utf8.h"
 #include "value_text.h"
 
@@ -81,7 +82,7 @@ std::string bits(float value)
 void write_member(JsonWriter& writer, std::string_view name, const records::Snapshot& snapshot, const Field& field, std::size_t element)
 {
     const Record record = snapshot.record(dictionary::component_of(field));
-    if (snapshot.not_measured[field.index] || dictionary::is_absent(field, record, element))
+    if (!has_value(snapshot, field, record, element))
     {
         writer.key(name);
         writer.null();

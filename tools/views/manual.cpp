@@ -133,7 +133,8 @@ private:
         entry_lists_ = lists_;
         const auto bracket = std::ranges::find(words, "Bq");
         const auto behind = static_cast<std::size_t>(bracket - words.begin()) + 1;
-        entries.push_back({component_, section_, joined({words.begin() + 2, bracket}), behind < words.size() ? joined(words, behind) : "", ""});
+        entries.push_back(
+            {component_, section_, joined({words.begin() + 2, bracket}), behind < words.size() ? joined(words, behind) : "", ""});
     }
 
     void end_list()

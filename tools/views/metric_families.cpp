@@ -1,6 +1,8 @@
 #include "metric_families.h"
 
 #include <algorithm>
+#include <deque>
+#include <stdexcept>
 
 #include "utf8.h"
 
@@ -45,70 +47,130 @@ std::string_view own_label(const Field& field)
     return field.metric.type == MetricType::info ? field.metric.label : field.metric.fixed_value;
 }
 
-std::string help(const MetricFamily& family)
+std::string help(const std::vector<const Field*>& fields)
 {
-    if (family.members.size() == 1 && family.type != MetricType::info) return std::string(family.members.front().field->meaning);
+    if (fields.size() == 1 && fields.front()->metric.type != MetricType::info) return std::string(fields.front()->meaning);
     std::string text;
-    for (const FamilyMember& member : family.members)
+    for (const Field* field : fields)
     {
         if (!text.empty()) text += "; ";
-        text += own_label(*member.field);
+        text += own_label(*field);
         text += ": ";
-        text += member.field->meaning;
+        text += field->meaning;
     }
     return text;
 }
 
-FamilyMember member_of(const Field& field)
+std::string fixed_labels(const Field& field)
 {
-    FamilyMember member = {.field = &field, .sample = {}, .samples = {}};
+    std::string text;
     if (!field.metric.fixed_label.empty())
     {
-        member.sample += ',';
-        append_label(member.sample, field.metric.fixed_label, field.metric.fixed_value);
+        text += ',';
+        append_label(text, field.metric.fixed_label, field.metric.fixed_value);
     }
-    member.sample += "} ";
-    if (field.metric.type != MetricType::state_set) return member;
+    return text + "} ";
+}
 
+std::vector<std::string> state_labels(const Field& field)
+{
+    std::vector<std::string> labels;
     const auto add = [&](std::string_view identifier)
     {
         std::string text = ",";
         append_label(text, field.metric.label, identifier);
-        member.samples.push_back(text + "} ");
+        labels.push_back(text + "} ");
     };
     for (const dictionary::State& state : field.states->values) add(state.identifier);
     add(other_state);
-    return member;
+    return labels;
 }
 
-std::vector<MetricFamily> families()
+FamilyMember member_of(const Field& field, std::string_view labels)
 {
-    std::vector<MetricFamily> all;
+    return {.field = &field,
+            .labels = labels,
+            .offset = static_cast<std::uint32_t>(field.first_offset),
+            .stride = static_cast<std::uint32_t>(field.array == nullptr ? 0 : field.array->stride),
+            .multiply = field.metric.multiply,
+            .divide = field.metric.divide,
+            .index = field.index,
+            .type = field.type,
+            .is_plain = field.condition.count == 0 && !field.condition.never && field.absent_rule == dictionary::AbsentRule::never &&
+                        field.absent_with == dictionary::no_field};
+}
+
+/** The fields of each family. */
+std::vector<std::vector<const Field*>> grouped_fields()
+{
+    std::vector<std::vector<const Field*>> groups;
     for (const Field& field : dictionary::fields())
     {
         if (field.metric.type == MetricType::none) continue;
-        auto family = std::ranges::find(all, field.metric.family, &MetricFamily::name);
-        if (family == all.end())
-        {
-            const std::string start = std::string(field.metric.family) + std::string(suffix(type_name(field.metric.type))) + "{";
-            all.push_back({field.metric.family, field.metric.type, start, {}, {}});
-            family = std::prev(all.end());
-        }
-        family->members.push_back(member_of(field));
+        auto group = std::ranges::find(groups, field.metric.family, [](const auto& fields) { return fields.front()->metric.family; });
+        if (group == groups.end())
+            groups.push_back({&field});
+        else
+            group->push_back(&field);
     }
-    for (MetricFamily& family : all)
-        for (const MetricsFormat format : {MetricsFormat::openmetrics, MetricsFormat::prometheus})
-            family.metadata.at(static_cast<std::size_t>(format)) =
-                family_metadata(format, family.name, type_name(family.type), family.members.front().field->metric.unit, help(family));
-    return all;
+    return groups;
 }
+
+/** All families of a format, and what they refer to. Stays where it is. */
+class FamilyTable
+{
+public:
+    explicit FamilyTable(MetricsFormat format)
+    {
+        const auto groups = grouped_fields();
+        // Everything refers to these, so they get their sizes first.
+        members_.reserve(dictionary::field_count);
+        text_.reserve(std::size_t{512} * dictionary::field_count);
+        for (const std::vector<const Field*>& fields : groups) add(format, fields);
+    }
+    FamilyTable(const FamilyTable&) = delete;
+    FamilyTable& operator=(const FamilyTable&) = delete;
+
+    const std::vector<MetricFamily>& families() const { return families_; }
+
+private:
+    void add(MetricsFormat format, const std::vector<const Field*>& fields)
+    {
+        const dictionary::Metric& metric = fields.front()->metric;
+        const std::string_view type = type_name(metric.type);
+        MetricFamily family = {};
+        family.metadata = keep(family_metadata(format, metric.family, type, metric.unit, help(fields)));
+        family.start = keep(std::string(metric.family) + std::string(suffix(type)) + "{");
+        family.type = metric.type;
+        const std::size_t first = members_.size();
+        for (const Field* field : fields) members_.push_back(member_of(*field, keep(fixed_labels(*field))));
+        family.members = std::span(members_).subspan(first);
+        if (metric.type == MetricType::state_set) family.states = states_.emplace_back(state_labels(*fields.front()));
+        families_.push_back(family);
+    }
+
+    /** Stores a text behind the others. */
+    std::string_view keep(const std::string& piece)
+    {
+        const std::size_t start = text_.size();
+        if (text_.capacity() - start < piece.size()) throw std::length_error("metric families are longer than expected");
+        text_ += piece;
+        return std::string_view(text_).substr(start);
+    }
+
+    std::string text_;
+    std::vector<FamilyMember> members_;
+    std::deque<std::vector<std::string>> states_;
+    std::vector<MetricFamily> families_;
+};
 
 } // namespace
 
-const std::vector<MetricFamily>& metric_families()
+const std::vector<MetricFamily>& metric_families(MetricsFormat format)
 {
-    static const std::vector<MetricFamily> all = families();
-    return all;
+    static const FamilyTable openmetrics(MetricsFormat::openmetrics);
+    static const FamilyTable prometheus(MetricsFormat::prometheus);
+    return format == MetricsFormat::openmetrics ? openmetrics.families() : prometheus.families();
 }
 
 std::string family_metadata(MetricsFormat format, std::string_view name, std::string_view type, std::string_view unit,
@@ -134,7 +196,11 @@ void append_label(std::string& text, std::string_view name, std::string_view val
 {
     text += name;
     text += "=\"";
-    append_escaped(text, valid_utf8(value), true);
+    const bool is_plain = std::ranges::all_of(value, [](char c) { return c >= ' ' && c <= '~' && c != '"' && c != '\\'; });
+    if (is_plain)
+        text += value;
+    else
+        append_escaped(text, valid_utf8(value), true);
     text += '"';
 }
 

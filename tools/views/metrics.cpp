@@ -1,10 +1,13 @@
 #include "metrics.h"
 
+#include <array>
 #include <cmath>
-#include <charconv>
+#include <cstring>
 
 #include "metric_families.h"
 #include "number_text.h"
+#include "presence.h"
+#include "text_buffer.h"
 #include "value_text.h"
 
 namespace views
@@ -54,7 +57,7 @@ public:
     std::int64_t taken_at() const { return snapshot_.taken_at; }
 
     /** Appends a family's samples, each with its line. */
-    void append_samples(std::string& text, const MetricFamily& family) const
+    void append_samples(TextBuffer& text, const MetricFamily& family) const
     {
         const Field& first = *family.members.front().field;
         const records::Component& component = dictionary::component_of(first);
@@ -80,95 +83,109 @@ private:
             append_label(elements[i], array.label, std::to_string(i + array.first_number));
             for (const Field& field : dictionary::fields().subspan(array.first_field, array.field_count))
             {
-                if (!field.is_label || !has_value(field, record, i)) continue;
+                if (!field.is_label || !is_shown(field, record, i)) continue;
                 elements[i] += ',';
                 append_label(elements[i], field.label_name, label_value(field, record, i));
             }
         }
     }
 
-    bool has_value(const Field& field, Record record, std::size_t element) const
+    bool is_shown(const Field& field, Record record, std::size_t element) const
     {
-        return !snapshot_.not_measured[field.index] && dictionary::applies(field, record, element) &&
-               !dictionary::is_absent(field, record, element);
+        return applies_in_use(field, record, element) && has_value(snapshot_, field, record, element);
     }
 
-    void append_samples(std::string& text, const MetricFamily& family, Record record, std::size_t element, const std::string& labels) const
+    void append_samples(TextBuffer& text, const MetricFamily& family, Record record, std::size_t element, const std::string& labels) const
     {
         if (family.type == MetricType::info) return append_info(text, family, record, element, labels);
         for (const FamilyMember& member : family.members)
         {
-            if (!has_value(*member.field, record, element)) continue;
+            if (member.is_plain ? snapshot_.not_measured[member.index] : !is_shown(*member.field, record, element)) continue;
             if (family.type == MetricType::state_set)
-                append_states(text, family, member, dictionary::integer(*member.field, record, element), labels);
+                append_states(text, family, dictionary::integer(*member.field, record, element), labels);
             else
-                append_number(text, family, member, dictionary::value(*member.field, record, element), labels);
+                append_number(text, family, member, record.data() + member.offset + element * member.stride, labels);
         }
     }
 
-    static void append_number(std::string& text, const MetricFamily& family, const FamilyMember& member, const dictionary::Value& value,
+    /** @param bytes where the value stands */
+    static void append_number(TextBuffer& text, const MetricFamily& family, const FamilyMember& member, const std::byte* bytes,
                               const std::string& labels)
     {
-        const dictionary::Metric& metric = member.field->metric;
-        const auto* whole = std::get_if<std::int64_t>(&value);
-        if (family.type == MetricType::counter && whole != nullptr && *whole < 0) return;
+        char* to = text.room(family.start.size() + labels.size() + member.labels.size() + number_size + 1);
+        to = TextBuffer::put(to, family.start);
+        to = TextBuffer::put(to, labels);
+        to = TextBuffer::put(to, member.labels);
+        const char* const value = to;
+        to = write_value(to, member, bytes);
+        if (family.type == MetricType::counter && *value == '-') return; // no counter is below 0: nothing has been written
+        *to++ = '\n';
+        text.written_to(to);
+    }
 
-        text += family.start;
-        text += labels;
-        text += member.sample;
-        if (whole != nullptr)
-            append_scaled(text, *whole, metric.multiply, metric.divide);
-        else if (const auto* natural = std::get_if<std::uint64_t>(&value))
-            append_scaled(text, *natural, metric.multiply, metric.divide);
-        else if (const auto* moment = std::get_if<dictionary::Moment>(&value))
-            append_moment(text, *moment);
-        else
-            append_real(text, std::get<float>(value));
-        text += '\n';
+    template <typename Number> static Number read(const std::byte* bytes)
+    {
+        Number number;
+        std::memcpy(&number, bytes, sizeof number);
+        return number;
+    }
+
+    static char* write_value(char* to, const FamilyMember& member, const std::byte* bytes)
+    {
+        const auto scaled = [&](auto number) { return write_scaled(to, number, member.multiply, member.divide); };
+        switch (member.type)
+        {
+        case dictionary::Type::i32: return scaled(std::int64_t{read<std::int32_t>(bytes)});
+        case dictionary::Type::u32: return scaled(std::uint64_t{read<std::uint32_t>(bytes)});
+        case dictionary::Type::i64: return scaled(read<std::int64_t>(bytes));
+        case dictionary::Type::u64: return scaled(read<std::uint64_t>(bytes));
+        case dictionary::Type::u8: return scaled(std::uint64_t{read<std::uint8_t>(bytes)});
+        case dictionary::Type::f32: return write_real(to, read<float>(bytes));
+        case dictionary::Type::timespec:
+            return write_moment(to, {read<std::int64_t>(bytes), read<std::int64_t>(bytes + sizeof(std::int64_t))});
+        case dictionary::Type::text:
+        case dictionary::Type::bytes: break; // labels of infos
+        }
+        return to;
     }
 
     /** Fields that are floats have the base unit already. */
-    static void append_real(std::string& text, float value)
+    static char* write_real(char* to, float value)
     {
-        if (std::isfinite(value)) return append_float(text, value);
-        text += std::isnan(value) ? "NaN" : value > 0 ? "+Inf" : "-Inf";
+        if (std::isfinite(value)) return write_float(to, value);
+        return TextBuffer::put(to, std::isnan(value) ? "NaN" : value > 0 ? "+Inf" : "-Inf");
     }
 
-    static void append_states(std::string& text, const MetricFamily& family, const FamilyMember& member, std::int64_t code,
-                              const std::string& labels)
+    static void append_states(TextBuffer& text, const MetricFamily& family, std::int64_t code, const std::string& labels)
     {
-        const auto states = member.field->states->values;
+        const auto states = family.members.front().field->states->values;
         bool is_known = false;
         for (std::size_t i = 0; i <= states.size(); ++i)
         {
             const bool is_true = i < states.size() ? states[i].value == code : !is_known;
             is_known = is_known || is_true;
-            text += family.start;
-            text += labels;
-            text += member.samples[i];
-            text += is_true ? "1\n" : "0\n";
+            char* to = text.room(family.start.size() + labels.size() + family.states[i].size() + 2);
+            to = TextBuffer::put(to, family.start);
+            to = TextBuffer::put(to, labels);
+            to = TextBuffer::put(to, family.states[i]);
+            text.written_to(TextBuffer::put(to, is_true ? "1\n" : "0\n"));
         }
     }
 
-    void append_info(std::string& text, const MetricFamily& family, Record record, std::size_t element, const std::string& labels) const
+    void append_info(TextBuffer& text, const MetricFamily& family, Record record, std::size_t element, const std::string& labels) const
     {
-        const std::size_t before = text.size();
-        text += family.start;
-        text += labels;
+        std::string sample = std::string(family.start) + labels;
         bool has_any = false;
         for (const FamilyMember& member : family.members)
         {
             const Field& field = *member.field;
-            if (!has_value(field, record, element)) continue;
+            if (!is_shown(field, record, element)) continue;
             has_any = true;
             if (field.is_label) continue; // among the labels already
-            text += ',';
-            append_label(text, field.metric.label, label_value(field, record, element));
+            sample += ',';
+            append_label(sample, field.metric.label, label_value(field, record, element));
         }
-        if (has_any)
-            text += "} 1\n";
-        else
-            text.resize(before);
+        if (has_any) text.append(sample + "} 1\n");
     }
 
     const records::Snapshot& snapshot_;
@@ -178,37 +195,38 @@ private:
 };
 
 /** Which decoders there are, and how old what is known of them is. */
-void append_presence(std::string& text, const std::vector<Decoder>& decoders, MetricsFormat format)
+std::string presence(const std::vector<Decoder>& decoders, MetricsFormat format)
 {
-    text += family_metadata(format, "decoder_up", "gauge", "", "1 = the decoder's records are being updated, 0 = they no longer are");
+    std::string text =
+        family_metadata(format, "decoder_up", "gauge", "", "1 = the decoder's records are being updated, 0 = they no longer are");
     for (const Decoder& decoder : decoders) text += "decoder_up{" + decoder.labels() + (decoder.is_up() ? "} 1\n" : "} 0\n");
-    text += family_metadata(format, "decoder_last_update_timestamp_seconds", "gauge", "seconds", "when the decoder's records were last taken");
+    text +=
+        family_metadata(format, "decoder_last_update_timestamp_seconds", "gauge", "seconds", "when the decoder's records were last taken");
     for (const Decoder& decoder : decoders)
     {
         text += "decoder_last_update_timestamp_seconds{" + decoder.labels() + "} ";
         append_moment(text, {.seconds = 0, .nanoseconds = decoder.taken_at()});
         text += '\n';
     }
+    return text;
 }
 
 } // namespace
 
-std::string metrics(std::span<const ExposedDecoder> decoders, MetricsFormat format)
+void write_metrics(std::string& text, std::span<const ExposedDecoder> decoders, MetricsFormat format)
 {
     const std::vector<Decoder> all(decoders.begin(), decoders.end());
-    std::string text;
-    text.reserve(std::size_t{192} * 1024 * std::max<std::size_t>(1, all.size()));
-    append_presence(text, all, format);
-    for (const MetricFamily& family : metric_families())
+    TextBuffer buffer(text);
+    buffer.append(presence(all, format));
+    for (const MetricFamily& family : metric_families(format))
     {
-        const std::size_t before = text.size();
-        text += family.metadata.at(static_cast<std::size_t>(format));
-        const std::size_t metadata_end = text.size();
-        for (const Decoder& decoder : all) decoder.append_samples(text, family);
-        if (text.size() == metadata_end) text.resize(before);
+        const std::size_t before = buffer.size();
+        buffer.append(family.metadata);
+        const std::size_t metadata_end = buffer.size();
+        for (const Decoder& decoder : all) decoder.append_samples(buffer, family);
+        if (buffer.size() == metadata_end) buffer.cut(before);
     }
-    if (format == MetricsFormat::openmetrics) text += "# EOF\n";
-    return text;
+    if (format == MetricsFormat::openmetrics) buffer.append("# EOF\n");
 }
 
 } // namespace views

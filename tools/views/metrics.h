@@ -35,11 +35,12 @@ struct ExposedDecoder
 };
 
 /**
- * Metrics of decoders, each with its name in the label `decoder`. What is absent, not measured or does not apply has no sample;
- * so has a counter that is negative.
+ * Writes the metrics of decoders, each with its name in the label `decoder`. What is absent, not measured or does not apply has no
+ * sample, and neither has a counter that is negative.
+ * @param text     takes the exposition in place of what it holds; its memory is used again, which saves much of the time
  * @param decoders no two of a name
  */
-std::string metrics(std::span<const ExposedDecoder> decoders, MetricsFormat format);
+void write_metrics(std::string& text, std::span<const ExposedDecoder> decoders, MetricsFormat format);
 
 } // namespace views
 

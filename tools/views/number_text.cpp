@@ -14,11 +14,9 @@ namespace
 
 constexpr std::uint64_t billion = 1'000'000'000;
 
-template <typename Number> void append_number(std::string& text, Number value)
+template <typename Number> char* write_number(char* to, Number value)
 {
-    std::array<char, 32> digits;
-    const auto end = std::to_chars(digits.begin(), digits.end(), value);
-    text.append(digits.begin(), end.ptr);
+    return std::to_chars(to, to + number_size, value).ptr;
 }
 
 /** The absolute value, which for the smallest number only the unsigned type holds. */
@@ -27,52 +25,68 @@ std::uint64_t magnitude(std::int64_t value)
     return value < 0 ? -static_cast<std::uint64_t>(value) : static_cast<std::uint64_t>(value);
 }
 
-/** Appends the decimals of a fraction in units of 10^-9, without zeros at the end. */
-void append_decimals(std::string& text, std::uint64_t billionths)
+/** Writes a number below 10^9 with zeros in front, to nine digits. */
+char* write_nine_digits(char* to, std::uint64_t value)
 {
-    std::size_t digits = 9;
-    for (; billionths % 10 == 0; billionths /= 10) --digits;
-    const std::size_t point = text.size();
-    text.append(digits + 1, '.');
-    for (std::size_t i = digits; i > 0; --i, billionths /= 10) text[point + i] = static_cast<char>('0' + billionths % 10);
+    for (std::size_t i = 9; i > 0; --i, value /= 10) to[i - 1] = static_cast<char>('0' + value % 10);
+    return to + 9;
 }
 
-/** Appends a number with zeros in front, to nine digits. */
-void append_nine_digits(std::string& text, std::uint64_t value)
+/** Writes a fraction in units of 10^-9, without zeros at the end. @param billionths not 0 */
+char* write_fraction(char* to, std::uint64_t billionths)
 {
-    const std::size_t start = text.size();
-    text.append(9, '0');
-    for (std::size_t i = 9; i > 0; --i, value /= 10) text[start + i - 1] = static_cast<char>('0' + value % 10);
+    *to = '.';
+    char* end = write_nine_digits(to + 1, billionths);
+    while (end[-1] == '0') --end;
+    return end;
 }
 
-/** Appends a product that is too large for 64 bits, though not for 93. */
-void append_product(std::string& text, std::uint64_t value, std::uint32_t factor)
+/** Writes a product that is too large for 64 bits, though not for 93. */
+char* write_product(char* to, std::uint64_t value, std::uint32_t factor)
 {
     const std::uint64_t low = value % billion * factor;
     const std::uint64_t high = value / billion * factor + low / billion;
-    append_number(text, high);
-    append_nine_digits(text, low % billion);
+    return write_nine_digits(write_number(to, high), low % billion);
+}
+
+/** Appends what a function writes. */
+template <typename Write> void append_written(std::string& text, const Write& write)
+{
+    std::array<char, number_size> digits;
+    text.append(digits.data(), write(digits.data()));
 }
 
 } // namespace
 
-void append_integer(std::string& text, std::int64_t value)
+char* write_scaled(char* to, std::uint64_t value, std::uint32_t multiply, std::uint32_t divide)
 {
-    append_number(text, value);
+    if (multiply == 1 && divide == 1) return write_number(to, value);
+    std::uint64_t product = 0;
+    const bool has_overflown = __builtin_mul_overflow(value, std::uint64_t{multiply}, &product);
+    if (has_overflown && divide == 1) return write_product(to, value, multiply);
+    if (has_overflown || billion % divide != 0) return write_number(to, static_cast<double>(value) * multiply / divide);
+
+    to = write_number(to, product / divide);
+    const std::uint64_t rest = product % divide;
+    return rest == 0 ? to : write_fraction(to, rest * (billion / divide));
 }
 
-void append_integer(std::string& text, std::uint64_t value)
+char* write_scaled(char* to, std::int64_t value, std::uint32_t multiply, std::uint32_t divide)
 {
-    append_number(text, value);
+    if (value < 0) *to++ = '-';
+    return write_scaled(to, magnitude(value), multiply, divide);
 }
 
-void append_float(std::string& text, float value)
+char* write_float(char* to, float value)
 {
-    append_number(text, value);
-    if (value == 0.0f && std::signbit(value)) text += ".0"; // many readers take -0 for the integer 0
+    to = write_number(to, value);
+    if (value != 0.0f || !std::signbit(value)) return to;
+    *to++ = '.'; // many readers take -0 for the integer 0
+    *to++ = '0';
+    return to;
 }
 
-void append_moment(std::string& text, const dictionary::Moment& moment)
+char* write_moment(char* to, const dictionary::Moment& moment)
 {
     constexpr auto per_second = static_cast<std::int64_t>(billion);
     std::int64_t carry = moment.nanoseconds / per_second;
@@ -101,28 +115,30 @@ void append_moment(std::string& text, const dictionary::Moment& moment)
         --seconds;
         rest = per_second - rest;
     }
-    if (negative) text += '-';
-    append_integer(text, seconds);
-    text += '.';
-    append_nine_digits(text, static_cast<std::uint64_t>(rest));
+    if (negative) *to++ = '-';
+    to = write_number(to, seconds);
+    *to++ = '.';
+    return write_nine_digits(to, static_cast<std::uint64_t>(rest));
 }
 
-void append_scaled(std::string& text, std::uint64_t value, std::uint32_t multiply, std::uint32_t divide)
+void append_integer(std::string& text, std::int64_t value)
 {
-    std::uint64_t product = 0;
-    const bool has_overflown = __builtin_mul_overflow(value, std::uint64_t{multiply}, &product);
-    if (has_overflown && divide == 1) return append_product(text, value, multiply);
-    if (has_overflown || billion % divide != 0) return append_number(text, static_cast<double>(value) * multiply / divide);
-
-    append_integer(text, product / divide);
-    const std::uint64_t rest = product % divide;
-    if (rest != 0) append_decimals(text, rest * (billion / divide));
+    append_written(text, [value](char* to) { return write_number(to, value); });
 }
 
-void append_scaled(std::string& text, std::int64_t value, std::uint32_t multiply, std::uint32_t divide)
+void append_integer(std::string& text, std::uint64_t value)
 {
-    if (value < 0) text += '-';
-    append_scaled(text, magnitude(value), multiply, divide);
+    append_written(text, [value](char* to) { return write_number(to, value); });
+}
+
+void append_float(std::string& text, float value)
+{
+    append_written(text, [value](char* to) { return write_float(to, value); });
+}
+
+void append_moment(std::string& text, const dictionary::Moment& moment)
+{
+    append_written(text, [&moment](char* to) { return write_moment(to, moment); });
 }
 
 void append_rfc3339(std::string& text, std::int64_t moment)

@@ -14,22 +14,32 @@
 namespace views
 {
 
+/** The most characters that a number or a moment takes. */
+inline constexpr std::size_t number_size = 64;
+
+/**
+ * Writes a number by multiply over divide. Divisors of 10^9 give the exact decimal number, others the nearest double.
+ * @param to     room for number_size characters
+ * @param divide not 0
+ * @return the end of what was written
+ */
+char* write_scaled(char* to, std::int64_t value, std::uint32_t multiply, std::uint32_t divide);
+char* write_scaled(char* to, std::uint64_t value, std::uint32_t multiply, std::uint32_t divide);
+
+/** Writes seconds since the epoch with nine decimals, odd nanoseconds carried into the seconds: 1655208840.000000001. */
+char* write_moment(char* to, const dictionary::Moment& moment);
+
+/** Writes the shortest digits that read back as the same float: 29.97, 1e+20, -0.0. @param value finite */
+char* write_float(char* to, float value);
+
 /** Appends all digits of a number. */
 void append_integer(std::string& text, std::int64_t value);
 void append_integer(std::string& text, std::uint64_t value);
 
-/** Appends the shortest digits that read back as the same float: 29.97, 1e+20, -0.0. @param value finite */
+/** Appends what the function above writes. */
 void append_float(std::string& text, float value);
 
-/** Appends seconds since the epoch with nine decimals, odd nanoseconds carried into the seconds: 1655208840.000000001. */
 void append_moment(std::string& text, const dictionary::Moment& moment);
-
-/**
- * Appends a number by multiply over divide. Divisors of 10^9 give the exact decimal number, others the nearest double.
- * @param divide not 0
- */
-void append_scaled(std::string& text, std::int64_t value, std::uint32_t multiply, std::uint32_t divide);
-void append_scaled(std::string& text, std::uint64_t value, std::uint32_t multiply, std::uint32_t divide);
 
 /** Appends a moment as RFC 3339 writes it, in UTC with nanoseconds: 2022-06-14T12:14:00.000000000Z. @param moment [ns since the epoch] */
 void append_rfc3339(std::string& text, std::int64_t moment);
