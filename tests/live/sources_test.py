@@ -1,6 +1,7 @@
 """What a SOURCE may be while decoders live, and what decstats list tells of them."""
 import json
 import os
+import pathlib
 import shutil
 import signal
 import struct
@@ -12,7 +13,7 @@ from host import LiveTest, OwnHost
 
 def slot_of(path, component):
     """Where the record of a component stands in a published file, and the file's bytes."""
-    data = open(path, "rb").read()
+    data = pathlib.Path(path).read_bytes()
     table, = struct.unpack_from("<I", data, 12)
     count, size = struct.unpack_from("<II", data, 68)
     sections = [struct.unpack_from("<IIQQ", data, table + i * size) for i in range(count)]
@@ -122,7 +123,7 @@ class Sources(LiveTest):
 
     def test_other_version_and_damaged(self):
         self.simulate("idle", "alpha").kill()
-        whole = open(self.path("alpha"), "rb").read()
+        whole = pathlib.Path(self.path("alpha")).read_bytes()
         with open(self.path("beta"), "wb") as file:
             file.write(whole[:8] + struct.pack("<I", 77) + whole[12:])
         with open(self.path("gamma"), "wb") as file:

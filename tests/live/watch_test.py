@@ -33,8 +33,8 @@ class Watch(LiveTest):
 
     def test_chosen_fields_and_components(self):
         self.simulate()
-        look = json.loads(self.run_tool("watch", "alpha", "--count", "1", "--field", "tdemux.state", "usage.starts")[0])
-        self.assertEqual({name: list(fields) for name, fields in look["components"].items()}, {"tdemux": ["state"], "usage": ["starts"]})
+        look = json.loads(self.run_tool("watch", "alpha", "--count", "1", "--field", "tdemux.state", "usage.start_requests")[0])
+        self.assertEqual({name: list(fields) for name, fields in look["components"].items()}, {"tdemux": ["state"], "usage": ["start_requests"]})
         look = json.loads(self.run_tool("watch", "alpha", "--count", "1", "--component", "clock-recovery")[0])
         self.assertEqual(list(look["components"]), ["clock_recovery"])
 
