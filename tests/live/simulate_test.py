@@ -43,6 +43,13 @@ class Simulate(LiveTest):
 
         self.until(is_silent)
 
+    def test_units_of_durations(self):
+        for text, seconds in (("400ms", 0.4), ("0.5s", 0.5), ("0.01m", 0.6), ("0.0001h", 0.36), ("0.000005d", 0.432)):
+            begin = time.monotonic()
+            self.run_tool("simulate", "idle", "--for", text)
+            self.assertGreaterEqual(time.monotonic() - begin, seconds, text)
+            self.assertLess(time.monotonic() - begin, seconds + 10, text)
+
     def test_faults_are_listed(self):
         faults = self.run_tool("simulate", "--list-faults")[0].splitlines()
         self.assertGreater(len(faults), 40)
@@ -52,8 +59,8 @@ class Simulate(LiveTest):
         self.simulate("idle", "alpha")
         self.refused("simulate", "idle", "--name", "alpha", part="alpha", status=1)
         self.refused("simulate", "idle", "--directory", "missing", part="missing", status=1)
-        for name in ("a b", ".a", "a/b", "", "x" * 65, "\x1b"):
-            self.refused("simulate", "idle", "--name=" + name, "--for", "0s", part="name") if name else None
+        for name in ("a b", ".a", "a/b", "x" * 65, "\x1b"):
+            self.refused("simulate", "idle", "--name=" + name, "--for", "0s", part="name")
         self.refused("simulate", part="SCENARIO")
         self.refused("simulate", "nonsense", part="nonsense")
         self.refused("simulate", "idle", "--fault", "nonsense", part="nonsense")

@@ -49,10 +49,8 @@ std::string heading(const Comparison& comparison)
     const records::Snapshot& old = comparison.old_snapshot();
     const records::Snapshot& now = comparison.new_snapshot();
     const std::string decoder = comparison.is_other_decoder() ? old.decoder + " and " + now.decoder : now.decoder;
-    std::string seconds;
-    append_scaled(seconds, comparison.span(), 1, 1'000'000'000);
     return files::printable(decoder) + (decoder.empty() ? "" : ": ") + moment_text(old.taken_at) + " to " + moment_text(now.taken_at) +
-           ", " + seconds + " s\n";
+           ", " + seconds_text(comparison.span()) + " s\n";
 }
 
 /** Whether a component's counters have begun anew though its host has not. */
