@@ -85,6 +85,10 @@ void run(int argc, char** argv)
     add_show(app, library);
     add_list(app);
     add_describe(app);
+    add_capture(app);
+    add_history(app);
+    add_check(app);
+    add_repair(app);
     add_demo(app, library);
     add_print(app, library);
     add_sample(app);

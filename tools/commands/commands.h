@@ -19,10 +19,14 @@ namespace commands
 /** The file that --library names, known when a command runs; nothing = the library that belongs to this tool. */
 using LibraryFile = std::optional<std::string>;
 
+void add_capture(CLI::App& app);
+void add_check(CLI::App& app);
 void add_demo(CLI::App& app, const LibraryFile& library);
 void add_describe(CLI::App& app);
+void add_history(CLI::App& app);
 void add_list(CLI::App& app);
 void add_print(CLI::App& app, const LibraryFile& library);
+void add_repair(CLI::App& app);
 void add_sample(CLI::App& app);
 void add_show(CLI::App& app, const LibraryFile& library);
 void add_simulate(CLI::App& app);

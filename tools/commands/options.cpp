@@ -48,7 +48,7 @@ void add_components(CLI::App& command, std::bitset<records::component_count>& co
     command.footer(component_help());
 }
 
-void add_at(CLI::App& command, std::optional<sources::At>& at)
+void add_moment(CLI::App& command, const std::string& name, std::optional<sources::At>& at, const std::string& description)
 {
     const auto check = [](const std::string& value)
     {
@@ -57,10 +57,14 @@ void add_at(CLI::App& command, std::optional<sources::At>& at)
     };
     command
         .add_option_function<std::string>(
-            "--at", [&at](const std::string& value) { at = sources::parse_at(value); },
-            "Moment that the ages count to: RFC 3339, seconds since the epoch, or mtime of the file")
+            name, [&at](const std::string& value) { at = sources::parse_at(value); }, description)
         ->check({check, ""})
         ->type_name("TIME");
+}
+
+void add_at(CLI::App& command, std::optional<sources::At>& at)
+{
+    add_moment(command, "--at", at, "Moment that the ages count to: RFC 3339, seconds since the epoch, or mtime of the file");
 }
 
 void add_source(CLI::App& command, sources::Source& source)

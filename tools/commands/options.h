@@ -34,6 +34,9 @@ void add_level(CLI::App& command, STATS_LEVEL& level);
 /** Adds "--component NAME", which may be repeated. */
 void add_components(CLI::App& command, std::bitset<records::component_count>& components);
 
+/** Adds an option whose value is a moment. */
+void add_moment(CLI::App& command, const std::string& name, std::optional<sources::At>& at, const std::string& description);
+
 /** Adds "--at TIME". */
 void add_at(CLI::App& command, std::optional<sources::At>& at);
 
