@@ -7,8 +7,7 @@
  * does. docs/publisher-format.md describes it byte by byte.
  *
  * - Opening may fail, and says why. Nothing after that can fail the host: publishing copies the record and returns nothing.
- * - Costs: publishing a record is two copies of it at most, and calls neither the kernel nor an allocator, takes no lock and
- *   does not wait.
+ * - Costs: publishing a record is a copy of it. It calls neither the kernel nor an allocator, takes no lock and does not wait.
  * - Threads: different records may be published by different threads at once; each record, and the heartbeat, by one thread
  *   at a time. Opening is thread-safe. Closing must not overlap with any other call for that publisher.
  * - Processes: a child of fork does not publish. There every function with the parent's publisher does nothing, and the

@@ -301,20 +301,18 @@ void Simulation::receive(const Disturbance& d, double seconds)
 
     COUNT(counters, nNumReceivedPackets, tLastReceivedPacket, received);
     counters.nNumReceivedBytes += static_cast<unsigned long>(std::llround(static_cast<double>(received) * datagram_bytes_));
-    if (received > 0)
-    {
-        counters.iLastRxTime = now_s_;
-        silence_ = 0;
-    }
-    else
-        silence_ += seconds;
+    const double silence = silence_;
+    silence_ = received > 0 ? 0 : silence_ + seconds;
+    if (received > 0) counters.iLastRxTime = now_s_;
 
     if (!flows_) return;
-    const long nominal = static_cast<long>(std::lround(1e6 / datagram_rate_));
-    double gap = d.bunched > 0 ? d.bunched * 1e6 : static_cast<double>(nominal) * (0.8 + 0.4 * fraction());
-    if (silence_ > 0.5) gap = silence_ * 1e6;
-    counters.nRxPacketToPacketIntervalUs = static_cast<unsigned long>(gap);
-    counters.nExternalRxPacketToPacketIntervalUs = static_cast<unsigned long>(gap * (0.9 + 0.2 * fraction()));
+    if (received > 0)
+    {
+        double gap = d.bunched > 0 ? d.bunched * 1e6 : 1e6 / datagram_rate_ * (0.8 + 0.4 * fraction());
+        if (silence > 0.5) gap = silence * 1e6;
+        counters.nRxPacketToPacketIntervalUs = static_cast<unsigned long>(gap);
+        counters.nExternalRxPacketToPacketIntervalUs = static_cast<unsigned long>(gap * (0.9 + 0.2 * fraction()));
+    }
     RAISE(counters, nRxPacketToPacketIntervalUs, nMaxRxPacketToPacketIntervalUs, tMaxRxPacketToPacketInterval);
     RAISE(counters, nExternalRxPacketToPacketIntervalUs, nMaxExternalRxPacketToPacketIntervalUs, tMaxExternalRxPacketToPacketInterval);
 

@@ -54,7 +54,7 @@ bool read(records::Snapshot& snapshot)
 
 int main(int argc, char** argv)
 {
-    std::setlocale(LC_ALL, "");
+    std::setlocale(LC_NUMERIC, ""); // system error texts follow LC_MESSAGES, which the tool leaves at "C"
     records::Snapshot snapshot;
     snapshot.decoder = "tested \"decoder\" \\ \xFF";
     snapshot.instance = {.id = {0xAB, 0xCD}, .started_at = 1'655'208'840'000'000'001};

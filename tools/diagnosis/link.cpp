@@ -196,7 +196,7 @@ const Rules& link_rules()
             .remedy = "Choose a matrix with more columns against long bursts, or row FEC in addition; better, look for the hop that loses.",
             .needs_window = true,
             .causes = loses,
-            .follows = stops,
+            .follows = stops | loses,
             .reads = {&encapsulation, &fec_type, &beyond, &media, &column_packets, &missing, &recovered, &columns, &rows},
             .test =
                 [](const Window& window, Hit& hit)

@@ -78,6 +78,7 @@ Verdict doubtful(Doubt doubt)
     case Doubt::restarted: verdict.place = "The decoder was started again within the window."; break;
     case Doubt::gap: verdict.place = "Nothing is known of a part of the window."; break;
     case Doubt::clock_set: verdict.place = "The system's clock was set within the window."; break;
+    case Doubt::onset: verdict.place = "Something has just begun. The next window tells where."; break;
     case Doubt::cleared: verdict.place = "Counters were cleared within the window."; break;
     case Doubt::missing: verdict.place = "The records of some components are missing."; break;
     case Doubt::single:

@@ -18,6 +18,7 @@ enum class ExitStatus
     done = 0,          /**< everything asked for was written */
     output_failed = 1, /**< output could not be written */
     input_failed = 2,  /**< the command line was wrong or an input could not be read */
+    cannot_tell = 3,   /**< the same for a command whose other statuses tell how a decoder is */
 };
 
 /** Ends the command with one line on standard error and a status. */
@@ -42,6 +43,9 @@ private:
  * @return text with every byte that is not printable ASCII written as \xNN
  */
 std::string printable(std::string_view text);
+
+/** Writes a line on standard error about what does not end the command, in the form of a Failure's. */
+void warn(std::string_view message);
 
 /** A path as messages show it: an empty one in quotes, so that it is seen. */
 std::string shown(const std::string& path);

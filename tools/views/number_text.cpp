@@ -166,4 +166,11 @@ void append_hex(std::string& text, std::span<const std::byte> bytes)
     }
 }
 
+std::string moment_text(std::int64_t moment)
+{
+    std::string text;
+    append_rfc3339(text, moment);
+    return text;
+}
+
 } // namespace views
