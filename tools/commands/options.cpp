@@ -79,7 +79,7 @@ CLI::Option* add_source(CLI::App& command, sources::Source& source)
     add_directory(command, source.directory);
     return command
         .add_option("SOURCE", source.text,
-                    "A live decoder by name or path, sample:SCENARIO, a directory of record files, or a record file, - for standard input; "
+                    "A live decoder by name or path, sample:SCENARIO, a capture file, a directory of record files, or a record file, - for standard input; "
                     "the only live decoder without one")
         ->type_name("");
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <clocale>
 #include <cmath>
 #include <cstring>
 #include <netdb.h>
@@ -28,9 +29,9 @@ struct Service
 };
 
 /** The H.273 services take unsigned code points. */
-template <char* (*Name)(unsigned int, char*, std::size_t)> char* of_code_point(int code, char* buffer, std::size_t size)
+template <char* (*name)(unsigned int, char*, std::size_t)> char* of_code_point(int code, char* buffer, std::size_t size)
 {
-    return Name(static_cast<unsigned int>(code), buffer, size);
+    return name(static_cast<unsigned int>(code), buffer, size);
 }
 
 constexpr std::array services = {
@@ -55,10 +56,20 @@ constexpr std::array services = {
     Service{&states::buffering_mode, SessMgr_GetCBufferingModeString},
 };
 
-/** As the reports explain it: address lookups have negative codes. The C locale's words, whatever locale is set. */
+/** The C locale's words for an error of an address lookup, whatever locale is set. */
+std::string lookup_error_text(int code)
+{
+    static const locale_t c_locale = newlocale(LC_ALL_MASK, "C", nullptr);
+    const locale_t set_locale = uselocale(c_locale);
+    std::string text = gai_strerror(code);
+    uselocale(set_locale);
+    return text;
+}
+
+/** As the reports explain it: errors of address lookups have negative codes. */
 std::string system_error_text(int code)
 {
-    if (code < 0) return gai_strerror(code);
+    if (code < 0) return lookup_error_text(code);
     const char* text = strerrordesc_np(code);
     return text != nullptr ? text : "Unknown error " + std::to_string(code);
 }
