@@ -10,6 +10,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "layout_section.h"
+
 namespace publisher
 {
 
@@ -58,36 +60,9 @@ struct Section
 };
 static_assert(offsetof(Section, id) == 4 && offsetof(Section, offset) == 8 && offsetof(Section, size) == 16 && sizeof(Section) == 24);
 
-/** The start of a layout section. The rows of the fields follow it, then their texts. */
-struct Layout
-{
-    char component[32];        /**< as in public names, filled up with NULs: clock_recovery */
-    std::uint32_t record_size; /**< [bytes] */
-    std::uint32_t field_count; /**< rows */
-    std::uint32_t row_size;    /**< size of a row [bytes] */
-    std::uint32_t first_field; /**< bit of the first row's field in the not_measured section; the others' follow in order */
-};
-static_assert(offsetof(Layout, record_size) == 32 && offsetof(Layout, field_count) == 36 && offsetof(Layout, row_size) == 40);
-static_assert(offsetof(Layout, first_field) == 44 && sizeof(Layout) == 48);
-
-/** A field. Its texts have no NULs at their ends. */
-struct FieldRow
-{
-    std::uint32_t offset;        /**< in the record, in an array that of element 0 [bytes] */
-    std::uint32_t size;          /**< of one of it [bytes] */
-    std::uint32_t count;         /**< elements of its array; 1 where it stands in none */
-    std::uint32_t stride;        /**< size of an element of the array [bytes]; 0 where it stands in none */
-    std::uint32_t name_offset;   /**< of the public name without the component, from the section's start [bytes] */
-    std::uint32_t member_offset; /**< of the C member's name, from the section's start [bytes] */
-    std::uint16_t name_length;   /**< [bytes] */
-    std::uint16_t member_length; /**< [bytes] */
-    std::uint16_t type;          /**< dictionary::Type */
-    std::uint16_t reserved;      /**< 0 */
-};
-static_assert(offsetof(FieldRow, size) == 4 && offsetof(FieldRow, count) == 8 && offsetof(FieldRow, stride) == 12);
-static_assert(offsetof(FieldRow, name_offset) == 16 && offsetof(FieldRow, member_offset) == 20);
-static_assert(offsetof(FieldRow, name_length) == 24 && offsetof(FieldRow, member_length) == 26);
-static_assert(offsetof(FieldRow, type) == 28 && offsetof(FieldRow, reserved) == 30 && sizeof(FieldRow) == 32);
+/** A layout section. Its first_field is the bit of the first row's field in the not_measured section; the others' follow in order. */
+using Layout = dictionary::LayoutSection;
+using FieldRow = dictionary::LayoutRow;
 
 /** What is written and read at the same time consists of these. */
 using Word = std::atomic<std::uint64_t>;

@@ -31,6 +31,7 @@ struct Instance
 struct Snapshot
 {
     std::string decoder;                  /**< name of the decoder; empty = none is known, as for record files */
+    std::string host;                     /**< name and release of what publishes its records; empty = not known. Any bytes. */
     std::optional<Instance> instance;     /**< nothing = not known */
     std::int64_t taken_at = 0;            /**< the moment [ns since the epoch, UTC] */
     std::bitset<component_count> present; /**< the components whose record is here, by Component::index */

@@ -136,7 +136,7 @@ private:
         std::vector<std::byte> bytes(section.size);
         if (!read_at(descriptor_, section.offset, bytes)) return damaged("has become shorter");
         std::string problem;
-        std::optional<RecordLayout> layout = read_layout(bytes, problem);
+        std::optional<dictionary::RecordLayout> layout = dictionary::read_layout(bytes, problem);
         if (!layout) return damaged(problem);
         if (layout->component == nullptr) return true;
         const std::size_t index = layout->component->index;
@@ -159,7 +159,7 @@ private:
         }
         case SectionType::heartbeat: return take_slot(section, 1, contents_.heartbeat_slot);
         case SectionType::not_measured:
-            contents_.not_measured_words = std::min((section.size - std::min(section.size, sizeof(Slot))) / 8, most_fields / 64);
+            contents_.not_measured_words = std::min((section.size - std::min(section.size, sizeof(Slot))) / 8, dictionary::most_fields / 64);
             return take_slot(section, contents_.not_measured_words, contents_.not_measured_slot);
         default: return true;
         }

@@ -11,7 +11,7 @@
 #include <cstdint>
 #include <string>
 
-#include "layout.h"
+#include "record_layout.h"
 #include "snapshot.h"
 
 namespace published
@@ -20,7 +20,7 @@ namespace published
 /** A record and where it stands. */
 struct Record
 {
-    RecordLayout layout;  /**< layout.component is NULL where the file has no such component */
+    dictionary::RecordLayout layout;  /**< layout.component is NULL where the file has no such component */
     std::size_t slot = 0; /**< offset in the file; 0 = it is never published */
 };
 

@@ -13,6 +13,7 @@
 #include <utility>
 #include <vector>
 
+#include "dictionary.h"
 #include "slot.h"
 #include "why.h"
 
@@ -212,8 +213,8 @@ void Decoder::read_not_measured(records::Snapshot& snapshot) const
     for (const Record& record : contents_.records)
         for (std::size_t i = 0; i < record.layout.fields.size(); ++i)
         {
-            const std::size_t bit = record.layout.first_bit + i;
-            if (record.layout.fields[i] == unknown_field || bit / 64 >= bits.size()) continue;
+            const std::size_t bit = record.layout.first_field + i;
+            if (record.layout.fields[i] == dictionary::no_field || bit / 64 >= bits.size()) continue;
             if ((bits[bit / 64] >> bit % 64 & 1) != 0) snapshot.not_measured.set(record.layout.fields[i]);
         }
 }

@@ -22,7 +22,7 @@ std::string failure_of(const std::string& source, const std::optional<sources::A
 {
     try
     {
-        sources::take(source, at);
+        sources::take({source}, at);
     }
     catch (const files::Failure& failure)
     {
@@ -42,7 +42,7 @@ void expect_same_records(const records::Snapshot& one, const records::Snapshot& 
 
 TEST(Source, ASampleAtAMoment)
 {
-    const records::Snapshot snapshot = sources::take("sample:trouble", sources::At{moment});
+    const records::Snapshot snapshot = sources::take({"sample:trouble"}, sources::At{moment});
     EXPECT_EQ(snapshot.taken_at, moment);
     EXPECT_TRUE(snapshot.present.all());
     EXPECT_EQ(snapshot.decoder, "");
@@ -52,7 +52,7 @@ TEST(Source, ASampleAtAMoment)
 TEST(Source, ASampleWithoutAMomentIsOfNow)
 {
     const std::int64_t before = sources::present_moment();
-    const std::int64_t taken = sources::take("sample:idle", {}).taken_at;
+    const std::int64_t taken = sources::take({"sample:idle"}, {}).taken_at;
     EXPECT_LE(before, taken);
     EXPECT_LE(taken, sources::present_moment());
     EXPECT_NEAR(static_cast<double>(taken) / 1e9, static_cast<double>(std::time(nullptr)), 2);
@@ -71,7 +71,7 @@ TEST(Source, ADirectoryIsItsRecords)
     sources::write_record_files(sample, directory.path());
     directory.write("notes.txt", "no record");
     directory.write(".usage.rec.Xyz123", "left behind");
-    const records::Snapshot snapshot = sources::take(directory.path(), sources::At{moment});
+    const records::Snapshot snapshot = sources::take({directory.path()}, sources::At{moment});
     EXPECT_EQ(snapshot.taken_at, moment);
     expect_same_records(snapshot, sample);
 }
@@ -85,7 +85,7 @@ TEST(Source, ADirectoryOfSomeRecordsUnderOtherNames)
         if (name != "audio.rec" && name != "tdemux.rec") std::filesystem::remove(directory / name);
     std::filesystem::rename(directory / "audio.rec", directory / "from-unit-7.rec");
 
-    const records::Snapshot snapshot = sources::take(directory.path(), sources::At{moment});
+    const records::Snapshot snapshot = sources::take({directory.path()}, sources::At{moment});
     EXPECT_EQ(snapshot.present.count(), 2U);
     for (const char* const name : {"audio", "tdemux"})
     {
@@ -102,7 +102,7 @@ TEST(Source, ADirectoryStandsForWhenItsLastRecordWasWritten)
     const auto last = std::filesystem::last_write_time(directory / "audio.rec") + std::chrono::hours(1);
     std::filesystem::last_write_time(directory / "buffering.rec", last);
     const auto since_epoch = std::chrono::file_clock::to_sys(last).time_since_epoch();
-    EXPECT_EQ(sources::take(directory.path(), sources::At{}).taken_at,
+    EXPECT_EQ(sources::take({directory.path()}, sources::At{}).taken_at,
               std::chrono::duration_cast<std::chrono::nanoseconds>(since_epoch).count());
 }
 
@@ -131,7 +131,7 @@ TEST(Source, ARecordFileTellsItsComponentByItsSize)
     {
         const std::span<const std::byte> record = sample.record(component);
         const std::string file = directory.write("record", std::string(reinterpret_cast<const char*>(record.data()), record.size()));
-        const records::Snapshot snapshot = sources::take(file, sources::At{moment});
+        const records::Snapshot snapshot = sources::take({file}, sources::At{moment});
         EXPECT_EQ(snapshot.present, std::bitset<records::component_count>(1U << component.index)) << component.name;
         EXPECT_TRUE(std::ranges::equal(snapshot.record(component), record)) << component.name;
     }

@@ -111,11 +111,19 @@ int run(int argc, char** argv, void (*close_output)())
     app.fallthrough();
     app.add_option("--library", library, "Load this report library instead of libstats.so")->type_name("FILE");
     add_show(app, library);
-    add_describe(app);
+    add_list(app);
+    add_watch(app, library);
+    add_diff(app);
     add_diagnose(app, status);
+    add_capture(app);
+    add_history(app);
+    add_check(app);
+    add_repair(app);
+    add_describe(app);
     add_demo(app, library);
     add_print(app, library);
     add_sample(app);
+    add_simulate(app);
     add_version(app, library);
 
     try

@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <utility>
 
+#include "duration.h"
+#include "failure.h"
+#include "field_search.h"
 #include "sample.h"
 
 namespace commands
@@ -47,7 +50,7 @@ void add_components(CLI::App& command, std::bitset<records::component_count>& co
     command.footer(component_help());
 }
 
-void add_at(CLI::App& command, std::optional<sources::At>& at)
+void add_moment(CLI::App& command, const std::string& name, std::optional<sources::At>& at, const std::string& description)
 {
     const auto check = [](const std::string& value)
     {
@@ -56,10 +59,70 @@ void add_at(CLI::App& command, std::optional<sources::At>& at)
     };
     command
         .add_option_function<std::string>(
-            "--at", [&at](const std::string& value) { at = sources::parse_at(value); },
-            "Moment that the ages count to: RFC 3339, seconds since the epoch, or mtime of the file")
+            name, [&at](const std::string& value) { at = sources::parse_at(value); }, description)
         ->check({check, ""})
         ->type_name("TIME");
+}
+
+void add_at(CLI::App& command, std::optional<sources::At>& at)
+{
+    add_moment(command, "--at", at, "Moment that the ages count to: RFC 3339, seconds since the epoch, or mtime of the file");
+}
+
+void add_fields(CLI::App& command, std::vector<std::string>& names)
+{
+    command.add_option("--field", names, "Show these fields only, by their public names")->type_name("NAME...");
+}
+
+CLI::Option* add_source(CLI::App& command, sources::Source& source)
+{
+    add_directory(command, source.directory);
+    return command
+        .add_option("SOURCE", source.text,
+                    "A live decoder by name or path, sample:SCENARIO, a capture file, a directory of record files, or a record file, - for standard input; "
+                    "the only live decoder without one")
+        ->type_name("");
+}
+
+void add_directory(CLI::App& command, std::string& directory)
+{
+    command.add_option("--directory", directory, "Where live decoders are")
+        ->type_name("DIR")
+        ->envname("DECSTATS_DIRECTORY")
+        ->capture_default_str();
+}
+
+CLI::Option* add_duration(CLI::App& command, const std::string& name, std::chrono::nanoseconds& duration, std::chrono::nanoseconds least,
+                          const std::string& description)
+{
+    const auto check = [least](const std::string& value)
+    {
+        const auto read = sources::parse_duration(value);
+        if (!read) return "'" + value + "' is no duration; a duration is as 500ms, 1.5s, 10m, 2h or 1d";
+        return *read < least ? "'" + value + "' is too short" : std::string();
+    };
+    return command
+        .add_option_function<std::string>(
+            name, [&duration](const std::string& value) { duration = *sources::parse_duration(value); }, description)
+        ->check({check, ""})
+        ->type_name("TIME");
+}
+
+std::vector<dictionary::Found> named_fields(const std::vector<std::string>& names)
+{
+    std::vector<dictionary::Found> found;
+    for (const std::string& name : names)
+    {
+        const auto field = dictionary::find(name);
+        if (!field)
+        {
+            const std::vector<std::string> nearest = views::nearest_field_names(name);
+            const std::string near = nearest.empty() ? "'decstats describe' lists all" : "near it are " + joined(nearest);
+            throw files::Failure(files::ExitStatus::input_failed, "'" + name + "' is no field; " + near);
+        }
+        found.push_back(*field);
+    }
+    return found;
 }
 
 CLI::Option* add_scenario(CLI::App& command, std::string& scenario)

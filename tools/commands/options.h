@@ -6,6 +6,7 @@
 #define COMMANDS_OPTIONS_H
 
 #include <bitset>
+#include <chrono>
 #include <optional>
 #include <string>
 #include <vector>
@@ -13,7 +14,8 @@
 #include <CLI/CLI.hpp>
 
 #include "component.h"
-#include "moment.h"
+#include "dictionary.h"
+#include "source.h"
 
 namespace commands
 {
@@ -33,8 +35,27 @@ void add_level(CLI::App& command, STATS_LEVEL& level);
 /** Adds "--component NAME", which may be repeated. */
 void add_components(CLI::App& command, std::bitset<records::component_count>& components);
 
+/** Adds an option whose value is a moment. */
+void add_moment(CLI::App& command, const std::string& name, std::optional<sources::At>& at, const std::string& description);
+
 /** Adds "--at TIME". */
 void add_at(CLI::App& command, std::optional<sources::At>& at);
+
+/** Adds "--field NAME...". */
+void add_fields(CLI::App& command, std::vector<std::string>& names);
+
+/** The fields that --field names. @throw Failure if there is no field of a name, with those that are near */
+std::vector<dictionary::Found> named_fields(const std::vector<std::string>& names);
+
+/** Adds the argument SOURCE, and the option that its live decoders are looked for with. */
+CLI::Option* add_source(CLI::App& command, sources::Source& source);
+
+/** Adds "--directory DIR", where live decoders are. */
+void add_directory(CLI::App& command, std::string& directory);
+
+/** Adds an option whose value is a duration. @param least what it is not below */
+CLI::Option* add_duration(CLI::App& command, const std::string& name, std::chrono::nanoseconds& duration, std::chrono::nanoseconds least,
+                          const std::string& description);
 
 /** Adds the argument SCENARIO. */
 CLI::Option* add_scenario(CLI::App& command, std::string& scenario);

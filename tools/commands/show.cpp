@@ -10,7 +10,6 @@
 #include "commands.h"
 #include "failure.h"
 #include "field_lines.h"
-#include "field_search.h"
 #include "json.h"
 #include "metrics.h"
 #include "options.h"
@@ -27,7 +26,7 @@ namespace
 
 struct Options
 {
-    std::string source;
+    sources::Source source;
     std::bitset<records::component_count> components;
     STATS_LEVEL level = STATS_LEVEL_DEFAULT;
     std::string format = "text";
@@ -54,22 +53,6 @@ void check(const Options& options)
         fail("--output is for what programs read: --format json, ndjson, openmetrics or prometheus");
 }
 
-std::vector<dictionary::Found> named_fields(const std::vector<std::string>& names)
-{
-    std::vector<dictionary::Found> found;
-    for (const std::string& name : names)
-    {
-        const auto field = dictionary::find(name);
-        if (!field)
-        {
-            const std::vector<std::string> nearest = views::nearest_field_names(name);
-            fail("'" + name + "' is no field; " + (nearest.empty() ? "'decstats describe' lists all" : "near it are " + joined(nearest)));
-        }
-        found.push_back(*field);
-    }
-    return found;
-}
-
 /** Leaves the wanted components in a Snapshot. Tells which records a directory does not have, unless they are not wanted. */
 void restrict(records::Snapshot& snapshot, const Options& options, const std::vector<dictionary::Found>& fields)
 {
@@ -79,13 +62,13 @@ void restrict(records::Snapshot& snapshot, const Options& options, const std::ve
     for (const records::Component& component : records::components())
     {
         if (snapshot.has(component)) continue;
-        if (wanted[component.index]) fail(files::shown(options.source) + ": no " + std::string(component.name) + " record");
+        if (wanted[component.index]) fail(files::shown(options.source.text) + ": no " + std::string(component.name) + " record");
         missing += (missing.empty() ? "" : ", ") + std::string(component.name);
     }
     if (wanted.any())
         snapshot.present &= wanted;
-    else if (!missing.empty() && std::filesystem::is_directory(options.source))
-        std::fprintf(stderr, "decstats: %s: no record of %s\n", files::printable(options.source).c_str(), missing.c_str());
+    else if (!missing.empty() && std::filesystem::is_directory(options.source.text))
+        std::fprintf(stderr, "decstats: %s: no record of %s\n", files::printable(options.source.text).c_str(), missing.c_str());
 }
 
 std::string json(const records::Snapshot& snapshot, const Options& options, const std::vector<dictionary::Found>& fields)
@@ -136,9 +119,7 @@ void add_show(CLI::App& app, const LibraryFile& library)
 {
     const auto options = std::make_shared<Options>();
     CLI::App& command = add_command(app, "show", "Show the records of a decoder as reports, JSON or metrics");
-    command.add_option("SOURCE", options->source, "sample:SCENARIO, a directory of record files, or a record file, - for standard input")
-        ->type_name("")
-        ->required();
+    add_source(command, options->source);
     add_components(command, options->components);
     add_level(command, options->level);
     command.add_option("--format", options->format, "text, json, ndjson (one line), openmetrics or prometheus")
@@ -147,7 +128,7 @@ void add_show(CLI::App& app, const LibraryFile& library)
         ->capture_default_str();
     command.add_flag("--raw", options->raw, "JSON of all bytes as they stand in the records, nothing interpreted");
     add_at(command, options->at);
-    command.add_option("--field", options->fields, "Show these fields only, by their public names")->type_name("NAME...");
+    add_fields(command, options->fields);
     command.add_option("--output", options->output, "Write this file, whole at once, instead of standard output")->type_name("FILE");
     command.callback([options, &library] { show(*options, library); });
 }

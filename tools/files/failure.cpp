@@ -1,5 +1,7 @@
 #include "failure.h"
 
+#include <cstdio>
+
 namespace files
 {
 
@@ -19,6 +21,11 @@ std::string printable(std::string_view text)
             (escaped += "\\x").append({digits[byte >> 4], digits[byte & 0x0f]});
     }
     return escaped;
+}
+
+void warn(std::string_view message)
+{
+    std::fprintf(stderr, "decstats: %s\n", printable(message).c_str());
 }
 
 std::string shown(const std::string& path)

@@ -44,6 +44,9 @@ private:
  */
 std::string printable(std::string_view text);
 
+/** Writes a line on standard error about what does not end the command, in the form of a Failure's. */
+void warn(std::string_view message);
+
 /** A path as messages show it: an empty one in quotes, so that it is seen. */
 std::string shown(const std::string& path);
 

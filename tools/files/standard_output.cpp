@@ -10,10 +10,24 @@
 namespace files
 {
 
+namespace
+{
+
+[[noreturn]] void fail()
+{
+    throw Failure(ExitStatus::output_failed, std::string("standard output: ") + std::strerror(errno));
+}
+
+} // namespace
+
 void print(std::string_view text)
 {
-    if (std::fwrite(text.data(), 1, text.size(), stdout) == text.size()) return;
-    throw Failure(ExitStatus::output_failed, std::string("standard output: ") + std::strerror(errno));
+    if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size()) fail();
+}
+
+void flush()
+{
+    if (std::fflush(stdout) != 0) fail();
 }
 
 } // namespace files

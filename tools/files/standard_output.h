@@ -16,6 +16,12 @@ namespace files
  */
 void print(std::string_view text);
 
+/**
+ * Writes out what standard output still holds.
+ * @throw Failure if it cannot be written
+ */
+void flush();
+
 } // namespace files
 
 #endif

@@ -3,24 +3,42 @@
 #include <filesystem>
 #include <string_view>
 
+#include "capture_source.h"
 #include "failure.h"
+#include "live.h"
 #include "record_files.h"
 #include "sample.h"
 
 namespace sources
 {
 
-records::Snapshot take(const std::string& source, const std::optional<At>& at)
+namespace
+{
+
+[[noreturn]] void fail(const std::string& message)
+{
+    throw files::Failure(files::ExitStatus::input_failed, message);
+}
+
+} // namespace
+
+records::Snapshot take(const Source& source, const std::optional<At>& at)
 {
     constexpr std::string_view sample_prefix = "sample:";
-    if (source.starts_with(sample_prefix))
+    if (source.text.starts_with(sample_prefix))
     {
-        if (at && !at->moment) throw files::Failure(files::ExitStatus::input_failed, source + ": is no file, so it has no mtime for --at");
-        return sample(source.substr(sample_prefix.size()), at ? *at->moment : present_moment());
+        if (at && !at->moment) fail(source.text + ": is no file, so it has no mtime for --at");
+        return sample(source.text.substr(sample_prefix.size()), at ? *at->moment : present_moment());
     }
+    if (const auto path = find_live(source))
+    {
+        if (at) fail(*path + ": a live decoder is shown as it is now; --at is for what is saved");
+        return take_live(*path);
+    }
+    if (is_capture(source.text)) return take_captured(source.text, at);
     std::error_code ignored; // what cannot be looked at is opened, and that says why
-    if (std::filesystem::is_directory(source, ignored)) return record_directory(source, at);
-    return record_file(nullptr, source, at);
+    if (std::filesystem::is_directory(source.text, ignored)) return record_directory(source.text, at);
+    return record_file(nullptr, source.text, at);
 }
 
 } // namespace sources

@@ -146,7 +146,7 @@ std::vector<std::string_view> find_labels(std::string_view what, const std::vect
                 if (is_meant(line.label, lower(what)) && std::ranges::find(found, line.label) == found.end()) found.push_back(line.label);
         return found;
     };
-    const std::vector<std::string_view> same = labels(is_label);
+    std::vector<std::string_view> same = labels(is_label);
     if (!same.empty() || !std::ranges::none_of(fields, [&](const Field* field) { return is_called(*field, simple(what)); })) return same;
     return labels(has_words);
 }

@@ -166,4 +166,17 @@ void append_hex(std::string& text, std::span<const std::byte> bytes)
     }
 }
 
+std::string moment_text(std::int64_t moment)
+{
+    std::string text;
+    append_rfc3339(text, moment);
+    return text;
+}
+
+std::string seconds_text(std::int64_t nanoseconds)
+{
+    std::array<char, number_size> buffer;
+    return {buffer.data(), write_scaled(buffer.data(), nanoseconds, 1, 1'000'000'000)};
+}
+
 } // namespace views

@@ -1,10 +1,10 @@
 /**
- * @file layout.h
- * How the records of a published file become the records of this program. A host of another release may have other fields:
- * they are found by their names.
+ * @file record_layout.h
+ * The layouts of records in files: how this program's are written, and how records laid out otherwise become records of this
+ * program. A file of another release may have other fields: they are found by their names.
  */
-#ifndef PUBLISHER_READER_LAYOUT_H
-#define PUBLISHER_READER_LAYOUT_H
+#ifndef DICTIONARY_RECORD_LAYOUT_H
+#define DICTIONARY_RECORD_LAYOUT_H
 
 #include <bitset>
 #include <cstddef>
@@ -15,8 +15,9 @@
 #include <vector>
 
 #include "component.h"
+#include "layout_section.h"
 
-namespace published
+namespace dictionary
 {
 
 /** A field that both sides have, of the same type and size. */
@@ -30,19 +31,17 @@ struct FieldCopy
     std::size_t count;       /**< elements that both sides have */
 };
 
-/** Stands for a field that this program does not have. */
-inline constexpr std::uint16_t unknown_field = 0xFFFF;
-
-/** What a layout section says. */
+/** What a layout says. */
 struct RecordLayout
 {
     const records::Component* component = nullptr; /**< NULL = this program has no such component */
     std::size_t record_size = 0;                   /**< in the file [bytes] */
     bool same = false;                             /**< every field stands where it stands here */
     std::vector<FieldCopy> copies;                 /**< empty where same */
+    std::vector<LayoutRow> rows;                   /**< the fields of the file, each within its record */
     std::bitset<1024> missing;                     /**< own fields that the file does not have, by place in the dictionary */
-    std::size_t first_bit = 0;                     /**< bit of its first field in the section of what is not measured */
-    std::vector<std::uint16_t> fields;             /**< places in the dictionary by field of the file, or unknown_field */
+    std::size_t first_field = 0;                   /**< LayoutSection::first_field */
+    std::vector<std::uint16_t> fields;             /**< places in the dictionary by field of the file, or no_field */
 
     /** A record of the file as one of this program. @param from record_size bytes @param to zeros, as many as the own record */
     void convert(std::span<const std::byte> from, std::span<std::byte> to) const;
@@ -52,14 +51,17 @@ struct RecordLayout
 inline constexpr std::size_t largest_record = 1 << 20;
 inline constexpr std::size_t most_fields = 1 << 14;
 
+/** The layout of a component's record in this program. @return a LayoutSection and what follows it */
+std::vector<std::byte> layout_section(const records::Component& component);
+
 /**
- * Reads a layout section.
- * @param bytes   the section, of any content
+ * Reads a layout. What it says of every field, one of a component that this program does not have included, lies within the record.
+ * @param bytes   a LayoutSection and what follows it, of any content
  * @param problem what is wrong with it
  * @return or nothing, with problem set
  */
 std::optional<RecordLayout> read_layout(std::span<const std::byte> bytes, std::string& problem);
 
-} // namespace published
+} // namespace dictionary
 
 #endif

@@ -1,0 +1,204 @@
+#include "frames.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <zlib.h>
+
+#include "capture_error.h"
+
+namespace capture
+{
+
+namespace
+{
+
+constexpr std::size_t buffer_size = 256 * 1024;
+static_assert(longest_payload >= buffer_size);
+
+std::uint32_t word_in(std::span<const std::byte> bytes, std::size_t offset)
+{
+    std::uint32_t word = 0;
+    std::memcpy(&word, bytes.data() + offset, sizeof word);
+    return word;
+}
+
+std::size_t length_in(std::uint32_t word)
+{
+    return word & 0xFFFFFF;
+}
+
+std::uint32_t frame_crc(std::uint32_t word, std::span<const std::byte> payload)
+{
+    return crc_of(payload, crc_of(std::as_bytes(std::span(&word, 1))));
+}
+
+} // namespace
+
+std::uint32_t crc_of(std::span<const std::byte> bytes, std::uint32_t before)
+{
+    return static_cast<std::uint32_t>(crc32_z(before, reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size()));
+}
+
+std::uint32_t put_frame(Output& out, FrameType type, std::span<const std::byte> payload)
+{
+    const std::uint32_t word = frame_word(type, payload.size());
+    const std::uint32_t crc = frame_crc(word, payload);
+    out.put(word);
+    out.put(crc);
+    out.put_bytes(payload);
+    out.put(word);
+    return crc;
+}
+
+FileHeader file_header()
+{
+    FileHeader header = {.magic = magic, .version = format_version, .byte_order = byte_order, .size = sizeof(FileHeader), .crc = 0};
+    header.crc = crc_of(std::as_bytes(std::span(&header, 1)).first(offsetof(FileHeader, crc)));
+    return header;
+}
+
+FrameReader::FrameReader(const std::string& path)
+    : path_(path), descriptor_(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)), buffer_(buffer_size)
+{
+    if (descriptor_ < 0) throw system_error(Problem::unreadable, path_, errno);
+    struct stat status = {};
+    if (fstat(descriptor_, &status) == 0 && S_ISREG(status.st_mode)) return;
+    close(descriptor_);
+    throw Error(Problem::unreadable, path_, "not a regular file");
+}
+
+FrameReader::~FrameReader()
+{
+    close(descriptor_);
+}
+
+std::uint64_t FrameReader::file_size() const
+{
+    struct stat status = {};
+    if (fstat(descriptor_, &status) != 0) throw system_error(Problem::unreadable, path_, errno);
+    return static_cast<std::uint64_t>(status.st_size);
+}
+
+/** Reads what there is of a range. */
+std::size_t FrameReader::read(std::uint64_t offset, std::span<std::byte> bytes) const
+{
+    std::size_t done = 0;
+    while (done < bytes.size())
+    {
+        const ssize_t count = pread(descriptor_, bytes.data() + done, bytes.size() - done, static_cast<off_t>(offset + done));
+        if (count < 0 && errno == EINTR) continue;
+        if (count < 0) throw system_error(Problem::unreadable, path_, errno);
+        if (count == 0) break;
+        done += static_cast<std::size_t>(count);
+    }
+    return done;
+}
+
+/** The bytes of a range, or none if the file does not have all of them. They stay until the next call. */
+std::span<const std::byte> FrameReader::load(std::uint64_t offset, std::size_t size)
+{
+    if (offset < buffer_offset_ || offset + size > buffer_offset_ + buffered_)
+    {
+        if (buffer_.size() < size) buffer_.resize(size);
+        buffered_ = read(offset, buffer_);
+        buffer_offset_ = offset;
+        if (buffered_ < size) return {};
+    }
+    return std::span(buffer_).subspan(static_cast<std::size_t>(offset - buffer_offset_), size);
+}
+
+/** Whether two equal words of a believable frame stand there. Its type must be known: what is searched for is sure to be one. */
+bool FrameReader::begins_frame(std::uint64_t offset)
+{
+    const std::span<const std::byte> head = load(offset, frame_head);
+    if (head.empty()) return false;
+    const std::uint32_t word = word_in(head, 0);
+    const std::size_t length = length_in(word);
+    if (word >> 24 == 0 || word >> 24 > last_frame_type || length > longest_payload) return false;
+    const std::uint64_t last = offset + frame_head + length;
+    if (last + sizeof word > size_) return false;
+    std::uint32_t last_word = 0;
+    if (last + sizeof word <= buffer_offset_ + buffered_)
+        last_word = word_in(buffer_, static_cast<std::size_t>(last - buffer_offset_));
+    else if (read(last, std::as_writable_bytes(std::span(&last_word, 1))) != sizeof last_word) // the buffer stays where the search is
+        return false;
+    return word == last_word;
+}
+
+/** The bytes of the frame that two equal words enclose, or none. */
+std::span<const std::byte> FrameReader::frame_at(std::uint64_t offset)
+{
+    const std::span<const std::byte> head = load(offset, frame_head);
+    if (head.empty()) return {};
+    const std::uint32_t word = word_in(head, 0);
+    const std::size_t length = length_in(word);
+    if (length > longest_payload) return {};
+    const std::span<const std::byte> frame = load(offset, frame_overhead + length);
+    if (frame.empty() || word_in(frame, frame_head + length) != word) return {};
+    return frame;
+}
+
+/** What is lost between an offset and the next whole frame. Without one it may be a frame that is being written. */
+FrameReader::Part FrameReader::search(std::uint64_t offset)
+{
+    size_ = file_size();
+    for (std::uint64_t next = offset + 1; next + frame_overhead <= size_; ++next)
+    {
+        if (!begins_frame(next)) continue;
+        const std::span<const std::byte> frame = frame_at(next);
+        if (frame.empty()) continue;
+        const std::size_t length = frame.size() - frame_overhead;
+        if (frame_crc(word_in(frame, 0), frame.subspan(frame_head, length)) != word_in(frame, 4)) continue;
+        offset_ = next;
+        return {.kind = Part::Kind::lost, .offset = offset, .size = next - offset};
+    }
+    buffered_ = 0; // what stands there may change
+    return {.kind = Part::Kind::end, .offset = offset, .size = size_ - std::min(offset, size_)};
+}
+
+FrameReader::Part FrameReader::next(Check check)
+{
+    const std::uint64_t offset = offset_;
+    const std::span<const std::byte> frame = frame_at(offset);
+    if (frame.empty()) return search(offset);
+
+    const std::uint32_t word = word_in(frame, 0);
+    Part part = {.kind = Part::Kind::frame,
+                 .offset = offset,
+                 .size = frame.size(),
+                 .type = static_cast<FrameType>(word >> 24),
+                 .crc = word_in(frame, 4),
+                 .payload = frame.subspan(frame_head, frame.size() - frame_overhead),
+                 .bytes = frame};
+    offset_ += frame.size();
+    if (check == Check::index && part.type == FrameType::change) return part;
+    if (frame_crc(word, part.payload) != part.crc) part.kind = Part::Kind::lost;
+    return part;
+}
+
+Start FrameReader::start()
+{
+    FileHeader header = {};
+    const std::span<std::byte> bytes = std::as_writable_bytes(std::span(&header, 1));
+    const std::size_t count = read(0, bytes);
+    const bool has_magic = count >= sizeof magic && header.magic == magic;
+    const bool is_whole = count == sizeof header && has_magic && header.crc == crc_of(bytes.first(offsetof(FileHeader, crc)));
+    offset_ = sizeof header;
+    if (is_whole)
+    {
+        if (header.version != format_version || header.byte_order != byte_order) return Start::other_version;
+        offset_ = std::max<std::uint64_t>(header.size, sizeof header);
+        return Start::good;
+    }
+    // A file without its magic is none, unless a whole frame stands where the first one does.
+    size_ = file_size();
+    const bool has_frame = begins_frame(offset_) && next().kind == Part::Kind::frame;
+    offset_ = sizeof header;
+    return has_magic || has_frame ? Start::damaged : Start::none;
+}
+
+} // namespace capture

@@ -1,0 +1,52 @@
+/**
+ * @file list.cpp
+ * decstats list: the live decoders.
+ */
+#include "list.h"
+
+#include <memory>
+
+#include "commands.h"
+#include "decoder_list.h"
+#include "failure.h"
+#include "json.h"
+#include "options.h"
+#include "standard_output.h"
+
+namespace commands
+{
+
+namespace
+{
+
+struct Options
+{
+    std::string directory = std::string(published::default_directory);
+    std::string format = "text";
+};
+
+void list(const Options& options)
+{
+    const published::Listing listing = published::list(options.directory);
+    if (listing.problem) throw files::Failure(files::ExitStatus::input_failed, listing.problem->text);
+    const std::int64_t now = sources::present_moment();
+    if (options.format == "json") return files::print(views::indented(views::decoders_json(listing, options.directory, now)) + "\n");
+    if (listing.decoders.empty()) files::warn("no decoder is published in " + files::shown(options.directory));
+    files::print(views::decoder_lines(listing, now));
+}
+
+} // namespace
+
+void add_list(CLI::App& app)
+{
+    const auto options = std::make_shared<Options>();
+    CLI::App& command = add_command(app, "list", "List the live decoders and how they stand");
+    add_directory(command, options->directory);
+    command.add_option("--format", options->format, "text or json")
+        ->check(one_of({"text", "json"}))
+        ->type_name("FORMAT")
+        ->capture_default_str();
+    command.callback([options] { list(*options); });
+}
+
+} // namespace commands

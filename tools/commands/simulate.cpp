@@ -1,0 +1,147 @@
+/**
+ * @file simulate.cpp
+ * decstats simulate: a host process that publishes a living sample.
+ */
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "commands.h"
+#include "failure.h"
+#include "name.h"
+#include "options.h"
+#include "signals.h"
+#include "simulation.h"
+#include "standard_output.h"
+#include "stats_publish.h"
+
+namespace commands
+{
+
+namespace
+{
+
+using std::chrono::nanoseconds;
+
+/** How often the records move on and are published. Every tenth time is a heartbeat. */
+constexpr nanoseconds step = std::chrono::milliseconds(100);
+
+/** No simulation catches up with more than this, as after a suspended process goes on. */
+constexpr nanoseconds longest_step = std::chrono::hours(1);
+
+struct Options
+{
+    std::string scenario;
+    std::string name;
+    std::string directory = std::string(published::default_directory);
+    nanoseconds lasts = nanoseconds::max();
+    std::string fault;
+    nanoseconds after = {};
+    bool list_faults = false;
+};
+
+class Publisher
+{
+public:
+    Publisher(const std::string& name, const std::string& directory)
+    {
+        STATS_PUBLISH_ERROR error;
+        publisher_ = STATS_PublishOpen(name.c_str(), directory.c_str(), version_line, 0, &error);
+        if (publisher_ != nullptr) return;
+        const bool is_wrong = error.enCode == STATS_PUBLISH_BAD_ARGUMENT;
+        throw files::Failure(is_wrong ? files::ExitStatus::input_failed : files::ExitStatus::output_failed, error.szText);
+    }
+    ~Publisher() { STATS_PublishClose(publisher_); }
+    Publisher(const Publisher&) = delete;
+    Publisher& operator=(const Publisher&) = delete;
+
+    void publish(const SAMPLES_RECORDS& records)
+    {
+        STATS_PublishForTDemux(publisher_, &records.tTDemux);
+        STATS_PublishForVFramer(publisher_, &records.tVFramer);
+        STATS_PublishForVideoDecoder(publisher_, &records.tVideoDecoder);
+        STATS_PublishForAudioDecoder(publisher_, &records.tAudio);
+        STATS_PublishForMetadataDec(publisher_, &records.tMetadata);
+        STATS_PublishForCBuffering(publisher_, &records.tBuffering);
+        STATS_PublishForClockRecovery(publisher_, &records.tClockRecovery);
+        STATS_PublishForDecoderUsage(publisher_, &records.tUsage);
+        STATS_PublishHeartbeat(publisher_);
+    }
+
+private:
+    STATS_PUBLISHER* publisher_ = nullptr;
+};
+
+std::vector<std::string> fault_names()
+{
+    std::vector<std::string> names;
+    for (const samples::Fault& fault : samples::faults()) names.emplace_back(fault.name);
+    return names;
+}
+
+void list_faults()
+{
+    std::size_t width = 0;
+    for (const std::string& name : fault_names()) width = std::max(width, name.size());
+    for (const samples::Fault& fault : samples::faults())
+        std::printf("%-*s  %s (%s)\n", static_cast<int>(width), fault.name, fault.summary, fault.scenario);
+}
+
+void simulate(const Options& options)
+{
+    using std::chrono::steady_clock;
+    using std::chrono::system_clock;
+
+    const Signals signals({SIGINT, SIGTERM, SIGHUP});
+    const samples::Simulation::Moment start = system_clock::now();
+    // Two decoders of one scenario do not jitter alike.
+    samples::Simulation simulation(options.scenario, static_cast<std::uint64_t>(start.time_since_epoch().count()), start);
+    if (!options.fault.empty()) simulation.inject(options.fault, options.after);
+
+    const std::string& name = options.name.empty() ? options.scenario : options.name;
+    Publisher publisher(name, options.directory);
+    publisher.publish(simulation.records());
+    files::print(published::path_of(options.directory, name) + "\n");
+    files::flush();
+
+    const steady_clock::time_point begin = steady_clock::now();
+    const auto elapsed = [&] { return steady_clock::now() - begin; };
+    while (elapsed() < options.lasts)
+    {
+        if (signals.wait(std::min(step, options.lasts - elapsed()))) return;
+        simulation.advance(std::clamp<nanoseconds>(start + elapsed() - simulation.now(), {}, longest_step));
+        publisher.publish(simulation.records());
+    }
+}
+
+} // namespace
+
+void add_simulate(CLI::App& app)
+{
+    const auto options = std::make_shared<Options>();
+    CLI::App& command = add_command(app, "simulate", "Publish a living sample, as a host process publishes its decoder");
+    CLI::Option* const scenario = add_scenario(command, options->scenario);
+    command.add_option("--name", options->name, "Name of the decoder, that of the scenario without it")->type_name("NAME");
+    add_directory(command, options->directory);
+    add_duration(command, "--for", options->lasts, {}, "How long; without it, until a signal ends it");
+    CLI::Option* const fault = command.add_option("--fault", options->fault, "Let this go wrong: a name that --list-faults shows")
+                                   ->check(one_of(fault_names()))
+                                   ->type_name("NAME");
+    add_duration(command, "--after", options->after, {}, "When the fault begins, counted from the start; at once without it")->needs(fault);
+    command.add_flag("--list-faults", options->list_faults, "List the faults, each with the scenario that it is seen in")
+        ->excludes(scenario);
+    command.callback(
+        [options]
+        {
+            if (options->list_faults) return list_faults();
+            if (options->scenario.empty())
+                throw files::Failure(files::ExitStatus::input_failed, "SCENARIO is required; 'decstats demo --list' lists all");
+            simulate(*options);
+        });
+}
+
+} // namespace commands

@@ -1,0 +1,28 @@
+/**
+ * @file decoder_list.h
+ * The live decoders of a directory, and how they stand.
+ */
+#ifndef VIEWS_DECODER_LIST_H
+#define VIEWS_DECODER_LIST_H
+
+#include <cstdint>
+#include <string>
+
+#include "list.h"
+
+namespace views
+{
+
+/**
+ * The decoders for people: a line with name, state, start, instance and host, and below it what is wrong and how old the last
+ * record of each component is.
+ * @param now the moment that ages count to [ns since the epoch, UTC]
+ */
+std::string decoder_lines(const published::Listing& listing, std::int64_t now);
+
+/** The same as one line of JSON. @param directory what was listed @return without the newline at its end */
+std::string decoders_json(const published::Listing& listing, const std::string& directory, std::int64_t now);
+
+} // namespace views
+
+#endif
