@@ -31,7 +31,6 @@ constinit const Reading recovered{"tdemux.fec.recovered_packets"};
 constinit const Reading beyond{"tdemux.fec.lost_packets"};
 
 constexpr Limit lost_for_good{.least = 2, .of_million = 100};
-
 bool is_srt(const Window& window)
 {
     return window.value(encapsulation) == SMGR_STREAM_ENCAPSULATION_TS_SRT;
@@ -42,7 +41,7 @@ bool has_fec(const Window& window)
     return window.value(encapsulation) == SMGR_STREAM_ENCAPSULATION_TS_RTP && window.value(fec_type) == SMGR_FEC_TYPE_PRO_MPEG;
 }
 
-/** A share that is lost for good; from 1 % on the picture is gone for most of the time. */
+/** From 1 % on the picture is gone for most of the time. */
 bool is_lost(const Window& window, Hit& hit, const Reading& counter, std::int64_t came)
 {
     const std::int64_t bad = window.grown(counter);
@@ -84,9 +83,7 @@ const Rules& link_rules()
                 "The link is SRT, and the state of its key exchange says that the passphrases differ; or one packet in a hundred or more, "
                 "and at least 10, could not be decrypted within the window.",
             .reason = "The state is the link's own. Without it, single packets that cannot be decrypted are normal while keys change.",
-            .remedy =
-                "Enter the passphrase again at both ends rather than compare it: 10 to 79 characters, case and blanks count. Then start "
-                "the stream again.",
+            .remedy = "Enter the passphrase again at both ends rather than compare it: case and blanks count. Then restart the stream.",
             .needs_window = false,
             .causes = stops,
             .follows = no_effect,
@@ -111,8 +108,8 @@ const Rules& link_rules()
                 "The latency is below 2.5 times the round trip time, and packets came too late: 2 or more and one in ten thousand within "
                 "the window, or one in two thousand since the start.",
             .reason =
-                "A packet that was lost is missed, asked for and sent again: one and a half round trips without any further loss. SRT's "
-                "own advice is three to four. A short latency alone is no fault where nothing is lost.",
+                "A packet that was lost is missed, asked for and sent again: one and a half round trips if nothing else is lost. A short "
+                "latency alone is no fault.",
             .remedy = "Set the latency to three to four times the round trip time, at either end.",
             .needs_window = false,
             .causes = loses,
@@ -166,8 +163,8 @@ const Rules& link_rules()
             .when = "The input is RTP with Pro-MPEG FEC, and 200 media packets or more came within the window with no FEC packet.",
             .reason = "A matrix of SMPTE ST 2022-1 holds 100 packets at most, so among 200 are the FEC packets of a whole matrix.",
             .remedy =
-                "Check that the sender's FEC is on and that its ports reach this unit: the column FEC comes on the media's port + 2, the "
-                "row FEC on + 4. Or switch FEC off here.",
+                "Check that the sender's FEC is on and reaches this unit, on the media's port + 2 (columns) and + 4 (rows); or switch FEC "
+                "off here.",
             .needs_window = true,
             .causes = loses,
             .follows = stops,
