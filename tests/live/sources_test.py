@@ -24,6 +24,12 @@ def slot_of(path, component):
 
 
 class Sources(LiveTest):
+    def leave_stale(self):
+        """A decoder whose host has been killed."""
+        host = self.simulate("idle", "alpha")
+        host.kill()
+        host.wait()
+
     def test_by_name_by_path_and_the_only_one(self):
         self.simulate("idle", "alpha")
         field = ("--field", "tdemux.state")
@@ -47,8 +53,7 @@ class Sources(LiveTest):
         self.refused("show", part="%s: No such file or directory" % self.live)
 
     def test_no_decoder_is_only_stale(self):
-        self.simulate("idle", "alpha").kill()
-        self.until(lambda: self.listed()["alpha"]["state"] == "stale")
+        self.leave_stale()
         self.refused("show", part="none is live: alpha (stale)")
 
     def test_a_name_comes_before_a_file(self):
@@ -74,8 +79,7 @@ class Sources(LiveTest):
         self.refused("show", "alpha", "--at", "2022-06-14T12:14:00Z", part="--at")
 
     def test_stale(self):
-        self.simulate("idle", "alpha").kill()
-        self.until(lambda: self.listed()["alpha"]["state"] == "stale")
+        self.leave_stale()
         out, err = self.run_tool("show", "alpha", "--field", "tdemux.state")
         self.assertEqual(out, "tdemux.state stopped\n")
         self.assertIn("stale", err)
@@ -83,7 +87,7 @@ class Sources(LiveTest):
         self.assertEqual(shown["taken_at"], max(one["published_at"] for one in self.listed()["alpha"]["records"].values()))
 
     def test_cut_off(self):
-        self.simulate("idle", "alpha").kill()
+        self.leave_stale()
         slot, data = slot_of(self.path("alpha"), "audio")
         with open(self.path("alpha"), "r+b") as file:
             file.seek(slot)
@@ -122,7 +126,7 @@ class Sources(LiveTest):
         self.refused("show", part="still starting")
 
     def test_other_version_and_damaged(self):
-        self.simulate("idle", "alpha").kill()
+        self.leave_stale()
         whole = pathlib.Path(self.path("alpha")).read_bytes()
         with open(self.path("beta"), "wb") as file:
             file.write(whole[:8] + struct.pack("<I", 77) + whole[12:])
