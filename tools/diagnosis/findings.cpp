@@ -51,7 +51,7 @@ Finding finding_of(const Candidate& candidate, const Window& window)
         const auto record = window.snapshot().record(dictionary::component_of(field));
         Proof proof{.field = &field, .element = evidence.element, .value = dictionary::value(field, record, evidence.element), .grown = {}};
         if (field.kind == dictionary::Kind::counter && window.whole()) proof.grown = window.grown(*evidence.reading, evidence.element);
-        finding.evidence.push_back(std::move(proof));
+        finding.evidence.push_back(proof);
     }
     return finding;
 }
