@@ -88,6 +88,17 @@ bool OwnedFile::open_and_lock(const std::string& path)
     return stat(path.c_str(), &named) == 0 && named.st_dev == own.st_dev && named.st_ino == own.st_ino;
 }
 
+bool is_being_written(const std::string& path)
+{
+    const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (descriptor < 0) return false;
+    struct flock lock = {};
+    lock.l_type = F_RDLCK;
+    const bool is_locked = fcntl(descriptor, F_OFD_GETLK, &lock) == 0 && lock.l_type != F_UNLCK;
+    close(descriptor);
+    return is_locked;
+}
+
 Writer::Writer(const std::string& path) : path_(path), file_(path)
 {
     for (const records::Component& component : records::components())

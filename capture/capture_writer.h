@@ -40,6 +40,9 @@ private:
     int descriptor_ = -1;
 };
 
+/** Whether a process captures into a file at present. @return false also where nobody can tell */
+bool is_being_written(const std::string& path);
+
 /** A capture that goes on. */
 class Writer
 {

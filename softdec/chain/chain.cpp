@@ -1,7 +1,6 @@
 #include "chain/chain.h"
 
 #include <algorithm>
-#include <ranges>
 
 namespace softdec
 {
@@ -98,7 +97,7 @@ void Chain::step()
     auto& automatic = records_.buffering.tAutomatic;
     automatic.tLastVideoSkipReplayTime = output_.last_irregular();
     for (const auto& pair : records_.audio.PairStats)
-        automatic.tLastAudioSkipTime = std::max<std::time_t>(automatic.tLastAudioSkipTime, pair.tLastSkippedFrame);
+        if (pair.tLastSkippedFrame > automatic.tLastAudioSkipTime) automatic.tLastAudioSkipTime = pair.tLastSkippedFrame;
 }
 
 void Chain::configure(const Program& program)

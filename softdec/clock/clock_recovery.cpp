@@ -4,7 +4,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <numeric>
-#include <ranges>
+#include <span>
 
 namespace softdec
 {
@@ -197,7 +197,7 @@ void ClockRecovery::close_block()
     }
     // Too little is known of the frequency: the clock follows where the recent seconds stand.
     std::vector<double> recent;
-    for (const Point& point : points | std::views::drop(points.size() - std::min<std::size_t>(points.size(), 16)))
+    for (const Point& point : std::span(points).last(std::min<std::size_t>(points.size(), 16)))
         recent.push_back(point.y - model_.slope * point.x);
     model_.offset = median(recent);
 }
@@ -254,16 +254,21 @@ void ClockRecovery::take_distance(SMGR_TDEMUX_DATA_TYPE type, int audio_pair, Ti
     }
     else if (type == SMGR_TDEMUX_DATA_TYPE_VIDEO)
     {
-        record_.pcrTsDelta = follow(record_.pcrTsDelta);
-        distances_.emplace_back(clock_.now(), record_.pcrTsDelta);
+        const Ticks average = follow(record_.pcrTsDelta);
+        record_.pcrTsDelta = average;
+        distances_.emplace_back(clock_.now(), average);
         while (distances_.front().first < clock_.now() - distance_window) distances_.pop_front();
-        const auto [least, greatest] = std::ranges::minmax(distances_ | std::views::values);
+        const auto [first_least, first_greatest] = std::ranges::minmax_element(distances_, {}, &std::pair<Nanoseconds, Ticks>::second);
+        const Ticks least = first_least->second;
+        const Ticks greatest = first_greatest->second;
         record_.pcrTsDeltaMinMaxDlyMS = distance_window / millisecond;
         record_.pcrTsDeltaMinValue = least;
         record_.pcrTsDeltaMaxValue = greatest;
-        const bool first = record_.pcrTsDeltaMinExtValue == 0 && record_.pcrTsDeltaMaxExtValue == 0;
-        record_.pcrTsDeltaMinExtValue = first ? least : std::min(record_.pcrTsDeltaMinExtValue, least);
-        record_.pcrTsDeltaMaxExtValue = first ? greatest : std::max(record_.pcrTsDeltaMaxExtValue, greatest);
+        const long min = record_.pcrTsDeltaMinExtValue;
+        const long max = record_.pcrTsDeltaMaxExtValue;
+        const bool first = min == 0 && max == 0;
+        record_.pcrTsDeltaMinExtValue = first ? least : std::min(min, least);
+        record_.pcrTsDeltaMaxExtValue = first ? greatest : std::max(max, greatest);
     }
 }
 

@@ -41,7 +41,7 @@ constexpr Nanoseconds nanoseconds(Ticks ticks)
 
 constexpr Ticks ticks(Nanoseconds span)
 {
-    return span * 9 / 100'000;
+    return span / 100'000 * 9 + span % 100'000 * 9 / 100'000; // moments since the epoch fit as well
 }
 
 constexpr int milliseconds(Ticks ticks)

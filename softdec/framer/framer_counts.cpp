@@ -142,7 +142,7 @@ void VideoFramer::count_picture(const Picture& picture)
     ++pictures_since_key_;
     b_in_a_row_ = picture.type == PictureType::b ? b_in_a_row_ + 1 : 0;
     properties.nNumberOfBPicturesInARow = b_in_a_row_;
-    counters.nMaxNumberOfBPicturesInARow = std::max<unsigned long>(counters.nMaxNumberOfBPicturesInARow, b_in_a_row_);
+    if (b_in_a_row_ > counters.nMaxNumberOfBPicturesInARow) counters.nMaxNumberOfBPicturesInARow = b_in_a_row_;
     switch (picture.type)
     {
     case PictureType::i:

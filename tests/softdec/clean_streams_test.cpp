@@ -71,7 +71,7 @@ TEST_P(CleanStream, HasNoFaultWithoutDecoding)
 {
     const auto chain = run(datagrams(read_stream(GetParam().name)), false);
     EXPECT_EQ(faults_of(chain->records()), Faults{});
-    EXPECT_EQ(chain->records().vdecoder.tCounters.nNumReceivedFrames, 0U);
+    EXPECT_EQ(+chain->records().vdecoder.tCounters.nNumReceivedFrames, 0U);
 }
 
 TEST_P(CleanStream, HasNoFaultRepeated)
@@ -88,21 +88,21 @@ TEST_P(CleanStream, AgreesWithOtherPrograms)
     const Expected& expected = GetParam();
     const auto chain = run_file(read_stream(expected.name));
     const records::Records& records = chain->records();
-    EXPECT_EQ(records.tdemux.tCounters.nNumReceivedPackets, expected.packets);
-    EXPECT_EQ(records.tdemux.tCounters.nNumReceivedBytes, expected.packets * ts_size);
-    EXPECT_EQ(records.tdemux.nPCR, expected.last_pcr / 300);
-    EXPECT_EQ(records.tdemux.nProgramNumber, 1U);
-    EXPECT_EQ(records.tdemux.nPcrPid, video_pid);
+    EXPECT_EQ(+records.tdemux.tCounters.nNumReceivedPackets, expected.packets);
+    EXPECT_EQ(+records.tdemux.tCounters.nNumReceivedBytes, expected.packets * ts_size);
+    EXPECT_EQ(+records.tdemux.nPCR, expected.last_pcr / 300);
+    EXPECT_EQ(+records.tdemux.nProgramNumber, 1U);
+    EXPECT_EQ(+records.tdemux.nPcrPid, video_pid);
     EXPECT_EQ(records.tdemux.tSources[0].tsPid, video_pid);
     EXPECT_EQ(records.tdemux.tSources[0].enCompressionType, expected.video);
     EXPECT_EQ(records.tdemux.tSources[1].tsPid, audio_pid);
     EXPECT_EQ(records.tdemux.tSources[1].enCompressionType, expected.audio);
 
     const auto& properties = records.vframer.tCurrentProperties;
-    EXPECT_EQ(properties.nProfile, expected.profile);
-    EXPECT_EQ(properties.nLevel, expected.level);
-    EXPECT_EQ(properties.nWidth, expected.width);
-    EXPECT_EQ(properties.nHeight, expected.height);
+    EXPECT_EQ(+properties.nProfile, expected.profile);
+    EXPECT_EQ(+properties.nLevel, expected.level);
+    EXPECT_EQ(+properties.nWidth, expected.width);
+    EXPECT_EQ(+properties.nHeight, expected.height);
     EXPECT_EQ(properties.fFrameRate, expected.rate);
     EXPECT_TRUE(properties.bFrameRateFoundInStream);
     EXPECT_NEAR(records.vframer.tCounters.fInputFrameRate, expected.rate, 0.01);
@@ -112,11 +112,11 @@ TEST_P(CleanStream, AgreesWithOtherPrograms)
     EXPECT_EQ(int{properties.matrix_coefficients}, expected.matrix);
     if (expected.gop != 0)
     {
-        EXPECT_EQ(properties.nGopInterval, expected.gop);
+        EXPECT_EQ(+properties.nGopInterval, expected.gop);
     }
     if (expected.b_pictures != 0)
     {
-        EXPECT_EQ(records.vframer.tCounters.nMaxNumberOfBPicturesInARow, expected.b_pictures);
+        EXPECT_EQ(+records.vframer.tCounters.nMaxNumberOfBPicturesInARow, expected.b_pictures);
     }
 }
 
@@ -128,22 +128,22 @@ TEST_P(CleanStream, AgreesWithLibavcodecAlone)
     const Reference audio = decode_alone(stream, audio_pid, expected.audio);
     const auto chain = run_file(stream);
     const records::Records& records = chain->records();
-    EXPECT_EQ(records.vframer.tCurrentProperties.nWidth, video.width);
-    EXPECT_EQ(records.vframer.tCurrentProperties.nHeight, video.height);
-    EXPECT_EQ(records.vframer.tCurrentProperties.nProfile, video.profile);
-    EXPECT_EQ(records.vframer.tCurrentProperties.nLevel, video.level);
+    EXPECT_EQ(+records.vframer.tCurrentProperties.nWidth, video.width);
+    EXPECT_EQ(+records.vframer.tCurrentProperties.nHeight, video.height);
+    EXPECT_EQ(+records.vframer.tCurrentProperties.nProfile, video.profile);
+    EXPECT_EQ(+records.vframer.tCurrentProperties.nLevel, video.level);
     EXPECT_EQ(int{records.vframer.tCurrentProperties.colour_primaries}, video.primaries);
     EXPECT_EQ(int{records.vframer.tCurrentProperties.transfer_characteristics}, video.transfer);
     EXPECT_EQ(int{records.vframer.tCurrentProperties.matrix_coefficients}, video.matrix);
-    EXPECT_EQ(records.vframer.tCounters.nNumIPictures, video.pictures_of_type[0]);
-    EXPECT_EQ(records.vframer.tCounters.nNumPPictures, video.pictures_of_type[1]);
-    EXPECT_EQ(records.vframer.tCounters.nNumBPictures, video.pictures_of_type[2]);
-    EXPECT_EQ(records.vdecoder.tCounters.nNumFramesSentToDisplay, video.frames);
-    EXPECT_EQ(records.vdecoder.tCounters.nNumDisplayedOutputFrames, video.frames);
-    EXPECT_EQ(records.audio.nDecodedFrames, audio.frames);
-    EXPECT_EQ(records.audio.nOutputFrames, audio.frames);
-    EXPECT_EQ(records.audio.PairStats[0].nSampleRateIn, audio.sample_rate);
-    EXPECT_EQ(records.audio.PairStats[0].nInputChannels, audio.channels);
+    EXPECT_EQ(+records.vframer.tCounters.nNumIPictures, video.pictures_of_type[0]);
+    EXPECT_EQ(+records.vframer.tCounters.nNumPPictures, video.pictures_of_type[1]);
+    EXPECT_EQ(+records.vframer.tCounters.nNumBPictures, video.pictures_of_type[2]);
+    EXPECT_EQ(+records.vdecoder.tCounters.nNumFramesSentToDisplay, video.frames);
+    EXPECT_EQ(+records.vdecoder.tCounters.nNumDisplayedOutputFrames, video.frames);
+    EXPECT_EQ(+records.audio.nDecodedFrames, audio.frames);
+    EXPECT_EQ(+records.audio.nOutputFrames, audio.frames);
+    EXPECT_EQ(+records.audio.PairStats[0].nSampleRateIn, audio.sample_rate);
+    EXPECT_EQ(+records.audio.PairStats[0].nInputChannels, audio.channels);
 }
 
 INSTANTIATE_TEST_SUITE_P(All, CleanStream, testing::ValuesIn(streams),
@@ -163,13 +163,13 @@ TEST(CleanCapture, HasNoFault)
     EXPECT_EQ(records.tdemux.enEncapsulation, SMGR_STREAM_ENCAPSULATION_TS_RTP);
     EXPECT_EQ(records.tdemux.enFECType, SMGR_FEC_TYPE_PRO_MPEG);
     const auto& fec = records.tdemux.Xport.PMFEC;
-    EXPECT_EQ(fec.nColumns, 5);
-    EXPECT_EQ(fec.nRows, 5);
+    EXPECT_EQ(+fec.nColumns, 5);
+    EXPECT_EQ(+fec.nRows, 5);
     EXPECT_TRUE(fec.bRowFEC);
     EXPECT_TRUE(fec.bBlockAlign);
-    EXPECT_EQ(fec.nMediaPkts, 212);
-    EXPECT_EQ(fec.nColFecPkts, 38);
-    EXPECT_EQ(fec.nRowFecPkts, 42);
+    EXPECT_EQ(+fec.nMediaPkts, 212);
+    EXPECT_EQ(+fec.nColFecPkts, 38);
+    EXPECT_EQ(+fec.nRowFecPkts, 42);
 }
 
 TEST(CleanCapture, GivesTheSameRecordsEachTime)
@@ -183,10 +183,10 @@ TEST(CleanStreamWithKlv, HasItsMetadata)
 {
     const auto chain = run_file(read_stream("h264-aac-klv.ts"));
     const auto& channel = chain->records().metadata.tChannel[SMGR_METADATA_CHANNEL_TYPE_KLV];
-    EXPECT_EQ(channel.tCounters.nNumInputPackets, 6U);
-    EXPECT_EQ(channel.tCounters.nNumAsynchronousPackets, 6U);
-    EXPECT_EQ(channel.tCounters.nNumOutputPackets, 6U);
-    EXPECT_EQ(chain->records().tdemux.tCounters.nKLVStreams, 1U);
+    EXPECT_EQ(+channel.tCounters.nNumInputPackets, 6U);
+    EXPECT_EQ(+channel.tCounters.nNumAsynchronousPackets, 6U);
+    EXPECT_EQ(+channel.tCounters.nNumOutputPackets, 6U);
+    EXPECT_EQ(+chain->records().tdemux.tCounters.nKLVStreams, 1U);
 }
 
 TEST(CleanHdrStream, SignalsItsDynamicRange)
@@ -200,9 +200,9 @@ TEST(CleanInterlacedStream, HasItsFields)
     const auto chain = run_file(read_stream("h264i-mp2.ts"));
     const records::Records& records = chain->records();
     EXPECT_TRUE(records.vframer.tCurrentProperties.bInterlaced);
-    EXPECT_EQ(records.vframer.tCounters.nNumInterlacedPicStruct, 150U);
-    EXPECT_EQ(records.vframer.tCounters.nNumInterlacedBothFields, 150U);
-    EXPECT_EQ(records.vframer.tCounters.nNumProgressivePicStruct, 0U);
+    EXPECT_EQ(+records.vframer.tCounters.nNumInterlacedPicStruct, 150U);
+    EXPECT_EQ(+records.vframer.tCounters.nNumInterlacedBothFields, 150U);
+    EXPECT_EQ(+records.vframer.tCounters.nNumProgressivePicStruct, 0U);
 }
 
 } // namespace

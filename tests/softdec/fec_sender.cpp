@@ -10,7 +10,6 @@ namespace
 {
 
 constexpr std::size_t rtp_header = 12;
-constexpr std::size_t fec_header = 16;
 
 Arrival protect(const std::vector<Arrival>& media, std::size_t first, int step, int count, bool row, std::uint16_t sequence)
 {

@@ -280,8 +280,8 @@ TEST_P(Injection, AudioGone)
     places.erase(places.begin(), places.begin() + static_cast<std::ptrdiff_t>(places.size() / 2));
     const auto chain = run(datagrams(without(stream_, places)));
     const auto& source = chain->records().tdemux.tSources[1];
-    EXPECT_EQ(source.tCounters.nBitsPerSecond, 0U);
-    EXPECT_LT(source.tCounters.tLastReceivedPacket, chain->records().tdemux.tCounters.tLastReceivedPacket - 1);
+    EXPECT_EQ(+source.tCounters.nBitsPerSecond, 0U);
+    EXPECT_LT(+source.tCounters.tLastReceivedPacket, chain->records().tdemux.tCounters.tLastReceivedPacket - 1);
     // The last frame shows its end by the one behind it, which does not come.
     expect_fault(faults_of(chain->records()), "", 0, {"audio.decoder_errors", "audio.skipped_frames"});
 }
@@ -383,7 +383,7 @@ TEST_P(Injection, GarbageAudio)
     const auto chain = run(datagrams(faulty));
     const Faults faults = faults_of(chain->records());
     expect_fault(faults, "", 0, {"audio.decoder_errors", "audio.timestamp_discontinuities", "audio.skipped_frames"});
-    EXPECT_LT(chain->records().audio.nDecodedFrames, clean->records().audio.nDecodedFrames * 3 / 4);
+    EXPECT_LT(+chain->records().audio.nDecodedFrames, clean->records().audio.nDecodedFrames * 3 / 4);
 }
 
 TEST_P(Injection, GarbageVideo)

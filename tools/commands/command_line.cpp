@@ -115,6 +115,10 @@ int run(int argc, char** argv, void (*close_output)())
     add_watch(app, library);
     add_diff(app);
     add_diagnose(app, status);
+    add_capture(app);
+    add_history(app);
+    add_check(app);
+    add_repair(app);
     add_describe(app);
     add_demo(app, library);
     add_print(app, library);

@@ -22,11 +22,15 @@ using LibraryFile = std::optional<std::string>;
 /** The command whose exit status tells how a decoder is, not only how the command ended. */
 inline constexpr const char* diagnose_name = "diagnose";
 
+void add_capture(CLI::App& app);
+void add_check(CLI::App& app);
 void add_demo(CLI::App& app, const LibraryFile& library);
 void add_describe(CLI::App& app);
 void add_diff(CLI::App& app);
+void add_history(CLI::App& app);
 void add_list(CLI::App& app);
 void add_print(CLI::App& app, const LibraryFile& library);
+void add_repair(CLI::App& app);
 void add_sample(CLI::App& app);
 void add_show(CLI::App& app, const LibraryFile& library);
 void add_simulate(CLI::App& app);

@@ -23,7 +23,7 @@ namespace
 
 struct Options
 {
-    std::string source;
+    sources::Source source;
     std::string format = "text";
     std::string rule;
     std::optional<sources::At> at;
@@ -57,10 +57,7 @@ void add_diagnose(CLI::App& app, int& status)
 {
     const auto options = std::make_shared<Options>();
     CLI::App& command = add_command(app, diagnose_name, "Say what is wrong with a decoder, and where");
-    CLI::Option* const source =
-        command
-            .add_option("SOURCE", options->source, "sample:SCENARIO, a directory of record files, or a record file, - for standard input")
-            ->type_name("");
+    CLI::Option* const source = add_source(command, options->source);
     command.add_option("--format", options->format, "text or json")
         ->check(one_of({"text", "json"}))
         ->type_name("FORMAT")
@@ -75,7 +72,6 @@ void add_diagnose(CLI::App& app, int& status)
         [options, &status]
         {
             if (!options->rule.empty()) return explain(options->rule);
-            if (options->source.empty()) fail("which SOURCE? See 'decstats diagnose --help'");
             status = diagnose(*options);
         });
 }

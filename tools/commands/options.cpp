@@ -74,14 +74,14 @@ void add_fields(CLI::App& command, std::vector<std::string>& names)
     command.add_option("--field", names, "Show these fields only, by their public names")->type_name("NAME...");
 }
 
-void add_source(CLI::App& command, sources::Source& source)
+CLI::Option* add_source(CLI::App& command, sources::Source& source)
 {
-    command
+    add_directory(command, source.directory);
+    return command
         .add_option("SOURCE", source.text,
-                    "A live decoder by name or path, sample:SCENARIO, a directory of record files, or a record file, - for standard input; "
+                    "A live decoder by name or path, sample:SCENARIO, a capture file, a directory of record files, or a record file, - for standard input; "
                     "the only live decoder without one")
         ->type_name("");
-    add_directory(command, source.directory);
 }
 
 void add_directory(CLI::App& command, std::string& directory)

@@ -48,7 +48,7 @@ void add_fields(CLI::App& command, std::vector<std::string>& names);
 std::vector<dictionary::Found> named_fields(const std::vector<std::string>& names);
 
 /** Adds the argument SOURCE, and the option that its live decoders are looked for with. */
-void add_source(CLI::App& command, sources::Source& source);
+CLI::Option* add_source(CLI::App& command, sources::Source& source);
 
 /** Adds "--directory DIR", where live decoders are. */
 void add_directory(CLI::App& command, std::string& directory);

@@ -146,7 +146,8 @@ void write_lines(const Options& options)
     const auto series = sources::open_series(options.source);
     const std::vector<dictionary::Found> fields = named_fields(options.fields);
     views::Selection selection;
-    for (const dictionary::Found& field : fields) selection.add(field);
+    std::bitset<records::component_count> components = options.components;
+    for (const dictionary::Found& field : fields) selection.add(field), components.set(field.field->component);
 
     const Signals signals({});
     Pace pace(options.every);
@@ -163,7 +164,7 @@ void write_lines(const Options& options)
             records::Snapshot& now = *sight->snapshot;
             if (std::exchange(last, std::pair(now.instance, now.taken_at)) != std::pair(now.instance, now.taken_at))
             {
-                if (options.components.any()) now.present &= options.components;
+                if (components.any()) now.present &= components;
                 files::print(views::json(now, fields.empty() ? nullptr : &selection) + "\n");
                 files::flush();
                 if (++written == options.count) return;

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <string_view>
 
+#include "capture_source.h"
 #include "failure.h"
 #include "live.h"
 #include "record_files.h"
@@ -34,6 +35,7 @@ records::Snapshot take(const Source& source, const std::optional<At>& at)
         if (at) fail(*path + ": a live decoder is shown as it is now; --at is for what is saved");
         return take_live(*path);
     }
+    if (is_capture(source.text)) return take_captured(source.text, at);
     std::error_code ignored; // what cannot be looked at is opened, and that says why
     if (std::filesystem::is_directory(source.text, ignored)) return record_directory(source.text, at);
     return record_file(nullptr, source.text, at);

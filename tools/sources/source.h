@@ -19,9 +19,9 @@ namespace sources
 struct Source
 {
     /**
-     * The name or the path of a live decoder, "sample:SCENARIO", a directory of record files, or one record file; "-" is a
-     * record on standard input, and an empty text the only live decoder. A decoder's name comes before a file of the same name,
-     * which "./" in front of it means.
+     * The name or the path of a live decoder, "sample:SCENARIO", a capture file, a directory of record files, or one record file;
+     * "-" is a record on standard input, and an empty text the only live decoder. A decoder's name comes before a file of the
+     * same name, which "./" in front of it means.
      */
     std::string text;
     std::string directory = std::string(published::default_directory); /**< where live decoders are looked for by name */
@@ -29,7 +29,8 @@ struct Source
 
 /**
  * Takes a Snapshot. What is wrong with it, as a host that has ended, is told on standard error.
- * @param at the moment that it stands for; nothing = now, for no file of records tells its own
+ * @param at the moment that it stands for; nothing = now, for no file of records tells its own. Of a capture file, the moment at
+ *           which the last one is taken; nothing = the last of all
  * @throw Failure if it cannot be taken
  */
 records::Snapshot take(const Source& source, const std::optional<At>& at);

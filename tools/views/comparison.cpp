@@ -76,9 +76,7 @@ std::string moment_difference(const dictionary::Moment& old, const dictionary::M
     constexpr std::int64_t furthest = 4'000'000'000;
     for (const std::int64_t part : {old.seconds, now.seconds, old.nanoseconds, now.nanoseconds})
         if (part < -furthest || part > furthest) return "";
-    std::string text;
-    append_scaled(text, (now.seconds - old.seconds) * 1'000'000'000 + (now.nanoseconds - old.nanoseconds), 1, 1'000'000'000);
-    return text;
+    return seconds_text((now.seconds - old.seconds) * 1'000'000'000 + (now.nanoseconds - old.nanoseconds));
 }
 
 } // namespace

@@ -7,6 +7,7 @@
 #include "failure.h"
 #include "json_writer.h"
 #include "number_text.h"
+#include "time_text.h"
 #include "utf8.h"
 #include "value_text.h"
 
@@ -17,21 +18,6 @@ namespace
 {
 
 using published::RecordState;
-
-constexpr std::int64_t second = 1'000'000'000;
-
-/** An age as people read it: 0.4s, 59.9s, 7m 03s, 5h 12m, 3d 04h. The clock may have been set back. @param age [ns] */
-std::string age_text(std::int64_t age)
-{
-    const std::int64_t tenths = std::max<std::int64_t>(age, 0) / (second / 10);
-    const auto pair = [](std::int64_t whole, const char* unit, std::int64_t rest, const char* rest_unit)
-    { return std::to_string(whole) + unit + (rest < 10 ? " 0" : " ") + std::to_string(rest) + rest_unit; };
-    if (tenths < 600) return std::to_string(tenths / 10) + "." + std::to_string(tenths % 10) + "s";
-    const std::int64_t minutes = tenths / 600;
-    if (minutes < 60) return pair(minutes, "m", tenths / 10 % 60, "s");
-    if (minutes < 24 * 60) return pair(minutes / 60, "h", minutes % 60, "m");
-    return pair(minutes / (24 * 60), "d", minutes / 60 % 24, "h");
-}
 
 std::string record_text(const published::RecordStatus& record, std::int64_t now)
 {
@@ -49,12 +35,6 @@ std::string_view record_state_name(RecordState state)
 {
     constexpr std::string_view names[] = {"whole", "never", "busy", "cut_off"};
     return names[static_cast<std::size_t>(state)];
-}
-
-/** A moment of a clock that has tenths, to the second: 2022-06-14T12:14:00Z. */
-std::string to_the_second(std::int64_t moment)
-{
-    return moment_text(moment).substr(0, 19) + "Z";
 }
 
 void decoder_object(JsonWriter& writer, const published::Listed& decoder, std::int64_t now)

@@ -71,10 +71,8 @@ std::string difference_json(const Comparison& comparison)
     writer.member("schema", difference_schema_id);
     writer.object_member("old", [&] { writer.moment_of(old); });
     writer.object_member("new", [&] { writer.moment_of(now); });
-    std::string seconds;
-    append_scaled(seconds, comparison.span(), 1, 1'000'000'000);
     writer.key("seconds");
-    writer.number(seconds);
+    writer.number(seconds_text(comparison.span()));
     writer.key("other_decoder");
     writer.boolean(comparison.is_other_decoder());
     writer.key("restarted");

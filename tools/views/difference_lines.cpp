@@ -49,10 +49,18 @@ std::string heading(const Comparison& comparison)
     const records::Snapshot& old = comparison.old_snapshot();
     const records::Snapshot& now = comparison.new_snapshot();
     const std::string decoder = comparison.is_other_decoder() ? old.decoder + " and " + now.decoder : now.decoder;
-    std::string seconds;
-    append_scaled(seconds, comparison.span(), 1, 1'000'000'000);
     return files::printable(decoder) + (decoder.empty() ? "" : ": ") + moment_text(old.taken_at) + " to " + moment_text(now.taken_at) +
-           ", " + seconds + " s\n";
+           ", " + seconds_text(comparison.span()) + " s\n";
+}
+
+/** Whether a component's counters have begun anew though its host has not. */
+std::string reset_remark(const Comparison& comparison, const records::Component& component)
+{
+    std::vector<FieldPlace> fallen = comparison.fallen_counters();
+    std::erase_if(fallen, [&](const FieldPlace& place) { return place.field->component != component.index; });
+    if (fallen.empty()) return "";
+    const std::string others = fallen.size() == 1 ? " has" : " and " + std::to_string(fallen.size() - 1) + " more of its counters have";
+    return "reset: " + std::string(component.name) + ", for " + fallen.front().name() + others + " fallen\n";
 }
 
 /** What makes counters begin anew, and what only one of the Snapshots has. */
@@ -65,8 +73,7 @@ std::string remarks(const Comparison& comparison)
     if (!comparison.is_other_decoder() && comparison.is_restarted())
         text += "restarted: instance " + start_text(*old.instance) + " became " + start_text(*now.instance) + "\n";
     if (comparison.span() < 0) text += "the clock was set back\n";
-    for (const FieldPlace& place : comparison.fallen_counters())
-        text += "reset: " + std::string(dictionary::component_of(*place.field).name) + ", for " + place.name() + " has fallen\n";
+    for (const records::Component& component : records::components()) text += reset_remark(comparison, component);
     for (const records::Component& component : records::components())
         if (old.has(component) != now.has(component))
             text += (old.has(component) ? "only the old one has a record of " : "only the new one has a record of ") +

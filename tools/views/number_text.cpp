@@ -183,4 +183,10 @@ std::string moment_text(std::int64_t moment)
     return text;
 }
 
+std::string seconds_text(std::int64_t nanoseconds)
+{
+    std::array<char, number_size> buffer;
+    return {buffer.data(), write_scaled(buffer.data(), nanoseconds, 1, 1'000'000'000)};
+}
+
 } // namespace views

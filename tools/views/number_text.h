@@ -51,6 +51,9 @@ void append_hex(std::string& text, std::span<const std::byte> bytes);
 /** The same as append_rfc3339, as a text of its own. */
 std::string moment_text(std::int64_t moment);
 
+/** Nanoseconds as seconds, exactly: 0.25, -10. */
+std::string seconds_text(std::int64_t nanoseconds);
+
 } // namespace views
 
 #endif

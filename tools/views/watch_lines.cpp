@@ -1,7 +1,7 @@
 #include "watch_lines.h"
 
 #include <algorithm>
-#include <charconv>
+#include <array>
 
 #include "difference.h"
 #include "value_text.h"
@@ -80,17 +80,23 @@ bool can_compare(const Comparison* comparison, const records::Component& compone
     return comparison != nullptr && comparison->old_snapshot().has(component) && comparison->new_snapshot().has(component);
 }
 
-WatchLine field_line(const records::Snapshot& snapshot, const Comparison* comparison, const FieldPlace& place)
+/** What a field's line says: its name, its value with the unit, its change. */
+struct FieldLine
+{
+    std::array<std::string, 3> columns;
+    bool has_changed = false;
+};
+
+FieldLine field_line(const records::Snapshot& snapshot, const Comparison* comparison, const FieldPlace& place)
 {
     const records::Component& component = dictionary::component_of(*place.field);
     const bool has_value = snapshot.has(component) && Comparison::has_value(snapshot, place);
-    WatchLine line = {.text =
-                          place.name() + "  " + (has_value ? value_text(*place.field, snapshot.record(component), place.element) : "-")};
-    if (!place.field->unit.empty()) line.text.append(" ").append(place.field->unit);
+    std::string value = has_value ? value_text(*place.field, snapshot.record(component), place.element) : "-";
+    if (!place.field->unit.empty()) value.append(" ").append(place.field->unit);
+    FieldLine line = {.columns = {place.name(), std::move(value), ""}};
     if (!can_compare(comparison, component)) return line;
+    line.columns[2] = change_text(*comparison, place);
     line.has_changed = comparison->has_changed(place);
-    const std::string change = change_text(*comparison, place);
-    if (!change.empty()) line.text.append("  ").append(change);
     return line;
 }
 
@@ -99,15 +105,25 @@ WatchLine field_line(const records::Snapshot& snapshot, const Comparison* compar
 std::vector<WatchLine> field_watch_lines(const records::Snapshot& snapshot, const Comparison* comparison,
                                          std::span<const dictionary::Found> fields)
 {
-    std::vector<WatchLine> lines;
+    std::vector<FieldLine> all;
+    std::array<std::size_t, 2> widths = {};
     for (const auto& [field, element] : fields)
     {
         const std::span<const std::byte> record = snapshot.record(dictionary::component_of(*field));
         for (std::size_t i = 0; i < field->count(); ++i)
         {
             const bool is_wanted = element ? *element == i : field->array == nullptr || dictionary::in_use(*field->array, record, i);
-            if (is_wanted) lines.push_back(field_line(snapshot, comparison, {field, i}));
+            if (!is_wanted) continue;
+            all.push_back(field_line(snapshot, comparison, {field, i}));
+            for (std::size_t j = 0; j < widths.size(); ++j) widths[j] = std::max(widths[j], all.back().columns[j].size());
         }
+    }
+    std::vector<WatchLine> lines;
+    for (const auto& [columns, has_changed] : all)
+    {
+        std::string text = columns[0] + std::string(widths[0] - columns[0].size() + 2, ' ') + columns[1];
+        if (!columns[2].empty()) text.append(widths[1] - columns[1].size() + 2, ' ').append(columns[2]);
+        lines.push_back({.text = std::move(text), .has_changed = has_changed});
     }
     return lines;
 }

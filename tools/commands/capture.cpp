@@ -1,0 +1,260 @@
+/**
+ * @file capture.cpp
+ * decstats capture: the records of a decoder, again and again, into a file.
+ */
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <unistd.h>
+#include <utility>
+
+#include "capture_error.h"
+#include "capture_files.h"
+#include "capture_source.h"
+#include "commands.h"
+#include "failure.h"
+#include "live.h"
+#include "options.h"
+#include "signals.h"
+
+namespace commands
+{
+
+namespace
+{
+
+using capture::GapCause;
+using std::chrono::nanoseconds;
+
+struct Options
+{
+    std::vector<std::string> words;
+    sources::Source source;
+    std::string file;
+    nanoseconds every = std::chrono::seconds(1);
+    nanoseconds lasts = nanoseconds::max();
+    std::string rotation;
+    std::optional<sources::At> from;
+    std::optional<sources::At> to;
+};
+
+[[noreturn]] void fail(const std::string& message)
+{
+    throw files::Failure(files::ExitStatus::input_failed, message);
+}
+
+/** What goes into the file, and what is told of it on standard error. */
+class Capture
+{
+public:
+    explicit Capture(const Options& options)
+        : path_(options.file), files_(options.file, options.rotation.empty() ? Rotation{} : *parse_rotation(options.rotation))
+    {
+    }
+
+    /** Appends a snapshot. While there is no space they are lost, and the capture goes on. */
+    void append(const records::Snapshot& snapshot)
+    {
+        try
+        {
+            files_.append(snapshot);
+            ++captured_;
+            is_full_ = false;
+            show_progress();
+        }
+        catch (const capture::Error& error)
+        {
+            if (error.problem() != capture::Problem::full) throw;
+            ++lost_;
+            if (!std::exchange(is_full_, true)) tell(std::string(error.what()) + "; snapshots are lost until there is space");
+        }
+    }
+
+    void mark_gap(GapCause cause, const std::string& text) { files_.mark_gap(cause, text); }
+
+    /** Tells what has happened, once as long as it stays so. */
+    void tell_state(const std::string& text)
+    {
+        if (std::exchange(state_, text) != text && !text.empty()) tell(text);
+    }
+
+    void finish()
+    {
+        if (is_terminal_ && captured_ != 0) std::fputc('\n', stderr);
+        files_.finish();
+        if (lost_ == 0) return;
+        throw files::Failure(files::ExitStatus::output_failed,
+                             files::shown(path_) + ": " + std::to_string(lost_) + " snapshots could not be written");
+    }
+
+private:
+    void tell(const std::string& text)
+    {
+        if (is_terminal_ && captured_ != 0) std::fputc('\n', stderr);
+        files::warn(text);
+    }
+
+    void show_progress() const
+    {
+        if (!is_terminal_) return;
+        std::fprintf(stderr, "\r%llu snapshots, %.1f KiB ", static_cast<unsigned long long>(captured_),
+                     static_cast<double>(files_.size()) / 1024);
+        std::fflush(stderr);
+    }
+
+    std::string path_;
+    CaptureFiles files_;
+    std::uint64_t captured_ = 0;
+    std::uint64_t lost_ = 0;
+    bool is_full_ = false;
+    bool is_terminal_ = isatty(STDERR_FILENO) != 0;
+    std::string state_;
+};
+
+/** The two clocks, and whether they still agree. */
+class Clocks
+{
+public:
+    /** How far the clock of the system has been set since the last call, and how long that is ago. */
+    std::pair<nanoseconds, nanoseconds> step()
+    {
+        const auto steady = std::chrono::steady_clock::now();
+        const auto system = std::chrono::system_clock::now();
+        const nanoseconds passed = steady - std::exchange(steady_, steady);
+        return {system - std::exchange(system_, system) - passed, passed};
+    }
+
+private:
+    std::chrono::steady_clock::time_point steady_ = std::chrono::steady_clock::now();
+    std::chrono::system_clock::time_point system_ = std::chrono::system_clock::now();
+};
+
+/** A source that is looked at again and again. */
+class Looks
+{
+public:
+    explicit Looks(const sources::Source& source) : source_(source)
+    {
+        if (const auto path = sources::find_live(source)) live_.emplace(*path);
+    }
+
+    /** Appends what there is now, or tells why there is nothing. */
+    void append_to(Capture& capture)
+    {
+        if (!live_) return capture.append(sources::take(source_, {}));
+        const published::Look look = live_->look();
+        const published::State state = look.status.state;
+        capture.tell_state(sources::problem_of(look));
+        if (!std::exchange(has_looked_, true) && !published::has_records(state)) fail(look.status.text);
+        if (state == published::State::live && look.snapshot.present.any()) return capture.append(look.snapshot);
+        capture.mark_gap(GapCause::no_source, std::string(state_name(state)));
+    }
+
+private:
+    sources::Source source_;
+    std::optional<sources::LiveDecoder> live_;
+    bool has_looked_ = false;
+};
+
+void capture_looks(const Options& options, Capture& capture)
+{
+    using std::chrono::steady_clock;
+    Looks looks(options.source);
+    const Signals signals({SIGINT, SIGTERM, SIGHUP});
+    Clocks clocks;
+    const steady_clock::time_point begin = steady_clock::now();
+    steady_clock::time_point due = begin;
+    while (true)
+    {
+        const auto [set, passed] = clocks.step();
+        const nanoseconds much = std::max<nanoseconds>(2 * options.every, std::chrono::seconds(1));
+        if (std::chrono::abs(set) > much)
+            capture.mark_gap(GapCause::clock_changed, "by " + std::to_string(std::chrono::round<std::chrono::seconds>(set).count()) + " s");
+        else if (passed > much)
+            capture.mark_gap(GapCause::late, "");
+        looks.append_to(capture);
+
+        due += options.every;
+        if (due < steady_clock::now()) due = steady_clock::now(); // what has been missed is not made up for
+        if (due - begin > options.lasts) return;
+        if (signals.wait(due - steady_clock::now())) return;
+    }
+}
+
+/** Copies what another capture has. */
+void capture_captured(const Options& options, Capture& capture)
+{
+    const auto moment = [](const std::optional<sources::At>& at) { return at ? at->moment : std::nullopt; };
+    sources::Captured captured(options.source.text, moment(options.from), moment(options.to));
+    bool is_behind_first = false;
+    while (const auto event = captured.next_event())
+    {
+        if (const auto* snapshot = std::get_if<const records::Snapshot*>(&*event))
+        {
+            capture.append(**snapshot);
+            is_behind_first = true;
+        }
+        if (!is_behind_first) continue;
+        if (const auto* gap = std::get_if<capture::Gap>(&*event)) capture.mark_gap(gap->cause, gap->text);
+        if (const auto* loss = std::get_if<capture::Loss>(&*event))
+        {
+            files::warn(files::shown(options.source.text) + ": " + sources::loss_text(*loss));
+            capture.mark_gap(GapCause::damaged, "");
+        }
+    }
+}
+
+void run(const Options& options, bool has_times)
+{
+    const bool is_captured = !sources::find_live(options.source) && sources::is_capture(options.source.text);
+    if (is_captured && has_times) fail("--every and --for are for sources that live; a capture file has moments of its own");
+    if (!is_captured && (options.from || options.to)) fail("--from and --to are for a SOURCE that is a capture file");
+    if ((options.from && !options.from->moment) || (options.to && !options.to->moment)) fail("mtime is no moment for --from and --to");
+    Capture capture(options);
+    if (is_captured)
+        capture_captured(options, capture);
+    else
+        capture_looks(options, capture);
+    capture.finish();
+}
+
+} // namespace
+
+void add_capture(CLI::App& app)
+{
+    const auto options = std::make_shared<Options>();
+    CLI::App& command = add_command(app, "capture", "Append the records of a decoder to a capture file, again and again");
+    command.add_option("SOURCE FILE", options->words, "What is captured, the only live decoder without it; and the file")
+        ->expected(1, 2)
+        ->type_name("")
+        ->required();
+    add_directory(command, options->source.directory);
+    const CLI::Option* const every =
+        add_duration(command, "--every", options->every, std::chrono::milliseconds(1), "How often: 1s without it");
+    const CLI::Option* const lasts = add_duration(command, "--for", options->lasts, {}, "How long; without it, until a signal ends it");
+    const auto check = [](const std::string& value)
+    { return parse_rotation(value) ? std::string() : "'" + value + "' is neither 'day' nor a size as 64M"; };
+    command.add_option("--rotate", options->rotation, "Begin a new file each day, or when one has a size as 64M")
+        ->check({check, ""})
+        ->type_name("WHEN");
+    add_moment(command, "--from", options->from, "Of a capture file, leave out what is before");
+    add_moment(command, "--to", options->to, "Of a capture file, leave out what is after");
+    command.callback(
+        [options, every, lasts]
+        {
+            options->file = options->words.back();
+            if (options->words.size() > 1) options->source.text = options->words.front();
+            try
+            {
+                run(*options, every->count() + lasts->count() != 0);
+            }
+            catch (const capture::Error& error)
+            {
+                throw sources::failure_of(error);
+            }
+        });
+}
+
+} // namespace commands
