@@ -2,6 +2,8 @@
 import json
 import os
 import pathlib
+import re
+import socket
 import subprocess
 import tempfile
 import threading
@@ -134,6 +136,22 @@ class Show(unittest.TestCase):
         (self.directory / "folder").mkdir()
         run("show", "sample:idle", "--format", "json", "--output", str(self.directory / "folder"), status=1)
         self.assertEqual(os.listdir(self.directory), ["folder"])
+
+    def test_an_output_that_is_not_a_regular_file_is_left_alone(self):
+        path = self.directory / "x.prom"
+        target = self.directory / "target"
+        target.write_text("keep")
+        node = socket.socket(socket.AF_UNIX)
+        self.addCleanup(node.close)
+        for make in (lambda: os.mkfifo(path), lambda: path.symlink_to(target), lambda: path.symlink_to("missing"),
+                     lambda: node.bind(str(path))):
+            make()
+            before = path.lstat()
+            self.refused("sample:idle", "--format", "prometheus", "--output", str(path), part=str(path))
+            self.assertEqual((path.lstat().st_ino, path.lstat().st_mode), (before.st_ino, before.st_mode))
+            self.assertEqual(sorted(os.listdir(self.directory)), ["target", "x.prom"])
+            path.unlink()
+        self.assertEqual(target.read_text(), "keep")
 
     def test_any_bytes_are_shown(self):
         for fill in (b"\xff", b"\x80", b"\x01"):
