@@ -7,7 +7,7 @@ function __decstats_arguments
     for word in (commandline --tokenize --cut-at-cursor --current-process)
         if test $value = yes
             set value no
-        else if contains -- $word --library --level --component --at --format --field --output --directory --every --count --name --for --fault --after --from --to
+        else if contains -- $word --library --level --component --at --format --field --decoder --output --directory --every --count --name --for --fault --after --from --to
             set value yes
         else if not string match --quiet -- '-?*' $word
             set count (math $count + 1)
@@ -64,6 +64,7 @@ complete -c decstats -n '__fish_seen_subcommand_from show watch demo' -l compone
 complete -c decstats -n '__fish_seen_subcommand_from show' -l format -x -a 'text json ndjson openmetrics prometheus' -d 'The form'
 complete -c decstats -n '__fish_seen_subcommand_from show' -l raw -d 'JSON of all bytes as they stand'
 complete -c decstats -n '__fish_seen_subcommand_from show watch' -l field -x -a '(__decstats_fields)' -d 'Show this field only'
+complete -c decstats -n '__fish_seen_subcommand_from show' -l decoder -x -d 'Name of the decoder'
 complete -c decstats -n '__fish_seen_subcommand_from show' -l output -r -F -d 'Write this file'
 complete -c decstats -n '__fish_seen_subcommand_from show list watch diff simulate' -l directory -x -a '(__fish_complete_directories)' -d 'Where live decoders are'
 complete -c decstats -n '__decstats_at show 0; or __decstats_at watch 0; or __decstats_at diff 0; or __decstats_at diff 1' -F -a '(__decstats_names)'

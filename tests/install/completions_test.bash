@@ -70,7 +70,7 @@ offers '' print usage file.rec ''
 
 offers '<default>' show ''
 offers '' show idle ''
-offers '--library --help --version --directory --component --level --format --raw --at --field --output' show idle -
+offers '--library --help --version --directory --component --level --format --raw --at --field --decoder --output' show idle -
 offers 'text json ndjson openmetrics prometheus' show idle --format ''
 offers 'json' show --format j
 offers "$components" show idle --component ''

@@ -105,6 +105,30 @@ class Sources(LiveTest):
         self.assertEqual((out, err.count("\n")), ("", 2))
         self.assertIn("no audio record", err.splitlines()[1])
 
+    def presence(self, name):
+        """What the metrics say of the decoder itself, and how many other samples there are."""
+        lines = self.run_tool("show", name, "--format", "prometheus")[0].splitlines()
+        samples = dict(line.rsplit(" ", 1) for line in lines if not line.startswith("#"))
+        up = samples.pop('decoder_up{decoder="%s"}' % name)
+        return up, float(samples.pop('decoder_last_update_timestamp_seconds{decoder="%s"}' % name)), len(samples)
+
+    def test_metrics_tell_who_is_up(self):
+        host = self.simulate("idle", "alpha")
+        up, moment, others = self.presence("alpha")
+        self.assertEqual(up, "1")
+        self.assertLess(abs(time.time() - moment), 10)
+        self.assertGreater(others, 100)
+        host.send_signal(signal.SIGSTOP)
+        self.until(lambda: self.listed()["alpha"]["state"] == "hung")
+        hung = self.presence("alpha")
+        self.assertEqual((hung[0], hung[2]), ("0", 0))
+        time.sleep(0.1)
+        self.assertEqual(self.presence("alpha"), hung)
+        host.kill()
+        host.wait()
+        self.assertEqual(self.presence("alpha"), hung)
+        self.refused("show", "alpha", "--format", "json", "--decoder", "beta", part="its decoder has the name alpha")
+
     def test_hung(self):
         host = self.simulate("idle", "alpha")
         host.send_signal(signal.SIGSTOP)

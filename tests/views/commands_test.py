@@ -85,7 +85,11 @@ class Show(unittest.TestCase):
         self.assertEqual(list(json.loads(out)["components"]), ["audio", "usage"])
         out = run("show", "sample:idle", "--format", "openmetrics", "--component", "usage")[0]
         families = [family for family in exposition.read(out, openmetrics=True) if not family.startswith("decoder_usage_")]
-        self.assertEqual(families, ["decoder_up", "decoder_last_update_timestamp_seconds"])
+        self.assertEqual(families, ["decoder_last_update_timestamp_seconds"])
+
+    def test_components_by_their_keys(self):
+        call = ("show", "sample:idle", "--format", "json", "--at", "1655208840", "--component")
+        self.assertEqual(run(*call, "clock_recovery"), run(*call, "clock-recovery"))
 
     def test_fields(self):
         source = "sample:live-srt-1080i"
@@ -96,16 +100,77 @@ class Show(unittest.TestCase):
         self.assertEqual(tdemux["srt"], {"rtt": 24137})
         self.assertEqual([set(element) for element in tdemux["sources"]], [{"index", "pid"}] * 4)
 
+    def test_fields_of_components(self):
+        out = run("show", "sample:idle", "--format", "ndjson", "--component", "tdemux", "--component", "audio", "--field", "audio.state")[0]
+        self.assertEqual({name: list(fields) for name, fields in json.loads(out)["components"].items()}, {"audio": ["state"]})
+
+    def test_raw_alone_is_json(self):
+        call = ("show", "sample:idle", "--raw", "--at", "1655208840")
+        self.assertEqual(run(*call), run(*call, "--format", "json"))
+        self.assertEqual(json.loads(run(*call)[0])["schema"], "decstats-raw/1")
+
+    def test_the_moment_of_files_is_when_they_were_written(self):
+        folder = self.records()
+        for path in folder.iterdir():
+            os.utime(path, ns=(0, 1655208000 * 10**9))
+        os.utime(folder / "audio.rec", ns=(0, 1655208840250000000))
+        for source in (folder, folder / "audio.rec"):
+            for format in ("json", "ndjson"):
+                shown = json.loads(run("show", str(source), "--format", format)[0])
+                self.assertEqual(shown["taken_at"], "2022-06-14T12:14:00.250000000Z")
+            for format in ("openmetrics", "prometheus"):
+                out = run("show", str(source), "--format", format)[0]
+                self.assertIn('decoder_last_update_timestamp_seconds{decoder=""} 1655208840.250000000\n', out)
+                self.assertNotIn("decoder_up", out)
+        shown = json.loads(run("show", str(folder), "--format", "json", "--at", "1655208900")[0])
+        self.assertEqual(shown["taken_at"], "2022-06-14T12:15:00.000000000Z")
+        # The reports count to now.
+        ages = [run("show", str(folder), *at)[0] for at in ((), ("--at", "mtime"))]
+        self.assertNotEqual(ages[0], ages[1])
+
+    def test_a_name_for_a_source_without_one(self):
+        folder = self.records()
+        self.assertEqual(json.loads(run("show", str(folder), "--format", "json", "--decoder", "studio-1")[0])["decoder"], "studio-1")
+        for format in ("openmetrics", "prometheus"):
+            for line in run("show", str(folder), "--format", format, "--decoder", "studio-1")[0].splitlines():
+                self.assertTrue(line.startswith("#") or '{decoder="studio-1"' in line, line)
+        for name in ("", "a b", ".x"):
+            self.refused(str(folder), "--format", "json", "--decoder", name, part="--decoder: '%s' is no name of a decoder" % name)
+
+    def test_files_that_are_not_needed_are_not_read(self):
+        folder = self.records()
+        for damaged in ("audio.rec", "other.rec"):
+            (folder / damaged).write_bytes(b"xyz")
+        (folder / "usage.rec").unlink()
+        os.mkfifo(folder / "usage.rec")
+        (folder / "vframer.rec").unlink()
+        (folder / "vframer.rec").mkdir()
+        whole = run("show", "sample:live-srt-1080i", "--field", "tdemux.state")
+        self.assertEqual(run("show", str(folder), "--field", "tdemux.state"), whole)
+        out, err = run("show", str(folder), "--component", "tdemux", "--format", "json")
+        self.assertEqual((list(json.loads(out)["components"]), err), (["tdemux"], ""))
+        (folder / "tdemux.rec").rename(folder / "by-size.rec")
+        self.assertEqual(run("show", str(folder), "--field", "tdemux.state"), whole)
+        self.refused(str(folder), "--component", "audio", part="audio.rec: 3 bytes")
+        for name in ("usage", "vframer"):
+            self.refused(str(folder), "--component", name, part="%s.rec: is not a regular file, so it is no record" % name)
+        for damaged in ("audio.rec", "other.rec"):
+            (folder / damaged).unlink()
+        self.refused(str(folder), part="usage.rec: is not a regular file, so it is no record")
+
     def test_wrong_names_offer_the_nearest(self):
         self.refused("sample:idle", "--field", "tdemux.recieved_packets", part="tdemux.received_packets")
-        self.refused("sample:idle", "--field", "rtt", part="tdemux.srt.rtt")
-        self.refused("sample:idle", "--field", "tdemux.sources[10].pid", part="tdemux.sources[].pid")
+        self.refused("sample:idle", "--field", "rtt", part="'rtt' is no field; near it is tdemux.srt.rtt\n")
+        self.refused("sample:idle", "--field", "tdemux.sources[10].pid", part="the elements of sources go from 0 to 9\n")
 
     def test_options_that_have_no_meaning_together(self):
-        self.refused("sample:idle", "--raw", part="--raw")
+        self.refused("sample:idle", "--raw", "--format", "text", part="--raw")
         self.refused("sample:idle", "--raw", "--format", "json", "--field", "tdemux.state", part="--raw")
         self.refused("sample:idle", "--format", "openmetrics", "--field", "tdemux.state", part="--field")
         self.refused("sample:idle", "--output", str(self.directory / "x"), part="--output")
+        self.refused("sample:idle", "--format", "json", "--output", "", part="--output: '' is no file")
+        self.refused("sample:idle", "--decoder", "studio-1", part="--decoder")
+        self.refused("sample:idle", "--field", "tdemux.state", "--component", "audio", part="--field tdemux.state")
         self.assertEqual(os.listdir(self.directory), [])
 
     def test_an_output_file_is_replaced_whole(self):
