@@ -242,6 +242,38 @@ class Describe(unittest.TestCase):
         for name in ("pcr_jitter_errors", "last_pcr_jitter", "max_pcr_jitter"):
             self.assertIn("clock_recovery.%s: " % name, out)
 
+    def test_a_line_copied_from_a_report(self):
+        wanted = run("describe", "Lost Packets")[0]
+        self.assertIn("Lost Packets, a line of the ", wanted)
+        for line in ("  Lost Packets          : 61932", "lost packets:", "Lost Packets : 3 (last one: 3s ago)", " Lost Packets\n"):
+            self.assertEqual(run("describe", line)[0], wanted, line)
+
+    def test_advice(self):
+        source = pathlib.Path(os.environ["MAN"], "decstats-reports.5").read_text()
+        advice = source[source.index(".Sh ADVICE") : source.index(".Sh TRANSPORT DEMUX")]
+        titles = re.findall(r"^\.Ss (.*)$", advice, re.M)
+        self.assertIn("Clock and PCR", titles)
+        for title in titles:
+            out = run("describe", title)[0]
+            self.assertTrue(out.startswith(title + ", advice of decstats-reports(5):\n"), out)
+            self.assertGreater(len(out.splitlines()), 3)
+        out = run("describe", "network loss")[0]
+        self.assertIn("\"Network loss\" in decstats-reports(5)", run("describe", "Dropped Packets")[0])
+        self.assertIn("Unknown NALs (debug)", out)
+        self.assertIn("(nNumLostSegmentsRTP)", out)
+        self.assertIn("--format json has fields only", run("describe", "Network loss", "--format", "json", status=2)[1])
+
+    def test_metrics_of_the_decoder_itself(self):
+        self.assertIn("decoder_up: 1 = ", run("describe", "decoder_up")[0])
+        out = run("describe", "decoder_last_update_timestamp_seconds", "rtt")[0]
+        self.assertIn("\n  Unit          seconds\n", out)
+        self.assertIn("\ntdemux.srt.rtt: ", out)
+
+    def test_elements_that_are_not_there(self):
+        for name in ("tdemux.sources[99].pid", "sources[10].pid", "tSources[99999999999999999999].tsPid"):
+            out, err = run("describe", name, status=2)
+            self.assertEqual((out, err), ("", "decstats: '%s': the elements of sources go from 0 to 9\n" % name))
+
     def test_a_name(self):
         out = run("describe", "rtt")[0]
         self.assertIn("tdemux.srt.rtt: ", out)
@@ -277,7 +309,7 @@ class Describe(unittest.TestCase):
                              ("clock-recovry", "clock-recovery"), ("nNumReceivedPacket", "nNumReceivedPackets")):
             out, err = run("describe", wrong, status=2)
             self.assertEqual(out, "")
-            self.assertIn(right, err.split("near it are")[1])
+            self.assertIn(right, err.split("near it ")[1])
         self.assertIn("'decstats describe' lists all", run("describe", "qqqqqqqq", status=2)[1])
 
 

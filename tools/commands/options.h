@@ -63,6 +63,9 @@ CLI::Option* add_scenario(CLI::App& command, std::string& scenario);
 /** The list of the components below a command's help. */
 std::string component_help();
 
+/** Why a name is not known, from the second word on, and what was perhaps meant. @param nearest such names, perhaps none */
+std::string unknown_text(const std::string& name, const std::string& kinds, const std::vector<std::string>& nearest);
+
 /** A list of names in a text. */
 std::string joined(const std::vector<std::string>& names);
 
