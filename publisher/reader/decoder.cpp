@@ -171,6 +171,7 @@ Look Decoder::read(bool with_records) const
     const bool has_writer = is_locked(descriptor_);
     Look look = {.status = found_, .snapshot = {}};
     look.snapshot.decoder = contents_.decoder;
+    look.snapshot.host = contents_.host;
     look.snapshot.instance = contents_.instance;
     read_records(look, has_writer, with_records);
     if (with_records) read_not_measured(look.snapshot);

@@ -159,12 +159,24 @@ void Chain::finish()
     demux_.finish();
     update_input();
     ended_ = true;
-    while (!buffering_.empty() && clock_.now() != 0) run_to(clock_.now() + step_length);
-    framer_.finish();
-    for (const auto& pair : audio_)
-        if (pair) pair->finish(buffering_.stc());
-    decoder_.finish();
-    output_.end();
+    // Each stream ends when its last packet has been passed on, whatever the others still have.
+    bool video_ended = false;
+    bool audio_ended = false;
+    const auto end_streams = [&]
+    {
+        if (!video_ended && !buffering_.holds(SMGR_TDEMUX_DATA_TYPE_VIDEO))
+        {
+            video_ended = true;
+            framer_.finish();
+            decoder_.finish();
+            output_.end();
+        }
+        if (audio_ended || buffering_.holds(SMGR_TDEMUX_DATA_TYPE_AUDIO)) return;
+        audio_ended = true;
+        for (const auto& pair : audio_)
+            if (pair) pair->finish(buffering_.stc());
+    };
+    for (end_streams(); !buffering_.empty(); end_streams()) run_to(clock_.now() + step_length);
     const auto waiting = [this] {
         return !output_.empty() || !metadata_.empty() ||
                std::ranges::any_of(audio_, [](const auto& pair) { return pair && !pair->empty(); });

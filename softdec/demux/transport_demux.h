@@ -62,6 +62,7 @@ private:
         RateMeter rate;
         Ticks pcr_at_start = 0; // last PCR when the PES packet began that is being assembled
         bool pcr_known = false;
+        bool before_pcr = false; // the first PCR had not come then
         unsigned time_base = 0;
         Nanoseconds last_piece = 0; // when a piece of it last came
     };

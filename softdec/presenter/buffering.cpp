@@ -194,6 +194,12 @@ void Buffering::count_late(Ticks late)
     counters.nMaxLateOutputBurstFrms = std::max(counters.nMaxLateOutputBurstFrms, ++late_in_a_row_);
 }
 
+bool Buffering::holds(SMGR_TDEMUX_DATA_TYPE type) const
+{
+    return std::ranges::any_of(channels_, [type](const Channel& channel)
+                               { return !channel.packets.empty() && channel.packets.front().first.stream.type == type; });
+}
+
 bool Buffering::empty() const
 {
     return std::ranges::all_of(channels_, [](const Channel& channel) { return channel.packets.empty(); });

@@ -36,6 +36,9 @@ public:
     /** Passes on what is due. */
     void step();
 
+    /** Whether a packet of some kind of stream is held. */
+    bool holds(SMGR_TDEMUX_DATA_TYPE type) const;
+
     /** Whether nothing is held. */
     bool empty() const;
 

@@ -83,6 +83,19 @@ TEST_P(CleanStream, HasNoFaultRepeated)
     EXPECT_EQ(faults, Faults{});
 }
 
+TEST_P(CleanStream, HasNoFaultWhereverItIsJoined)
+{
+    // A receiver joins a stream between any two packets: pictures before the first key one are dropped.
+    const Bytes stream = read_stream(GetParam().name);
+    for (const std::size_t first : {311U, 777U, 1003U})
+    {
+        const Bytes piece(stream.begin() + static_cast<std::ptrdiff_t>(first * ts_size), stream.end());
+        Faults faults = faults_of(run_file(piece)->records());
+        faults.erase("vframer.dropped_pictures");
+        EXPECT_EQ(faults, Faults{}) << first;
+    }
+}
+
 TEST_P(CleanStream, AgreesWithOtherPrograms)
 {
     const Expected& expected = GetParam();

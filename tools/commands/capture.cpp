@@ -30,7 +30,6 @@ using std::chrono::nanoseconds;
 
 struct Options
 {
-    std::vector<std::string> words;
     sources::Source source;
     std::string file;
     nanoseconds every = std::chrono::seconds(1);
@@ -86,7 +85,7 @@ public:
         files_.finish();
         if (lost_ == 0) return;
         throw files::Failure(files::ExitStatus::output_failed,
-                             files::shown(path_) + ": " + std::to_string(lost_) + " snapshots could not be written");
+                             files::shown(path_) + ": " + std::to_string(lost_) + (lost_ == 1 ? " snapshot" : " snapshots") + " could not be written");
     }
 
 private:
@@ -99,7 +98,7 @@ private:
     void show_progress() const
     {
         if (!is_terminal_) return;
-        std::fprintf(stderr, "\r%llu snapshots, %.1f KiB ", static_cast<unsigned long long>(captured_),
+        std::fprintf(stderr, "\r%llu %s, %.1f KiB ", static_cast<unsigned long long>(captured_), captured_ == 1 ? "snapshot" : "snapshots",
                      static_cast<double>(files_.size()) / 1024);
         std::fflush(stderr);
     }
@@ -226,11 +225,8 @@ void add_capture(CLI::App& app)
 {
     const auto options = std::make_shared<Options>();
     CLI::App& command = add_command(app, "capture", "Append the records of a decoder to a capture file, again and again");
-    command.add_option("SOURCE FILE", options->words, "What is captured, the only live decoder without it; and the file")
-        ->expected(1, 2)
-        ->type_name("")
-        ->required();
-    add_directory(command, options->source.directory);
+    add_source(command, options->source);
+    command.add_option("FILE", options->file, "The capture file; a single word is this")->type_name("");
     const CLI::Option* const every =
         add_duration(command, "--every", options->every, std::chrono::milliseconds(1), "How often: 1s without it");
     const CLI::Option* const lasts = add_duration(command, "--for", options->lasts, {}, "How long; without it, until a signal ends it");
@@ -244,8 +240,8 @@ void add_capture(CLI::App& app)
     command.callback(
         [options, every, lasts]
         {
-            options->file = options->words.back();
-            if (options->words.size() > 1) options->source.text = options->words.front();
+            if (options->file.empty()) std::swap(options->file, options->source.text);
+            if (options->file.empty()) fail("FILE is required; see 'decstats capture --help'");
             try
             {
                 run(*options, every->count() + lasts->count() != 0);

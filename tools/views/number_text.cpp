@@ -131,6 +131,16 @@ void append_integer(std::string& text, std::uint64_t value)
     append_written(text, [value](char* to) { return write_number(to, value); });
 }
 
+void append_scaled(std::string& text, std::int64_t value, std::uint32_t multiply, std::uint32_t divide)
+{
+    append_written(text, [=](char* to) { return write_scaled(to, value, multiply, divide); });
+}
+
+void append_scaled(std::string& text, std::uint64_t value, std::uint32_t multiply, std::uint32_t divide)
+{
+    append_written(text, [=](char* to) { return write_scaled(to, value, multiply, divide); });
+}
+
 void append_float(std::string& text, float value)
 {
     append_written(text, [value](char* to) { return write_float(to, value); });

@@ -1,0 +1,227 @@
+// Commands that look at capture files.
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include "captured.h"
+#include "tool_run.h"
+
+namespace
+{
+
+/** Two instances with a restart and a gap between them: 8 snapshots from 08:00:00 to 08:00:04, and from 08:03:00 to 08:03:02. */
+std::string eventful(const ScratchDirectory& directory)
+{
+    const std::string path = directory / "a.dcap";
+    auto snapshots = Living("live-srt-1080i").snapshots(183);
+    capture::Writer writer(path);
+    for (std::size_t i = 0; i < 5; ++i) writer.append(snapshots[i]);
+    writer.mark_gap(capture::GapCause::no_source, "stale\x1b[2J");
+    for (std::size_t i = 180; i < 183; ++i)
+    {
+        snapshots[i].instance->id = {0xAB};
+        snapshots[i].instance->started_at = noon + 179 * second;
+        writer.append(snapshots[i]);
+    }
+    writer.finish();
+    return path;
+}
+
+TEST(History, TellsSpanRestartsAndGaps)
+{
+    const ScratchDirectory directory;
+    const std::string path = eventful(directory);
+    const std::size_t size = content_of(path).size();
+    const Finish finish = run({"history", path});
+    EXPECT_EQ(finish.status, 0);
+    EXPECT_EQ(finish.err, "");
+    EXPECT_EQ(finish.out, "File         : " + path +
+                              "\n"
+                              "Size         : " +
+                              std::to_string(size) + " bytes, " + std::to_string((size + 4) / 8) +
+                              " a snapshot\n"
+                              "Decoder      : studio-1\n"
+                              "From         : 2027-01-15T08:00:00Z\n"
+                              "To           : 2027-01-15T08:03:02Z (3m 02s)\n"
+                              "Snapshots    : 8\n"
+                              "Instances    : 2\n"
+                              "Restarts     : 1\n"
+                              "Gaps         : 1\n"
+                              "Damage       : 0\n"
+                              "\n"
+                              "2027-01-15T08:00:00Z  instance 01020300000000000000000000000000, started 2027-01-15T07:59:00Z, host 1.0\n"
+                              "2027-01-15T08:00:04Z  gap of 2m 56s: no source, stale\\x1b[2J\n"
+                              "2027-01-15T08:03:00Z  restart of the host\n"
+                              "2027-01-15T08:03:00Z  instance ab000000000000000000000000000000, started 2027-01-15T08:02:59Z, host 1.0\n"
+                              "2027-01-15T08:03:02Z  end of the capture\n");
+}
+
+TEST(History, TellsDamage)
+{
+    const ScratchDirectory directory;
+    const std::string path = directory / "a";
+    capture_all(path, Living("live-srt-1080i").snapshots(125));
+    std::string bytes = content_of(path);
+    bytes[bytes.size() / 10 * 9] ^= 1; // in a snapshot: the layouts take most of the first half
+    directory.write("a", bytes);
+    const Finish finish = run({"history", path});
+    EXPECT_EQ(finish.status, 0);
+    EXPECT_NE(finish.out.find("Damage       : 1\n"), std::string::npos) << finish.out;
+    EXPECT_NE(finish.out.find("Z  damage within "), std::string::npos) << finish.out;
+    EXPECT_NE(finish.out.find(" cannot be read at offset "), std::string::npos) << finish.out;
+}
+
+TEST(Check, FindsAWholeFileWhole)
+{
+    const ScratchDirectory directory;
+    const Finish finish = run({"check", eventful(directory)});
+    EXPECT_EQ(finish.status, 0);
+    EXPECT_EQ(finish.out, "8 snapshots can be read\n");
+    EXPECT_EQ(finish.err, "");
+}
+
+TEST(Check, NamesDamageAndRepairLeavesItOut)
+{
+    const ScratchDirectory directory;
+    const std::string path = eventful(directory);
+    const std::vector<records::Snapshot> all = held_in(path).snapshots;
+    capture::FrameReader frames(path);
+    frames.start();
+    auto part = frames.next();
+    while (part.type != capture::FrameType::change) part = frames.next(); // the second snapshot, from which three others are told
+    std::string bytes = content_of(path);
+    bytes[part.offset + 12] ^= 1;
+    directory.write("a.dcap", bytes);
+
+    const Finish check = run({"check", path});
+    EXPECT_EQ(check.status, 2);
+    EXPECT_EQ(check.out, std::to_string(part.size) + " bytes cannot be read at offset " + std::to_string(part.offset) +
+                             ", which costs at least 4 snapshots, after 2027-01-15T08:00:00Z, before 2027-01-15T08:03:00Z\n"
+                             "4 snapshots can be read\n");
+    EXPECT_EQ(check.err, "decstats: " + path + ": damaged in 1 place; 'decstats repair' writes a file of what can be read\n");
+
+    const Finish repair = run({"repair", path, directory / "b.dcap"});
+    EXPECT_EQ(repair.status, 0);
+    EXPECT_EQ(repair.out, "4 snapshots kept, " + std::to_string(part.size) + " bytes left out\n");
+    EXPECT_EQ(content_of(path), bytes);
+    expect_same(held_in(directory / "b.dcap").snapshots, {all[0], all[5], all[6], all[7]});
+    EXPECT_EQ(run({"check", directory / "b.dcap"}).status, 0);
+    EXPECT_NE(run({"history", directory / "b.dcap"}).out.find("gap of 3m 00s: damaged\n"), std::string::npos);
+
+    const Finish again = run({"repair", path, directory / "b.dcap"});
+    EXPECT_EQ(again.status, 1);
+    EXPECT_EQ(again.err, "decstats: " + directory / "b.dcap" + ": File exists\n");
+    EXPECT_EQ(directory.names(), (std::vector<std::string>{"a.dcap", "b.dcap"}));
+}
+
+TEST(Check, TellsAFileThatIsBeingWrittenFromOneThatWasCutOff)
+{
+    const ScratchDirectory directory;
+    const auto snapshots = Living("live-srt-1080i").snapshots(3);
+    const std::string path = directory / "a";
+    {
+        capture::Writer writer(path);
+        append_all(writer, snapshots);
+        const int file = open(path.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC);
+        ASSERT_EQ(write(file, "abc", 3), 3);
+        close(file);
+        const Finish growing = run({"check", path});
+        EXPECT_EQ(growing.status, 0);
+        EXPECT_EQ(growing.out, "3 bytes at the end are no whole frame, and the file is being written\n3 snapshots can be read\n");
+    }
+    const Finish cut_off = run({"check", path});
+    EXPECT_EQ(cut_off.status, 2);
+    EXPECT_EQ(cut_off.out, "3 bytes at the end are no whole frame: the capture was cut off\n3 snapshots can be read\n");
+}
+
+TEST(Check, NamesWhatIsNoCaptureFile)
+{
+    const ScratchDirectory directory;
+    const std::string path = directory.write("text", "some text that is longer than a header of a file");
+    for (const char* command : {"check", "history"})
+    {
+        const Finish finish = run({command, path});
+        EXPECT_EQ(finish.status, 2);
+        EXPECT_EQ(finish.out, "");
+        EXPECT_EQ(finish.err, "decstats: " + path + ": not a capture file\n");
+    }
+    EXPECT_EQ(run({"repair", path, directory / "b"}).status, 2);
+    EXPECT_EQ(directory.names(), std::vector<std::string>{"text"});
+}
+
+/** The value of a field that show prints. */
+std::string shown(const std::vector<std::string>& arguments)
+{
+    std::vector<std::string> all = {"show"};
+    all.insert(all.end(), arguments.begin(), arguments.end());
+    all.insert(all.end(), {"--field", "tdemux.received_packets"});
+    const Finish finish = run(all);
+    EXPECT_EQ(finish.status, 0) << finish.err;
+    return finish.out;
+}
+
+std::string received(const records::Snapshot& snapshot)
+{
+    return "tdemux.received_packets " + std::to_string(snapshot.records.tdemux.tCounters.nNumReceivedPackets) + " packets\n";
+}
+
+TEST(CaptureSource, AtPicksTheMoment)
+{
+    const ScratchDirectory directory;
+    const auto snapshots = Living("live-srt-1080i").snapshots(100);
+    const std::string path = directory / "a";
+    capture_all(path, snapshots);
+    EXPECT_EQ(shown({path}), received(snapshots.back()));
+    EXPECT_EQ(shown({path, "--at", "2027-01-15T08:00:10Z"}), received(snapshots[10]));
+    EXPECT_EQ(shown({path, "--at", "2027-01-15T08:00:10.999Z"}), received(snapshots[10]));
+    EXPECT_EQ(shown({path, "--at", "2027-01-15T09:01:30+01:00"}), received(snapshots[90]));
+    EXPECT_EQ(shown({path, "--at", "2030-01-01T00:00:00Z"}), received(snapshots.back()));
+
+    const auto failure = [&](const std::string& at)
+    {
+        const Finish finish = run({"show", path, "--at", at});
+        EXPECT_EQ(finish.status, 2);
+        EXPECT_EQ(finish.out, "");
+        return finish.err;
+    };
+    EXPECT_EQ(failure("2027-01-15T07:59:59Z"), "decstats: " + path + ": holds no snapshot of that moment or before\n");
+    EXPECT_EQ(failure("mtime"), "decstats: " + path + ": a capture file has moments of its own, so none for --at mtime\n");
+}
+
+TEST(CaptureSource, AReportCountsItsAgesToTheMomentOfTheSnapshot)
+{
+    const ScratchDirectory directory;
+    const auto snapshots = Living("trouble").snapshots(3);
+    const std::string path = directory / "a";
+    capture_all(path, snapshots);
+    const auto records = snapshots[1].record(*records::find_component("usage"));
+    const std::string file = directory.write("usage.rec", {reinterpret_cast<const char*>(records.data()), records.size()});
+    const Finish now = run({"show", path, "--at", "2027-01-15T08:00:01Z", "--component", "usage", "--level", "debug"});
+    const Finish then = run({"show", file, "--at", "2027-01-15T08:00:01Z", "--level", "debug"});
+    EXPECT_EQ(now.status, 0) << now.err;
+    EXPECT_NE(now.out, "");
+    EXPECT_EQ(now.out, then.out);
+}
+
+TEST(CaptureSource, WhatIsLostBehindTheSnapshotShownIsTold)
+{
+    const ScratchDirectory directory;
+    const auto snapshots = Living("live-srt-1080i").snapshots(3);
+    const std::string path = directory / "a";
+    capture_all(path, snapshots);
+    capture::FrameReader frames(path);
+    frames.start();
+    auto part = frames.next();
+    while (part.type != capture::FrameType::change) part = frames.next();
+    std::string bytes = content_of(path);
+    bytes[part.offset + 12] ^= 1;
+    directory.write("a", bytes);
+    const Finish finish = run({"show", path, "--field", "tdemux.received_packets"});
+    EXPECT_EQ(finish.status, 0);
+    EXPECT_EQ(finish.out, received(snapshots[0]));
+    EXPECT_EQ(finish.err, "decstats: " + path + ": what follows the snapshot shown is damaged: " + std::to_string(part.size) +
+                              " bytes cannot be read at offset " + std::to_string(part.offset) + ", which costs at least 2 snapshots\n");
+}
+
+} // namespace
