@@ -3,9 +3,8 @@
 #include <algorithm>
 #include <utility>
 
-#include "component.h"
 #include "capture_error.h"
-#include "record_layout.h"
+#include "own_layouts.h"
 
 namespace capture
 {
@@ -24,9 +23,8 @@ std::optional<records::Instance> get_instance(Input& in)
 /** A layout of this program, for a file that has lost its own. */
 std::optional<std::vector<std::byte>> own_layout(std::uint32_t id)
 {
-    for (const records::Component& component : records::components())
-        if (std::vector<std::byte> bytes = dictionary::layout_section(component); crc_of(bytes) == id) return bytes;
-    return std::nullopt;
+    const auto found = std::ranges::find(own_layouts(), id, &OwnLayout::id);
+    return found == own_layouts().end() ? std::nullopt : std::optional(found->bytes);
 }
 
 } // namespace
@@ -255,7 +253,8 @@ std::size_t Reader::whole_for(std::int64_t moment) const
         const std::int64_t begin = index_[i].moment;
         if (begin > moment) continue;
         const bool has_next = i + 1 < index_.size() && index_[i + 1].moment >= begin;
-        const bool is_included = has_next ? moment < index_[i + 1].moment : moment - begin < whole_every;
+        const std::int64_t age = difference(moment, begin); // less than 0 where it is more than 64 bits
+        const bool is_included = has_next ? moment < index_[i + 1].moment : age >= 0 && age < whole_every;
         if (is_included) return i;
         if (best == index_.size() || begin > index_[best].moment) best = i;
     }

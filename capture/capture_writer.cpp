@@ -1,6 +1,7 @@
 #include "capture_writer.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -8,10 +9,11 @@
 #include <utility>
 
 #include "bytes.h"
-#include "component.h"
 #include "capture_error.h"
-#include "frames.h"
 #include "capture_reader.h"
+#include "component.h"
+#include "frames.h"
+#include "own_layouts.h"
 
 namespace capture
 {
@@ -101,14 +103,6 @@ bool is_being_written(const std::string& path)
 
 Writer::Writer(const std::string& path) : path_(path), file_(path)
 {
-    for (const records::Component& component : records::components())
-    {
-        Layout& layout = layouts_.at(component.index);
-        std::string problem;
-        layout.bytes = dictionary::layout_section(component);
-        layout.id = crc_of(layout.bytes);
-        layout.layout = dictionary::read_layout(layout.bytes, problem).value();
-    }
     resume();
 }
 
@@ -189,7 +183,7 @@ void Writer::put_layouts(const records::Snapshot& snapshot, Output& out)
     if (again || !layouts_at_) layouts_at_ = snapshot.taken_at;
     for (const records::Component& component : records::components())
     {
-        const Layout& layout = layouts_.at(component.index);
+        const OwnLayout& layout = own_layouts().at(component.index);
         if (snapshot.has(component) && (again || !known_layouts_.contains(layout.id))) put_frame(out, FrameType::layout, layout.bytes);
     }
 }
@@ -206,7 +200,7 @@ std::uint32_t Writer::put_whole(const records::Snapshot& snapshot, Output& out)
     for (const records::Component& component : records::components())
     {
         if (!snapshot.has(component)) continue;
-        const Layout& layout = layouts_.at(component.index);
+        const OwnLayout& layout = own_layouts().at(component.index);
         payload.put(layout.id);
         std::vector<std::size_t> not_measured;
         for (std::size_t i = 0; i < layout.layout.fields.size(); ++i)
@@ -250,7 +244,7 @@ void Writer::append(const records::Snapshot& snapshot)
     {
         whole_at_ = snapshot.taken_at;
         for (const records::Component& component : records::components())
-            if (snapshot.has(component)) known_layouts_.insert(layouts_.at(component.index).id);
+            if (snapshot.has(component)) known_layouts_.insert(own_layouts().at(component.index).id);
         last_ = without_records(snapshot);
     }
     else

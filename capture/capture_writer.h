@@ -6,16 +6,15 @@
 #ifndef CAPTURE_CAPTURE_WRITER_H
 #define CAPTURE_CAPTURE_WRITER_H
 
-#include <array>
 #include <cstdint>
 #include <optional>
 #include <set>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "capture_format.h"
-#include "record_layout.h"
 #include "snapshot.h"
 #include "value_codec.h"
 
@@ -76,14 +75,6 @@ public:
     std::optional<std::int64_t> last_moment() const;
 
 private:
-    /** A layout of this program. */
-    struct Layout
-    {
-        std::vector<std::byte> bytes;
-        std::uint32_t id; /**< its CRC-32 */
-        dictionary::RecordLayout layout;
-    };
-
     struct PendingGap
     {
         GapCause cause;
@@ -100,15 +91,14 @@ private:
 
     std::string path_;
     OwnedFile file_;
-    std::uint64_t end_ = 0; /**< where the last whole frame ends [bytes] */
-    std::array<Layout, records::component_count> layouts_;
-    std::set<std::uint32_t> known_layouts_;           /**< those in the file */
-    std::optional<std::int64_t> layouts_at_;          /**< moment at which they were written last */
+    std::uint64_t end_ = 0;                  /**< where the last whole frame ends [bytes] */
+    std::set<std::uint32_t> known_layouts_;  /**< those in the file */
+    std::optional<std::int64_t> layouts_at_; /**< moment at which they were written last */
     std::optional<PendingGap> gap_;
-    std::optional<records::Snapshot> last_;           /**< without its records */
-    std::optional<std::uint32_t> base_crc_;           /**< of its frame; nothing = only a whole one can follow */
-    std::int64_t whole_at_ = 0;                       /**< moment of the last whole one */
-    std::int64_t interval_ = 0;                       /**< between the last two */
+    std::optional<records::Snapshot> last_; /**< without its records */
+    std::optional<std::uint32_t> base_crc_; /**< of its frame; nothing = only a whole one can follow */
+    std::int64_t whole_at_ = 0;             /**< moment of the last whole one */
+    std::int64_t interval_ = 0;             /**< between the last two */
     ValueCodec codec_;
     bool has_appended_ = false;
 };

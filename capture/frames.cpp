@@ -61,8 +61,7 @@ FileHeader file_header()
     return header;
 }
 
-FrameReader::FrameReader(const std::string& path)
-    : path_(path), descriptor_(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)), buffer_(buffer_size)
+FrameReader::FrameReader(const std::string& path) : path_(path), descriptor_(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK))
 {
     if (descriptor_ < 0) throw system_error(Problem::unreadable, path_, errno);
     struct stat status = {};
@@ -103,7 +102,8 @@ std::span<const std::byte> FrameReader::load(std::uint64_t offset, std::size_t s
 {
     if (offset < buffer_offset_ || offset + size > buffer_offset_ + buffered_)
     {
-        if (buffer_.size() < size) buffer_.resize(size);
+        const std::uint64_t end = std::max(file_size(), offset);
+        buffer_.resize(std::max<std::size_t>(size, std::min<std::uint64_t>(end - offset, buffer_size)));
         buffered_ = read(offset, buffer_);
         buffer_offset_ = offset;
         if (buffered_ < size) return {};

@@ -57,10 +57,10 @@ public:
             end,  /**< the end, or bytes before it that make no frame yet */
         };
         Kind kind = Kind::end;
-        std::uint64_t offset = 0;               /**< in the file [bytes] */
-        std::uint64_t size = 0;                 /**< of the frame, of what is lost, or of what stands before the end [bytes] */
-        FrameType type = FrameType::end;        /**< of the frame */
-        std::uint32_t crc = 0;                  /**< of the frame */
+        std::uint64_t offset = 0;                /**< in the file [bytes] */
+        std::uint64_t size = 0;                  /**< of the frame, of what is lost, or of what stands before the end [bytes] */
+        FrameType type = FrameType::end;         /**< of the frame */
+        std::uint32_t crc = 0;                   /**< of the frame */
         std::span<const std::byte> payload = {}; /**< of the frame, until the next reading */
         std::span<const std::byte> bytes = {};   /**< the frame itself, until the next reading */
     };

@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include "captured.h"
+#include "expectations.h"
 #include "frames.h"
 #include "support.h"
 #include "tool_run.h"
@@ -176,7 +177,8 @@ TEST(Capture, ARangeOfAnotherCapture)
     const ScratchDirectory directory;
     const auto snapshots = Living("live-srt-1080i").snapshots(200);
     capture_all(directory / "a", snapshots);
-    const Finish finish = run({"capture", directory / "a", directory / "b", "--from", "2027-01-15T08:00:50Z", "--to", "2027-01-15T08:01:10Z"});
+    const Finish finish =
+        run({"capture", directory / "a", directory / "b", "--from", "2027-01-15T08:00:50Z", "--to", "2027-01-15T08:01:10Z"});
     EXPECT_EQ(finish.status, 0) << finish.err;
     const Held held = held_in(directory / "b");
     expect_same(held.snapshots, {snapshots.begin() + 50, snapshots.begin() + 71});

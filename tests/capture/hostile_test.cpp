@@ -7,6 +7,7 @@
 
 #include "capture_error.h"
 #include "captured.h"
+#include "expectations.h"
 #include "repair.h"
 
 namespace
@@ -128,7 +129,9 @@ TEST(Hostile, CutAtEveryByte)
         }
 
         // A capture goes on there.
-        { std::ofstream(small.path(), std::ios::binary) << cut; }
+        {
+            std::ofstream(small.path(), std::ios::binary) << cut;
+        }
         records::Snapshot next = small.snapshots().back();
         next.taken_at += second;
         {
@@ -223,7 +226,9 @@ TEST(Hostile, FramesTwiceOrInAnotherOrder)
             const Place& place = small.places()[random() % small.places().size()];
             bytes += small.bytes().substr(place.begin, place.end - place.begin);
         }
-        { std::ofstream(small.path(), std::ios::binary) << bytes; }
+        {
+            std::ofstream(small.path(), std::ios::binary) << bytes;
+        }
         for (const records::Snapshot& snapshot : held_in(small.path()).snapshots)
         {
             const auto same = std::ranges::find(small.snapshots(), snapshot.taken_at, &records::Snapshot::taken_at);
@@ -258,7 +263,9 @@ TEST(Hostile, LookingForMomentsInDamagedFilesShowsWhatWasCaptured)
         std::string bytes = small.bytes();
         char& byte = bytes[24 + random() % (bytes.size() - 24)];
         byte = static_cast<char>(byte + 1 + static_cast<int>(random() % 255));
-        { std::ofstream(small.path(), std::ios::binary) << bytes; }
+        {
+            std::ofstream(small.path(), std::ios::binary) << bytes;
+        }
         capture::Reader reader(small.path());
         for (const records::Snapshot& snapshot : small.snapshots())
         {

@@ -10,6 +10,7 @@
 
 #include "capture_error.h"
 #include "captured.h"
+#include "expectations.h"
 
 namespace
 {

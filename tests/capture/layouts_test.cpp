@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "captured.h"
+#include "expectations.h"
 #include "frames.h"
 #include "record_layout.h"
 #include "repair.h"
@@ -234,8 +235,7 @@ TEST(Layouts, OneThatNobodyKnowsCostsItsSnapshots)
     Layout layout("usage");
     layout.rows.pop_back();
     const ScratchDirectory directory;
-    const Held held =
-        held_in(directory.write("a", Foreign().add(layout, bytes_of_record(usage(3)), bytes_of_record(usage(4))).bytes('-')));
+    const Held held = held_in(directory.write("a", Foreign().add(layout, bytes_of_record(usage(3)), bytes_of_record(usage(4))).bytes('-')));
     EXPECT_TRUE(held.snapshots.empty());
     ASSERT_EQ(held.losses.size(), 1u);
     EXPECT_EQ(held.losses[0].snapshots, 2u);

@@ -6,6 +6,7 @@
 
 #include "capture_error.h"
 #include "captured.h"
+#include "expectations.h"
 
 namespace
 {
@@ -58,7 +59,8 @@ TEST(Reading, MomentsToTheNanosecondInAnyInterval)
     const ScratchDirectory directory;
     std::vector<records::Snapshot> snapshots;
     records::Snapshot snapshot = only("usage", Living("idle").snapshot());
-    for (const std::int64_t step : {std::int64_t{1}, second, second + 7, second - 123'456, minute - 1, minute, minute + 1, 86400 * second, std::int64_t{0}})
+    for (const std::int64_t step :
+         {std::int64_t{1}, second, second + 7, second - 123'456, minute - 1, minute, minute + 1, 86400 * second, std::int64_t{0}})
     {
         snapshot.taken_at += step;
         snapshots.push_back(snapshot);

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "captured.h"
+#include "expectations.h"
 
 namespace
 {

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include "captured.h"
+#include "expectations.h"
 #include "tool_run.h"
 
 namespace

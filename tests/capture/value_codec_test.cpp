@@ -104,8 +104,8 @@ TEST(ValueCodec, SomeBytesChangeAndOthersStay)
 TEST(ValueCodec, NumbersWrap)
 {
     std::vector<Image> images;
-    for (const std::uint64_t number : {std::uint64_t{0}, ~std::uint64_t{0}, std::uint64_t{1} << 63, std::uint64_t{1} << 31, std::uint64_t{1},
-                                       ~std::uint64_t{0} >> 1, std::uint64_t{0xFFFF'FFFF}, std::uint64_t{0x7FFF'FFFF}})
+    for (const std::uint64_t number : {std::uint64_t{0}, ~std::uint64_t{0}, std::uint64_t{1} << 63, std::uint64_t{1} << 31,
+                                       std::uint64_t{1}, ~std::uint64_t{0} >> 1, std::uint64_t{0xFFFF'FFFF}, std::uint64_t{0x7FFF'FFFF}})
         for (const std::uint64_t other : {std::uint64_t{5}, ~number, number})
         {
             Image image(layout().record_size);
@@ -158,12 +158,12 @@ TEST(ValueCodec, BytesThatAreNoSnapshotAreRefused)
         return codec.decode(in, true, image) && in.empty();
     };
     EXPECT_TRUE(decode({0}));
-    EXPECT_TRUE(decode({1, 0, 2}));                                                       // value 0 is 1
-    EXPECT_FALSE(decode({}));                                                             // nothing
-    EXPECT_FALSE(decode({1}));                                                            // a place is missing
-    EXPECT_FALSE(decode({1, 0}));                                                         // a value is missing
-    EXPECT_FALSE(decode({1, 17, 1}));                                                     // there are 17 values, 0 to 16
-    EXPECT_FALSE(decode({1, 8, 13, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}));              // the text has 12 bytes
+    EXPECT_TRUE(decode({1, 0, 2}));                                                        // value 0 is 1
+    EXPECT_FALSE(decode({}));                                                              // nothing
+    EXPECT_FALSE(decode({1}));                                                             // a place is missing
+    EXPECT_FALSE(decode({1, 0}));                                                          // a value is missing
+    EXPECT_FALSE(decode({1, 17, 1}));                                                      // there are 17 values, 0 to 16
+    EXPECT_FALSE(decode({1, 8, 13, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}));               // the text has 12 bytes
     EXPECT_TRUE(decode({1, 0, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 1}));  // 64 bits
     EXPECT_FALSE(decode({1, 0, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 2})); // 65 bits
     EXPECT_FALSE(decode({0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF}));

@@ -7,6 +7,7 @@
 
 #include "capture_error.h"
 #include "captured.h"
+#include "expectations.h"
 
 namespace
 {

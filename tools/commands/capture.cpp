@@ -84,8 +84,8 @@ public:
         if (is_terminal_ && captured_ != 0) std::fputc('\n', stderr);
         files_.finish();
         if (lost_ == 0) return;
-        throw files::Failure(files::ExitStatus::output_failed,
-                             files::shown(path_) + ": " + std::to_string(lost_) + (lost_ == 1 ? " snapshot" : " snapshots") + " could not be written");
+        throw files::Failure(files::ExitStatus::output_failed, files::shown(path_) + ": " + std::to_string(lost_) +
+                                                                   (lost_ == 1 ? " snapshot" : " snapshots") + " could not be written");
     }
 
 private:

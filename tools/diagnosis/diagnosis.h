@@ -109,6 +109,9 @@ struct Episode
     bool over = false;  /**< it was not found any more */
 };
 
+/** Exit status of findings over time: that of the most severe. */
+int exit_status(const std::vector<Episode>& episodes);
+
 /** How the snapshots are looked at. */
 struct Options
 {

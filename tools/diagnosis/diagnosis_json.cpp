@@ -102,13 +102,18 @@ void write_proof(JsonWriter& writer, const Proof& proof, const Result& result)
     rate_member(writer, "rate", result.seconds > 0 ? std::optional(static_cast<double>(*proof.grown) / result.seconds) : std::nullopt);
 }
 
-void write_finding(JsonWriter& writer, const Finding& finding, const Result& result)
+void write_head(JsonWriter& writer, const Finding& finding)
 {
     writer.member("id", finding.rule->id);
     writer.member("severity", severity_id(finding.severity));
     writer.member("stage", stage_id(finding.rule->stage));
     writer.member("title", finding.rule->title);
     text_member(writer, "detail", finding.detail);
+}
+
+void write_finding(JsonWriter& writer, const Finding& finding, const Result& result)
+{
+    write_head(writer, finding);
     integer_member(writer, "since_time", finding.since);
     writer.member("action", finding.rule->remedy);
     writer.key("evidence");
@@ -158,6 +163,24 @@ std::string json(const Result& result, const records::Snapshot& snapshot)
                        writer.member("id", unseen.rule->id);
                        writer.member("field", unseen.field);
                        writer.member("reason", unseen.absent ? "no_record" : "not_measured");
+                   });
+    writer.end_object();
+    return writer.str();
+}
+
+std::string json(const std::vector<Episode>& episodes, const records::Snapshot& snapshot)
+{
+    constexpr std::int64_t second = 1'000'000'000; // [ns]
+    JsonWriter writer;
+    writer.start_object();
+    writer.envelope(json_schema_id, snapshot);
+    objects_member(writer, "episodes", episodes,
+                   [&](const Episode& episode)
+                   {
+                       write_head(writer, episode.finding);
+                       writer.integer_member("begin_time", episode.begin / second);
+                       integer_member(writer, "end_time", episode.over ? std::optional(episode.last / second) : std::nullopt);
+                       writer.member("action", episode.finding.rule->remedy);
                    });
     writer.end_object();
     return writer.str();

@@ -25,6 +25,13 @@ inline constexpr std::string_view json_schema_id = "decstats-diagnosis/1";
  */
 std::string json(const Result& result, const records::Snapshot& snapshot);
 
+/**
+ * Findings over time as one line of JSON.
+ * @param snapshot the last moment
+ * @return without the newline at its end
+ */
+std::string json(const std::vector<Episode>& episodes, const records::Snapshot& snapshot);
+
 } // namespace diagnosis
 
 #endif

@@ -126,6 +126,17 @@ Verdict conclude(const Result& result, const Window& window)
     return verdict;
 }
 
+int exit_status(const std::vector<Episode>& episodes)
+{
+    int status = 0;
+    for (const Episode& episode : episodes)
+    {
+        if (episode.finding.severity == Severity::critical) return 2;
+        if (episode.finding.severity == Severity::warning) status = 1;
+    }
+    return status;
+}
+
 int exit_status(const Result& result)
 {
     switch (result.verdict.state)

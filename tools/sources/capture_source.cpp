@@ -45,8 +45,9 @@ std::string loss_text(const capture::Loss& loss)
 
 records::Snapshot take_captured(const std::string& path, const std::optional<At>& at)
 {
-    const auto fail = [&path](const std::string& text) -> files::Failure
-    { return {files::ExitStatus::input_failed, files::shown(path) + ": " + text}; };
+    const auto fail = [&path](const std::string& text) -> files::Failure {
+        return {files::ExitStatus::input_failed, files::shown(path) + ": " + text};
+    };
     if (at && !at->moment) throw fail("a capture file has moments of its own, so none for --at mtime");
     const auto found = as_failure(
         [&]
