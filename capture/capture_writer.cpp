@@ -52,6 +52,7 @@ records::Snapshot without_records(const records::Snapshot& snapshot)
             .host = snapshot.host,
             .instance = snapshot.instance,
             .taken_at = snapshot.taken_at,
+            .is_up = std::nullopt,
             .present = snapshot.present,
             .not_measured = snapshot.not_measured};
 }

@@ -146,7 +146,7 @@ TEST(Metrics, TheTextTakesThePlaceOfAnother)
     records::Snapshot gone = up;
     gone.is_up = false;
     std::string text = "something else";
-    for (const records::Snapshot* const decoder : {&up, &gone, &up})
+    for (const records::Snapshot* const decoder : std::initializer_list<const records::Snapshot*>{&up, &gone, &up})
     {
         views::write_metrics(text, {&decoder, 1}, MetricsFormat::openmetrics);
         EXPECT_EQ(text, metrics({&decoder, 1}, MetricsFormat::openmetrics));
