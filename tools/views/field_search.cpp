@@ -140,7 +140,10 @@ std::string_view named_in(std::string_view text)
 {
     const std::size_t start = std::min(text.find_first_not_of(" \t\n"), text.size());
     text.remove_prefix(start);
-    text = text.substr(0, text.find(':'));
+    // A label may have colons in it, but none before a blank.
+    std::size_t colon = text.find(':');
+    while (colon != text.npos && colon + 1 < text.size() && text[colon + 1] != ' ') colon = text.find(':', colon + 1);
+    text = text.substr(0, colon);
     return text.substr(0, text.find_last_not_of(" \t\n") + 1);
 }
 
