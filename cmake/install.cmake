@@ -64,6 +64,9 @@ endif()
 # ---- The manual pages ----
 
 file(GLOB manual_pages CONFIGURE_DEPENDS man/*.[135])
+if(NOT STATS_SOFTDEC)
+    list(FILTER manual_pages EXCLUDE REGEX "/softdec\\.1$")
+endif()
 foreach(page ${manual_pages})
     string(REGEX REPLACE ".*\\." "man" section ${page})
     install(FILES ${page} DESTINATION ${CMAKE_INSTALL_MANDIR}/${section})

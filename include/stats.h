@@ -2,8 +2,8 @@
  * @file stats.h
  * The exported functions of the report library, libstats.so. Plain C11 that is also C++17 and later.
  *
- * Each function prints one record as a text report on stdout and returns TRUE. The library holds
- * no state, allocates nothing and takes no lock.
+ * Each function prints one record as a text report on stdout and returns TRUE. The library holds no state, allocates nothing and takes
+ * no lock of its own. (glibc's strerror, which names a system error, allocates for an error number that it does not know.)
  *
  * - Ownership: the caller owns the record, which is only read and must not change during the call.
  * - Errors: none are detected. An output error stays in the stream: see ferror(stdout) after the call.

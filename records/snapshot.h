@@ -34,6 +34,7 @@ struct Snapshot
     std::string host;                     /**< name and release of what publishes its records; empty = not known. Any bytes. */
     std::optional<Instance> instance;     /**< nothing = not known */
     std::int64_t taken_at = 0;            /**< the moment [ns since the epoch, UTC] */
+    std::optional<bool> is_up;            /**< whether its host still updates the records; nothing = not known, as for what is saved */
     std::bitset<component_count> present; /**< the components whose record is here, by Component::index */
     std::bitset<1024> not_measured;       /**< the fields that this host does not fill, by their place in the dictionary */
     Records records = {};                 /**< the records; those that are not present are all zero */

@@ -47,7 +47,7 @@ constexpr std::array table = {
     Fault{"pcr-jumps", srt, "The PCR jumps every five seconds", [](Disturbance& d) { d.pcr_jumps = true; }},
     Fault{"pcr-jitter", srt, "The PCR comes with errors of 45 ms", [](Disturbance& d) { d.pcr_jitters = true; }},
     Fault{"clock-unlocked", srt, "The PLL does not settle", [](Disturbance& d) { d.unlocked = true; }},
-    Fault{"clock-off", srt, "The sender's clock is 90 ppm fast", [](Disturbance& d) { d.deviation = 90 * 27; }},
+    Fault{"clock-off", srt, "The sender's clock is 90 ppm fast, which is 2430 Hz of 27 MHz", [](Disturbance& d) { d.deviation = 2430; }},
     Fault{"pts-behind-pcr", srt, "The time stamps lie behind the PCR", [](Disturbance& d) { d.late_pts = true; }},
     Fault{"demux-overflow", srt, "The demux does not keep up and its packet list overflows",
           [](Disturbance& d) { d.demux_overflow = 0.02; }},

@@ -56,9 +56,7 @@ int main(int argc, char** argv)
 
     try
     {
-        commands::run(argc, argv);
-        close_output();
-        return static_cast<int>(files::ExitStatus::done);
+        return commands::run(argc, argv, close_output);
     }
     catch (const files::Failure& failure)
     {

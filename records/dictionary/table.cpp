@@ -71,9 +71,9 @@ constexpr AbsentRule absent_rule(std::size_t index)
 
 constexpr const Unit& unit_of(std::size_t index)
 {
-    const Unit* unit = find_unit(said[index].unit);
-    if (unit == nullptr) throw "a unit that is not on the list";
-    return *unit;
+    for (const Unit& unit : units)
+        if (unit.name == said[index].unit) return unit;
+    throw "a unit that is not on the list";
 }
 
 constexpr bool drop_end(std::string_view& name, std::string_view end)

@@ -84,14 +84,6 @@ inline constexpr Unit units[] = {
     {"digits"},
 };
 
-/** Finds a unit. @return NULL where the list does not have it */
-constexpr const Unit* find_unit(std::string_view name)
-{
-    for (const Unit& unit : units)
-        if (unit.name == name) return &unit;
-    return nullptr;
-}
-
 } // namespace dictionary
 
 #endif

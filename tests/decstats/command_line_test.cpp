@@ -10,7 +10,8 @@
 namespace
 {
 
-const std::string command_list = "show, describe, demo, print, sample, version";
+const std::string command_list =
+    "show, list, watch, diff, diagnose, capture, history, check, repair, describe, demo, print, sample, simulate, version";
 const std::string component_list = "tdemux, vframer, vdecoder, audio, metadata, buffering, clock-recovery, usage";
 
 std::string scenario_list()

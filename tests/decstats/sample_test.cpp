@@ -160,6 +160,32 @@ TEST(Sample, ANameThatIsTakenByADirectory)
     EXPECT_EQ(directory.names(), std::vector<std::string>{"tdemux.rec"});
 }
 
+TEST(Sample, WhatIsNotARegularFileIsNeverReplaced)
+{
+    const ScratchDirectory directory;
+    const std::string target = directory.write("target", "keep");
+    directory.write("audio.rec", "old");
+    const std::string taken = directory / "usage.rec"; // the last of the set
+    const auto expect_refused = [&](std::filesystem::file_type type)
+    {
+        const Finish finish = run({"sample", "idle", directory.path()});
+        EXPECT_EQ(finish.err, "decstats: " + taken + ": is not a regular file, so it is not replaced\n");
+        EXPECT_EQ(finish.status, 2);
+        EXPECT_EQ(std::filesystem::symlink_status(taken).type(), type);
+        EXPECT_EQ(directory.names(), (std::vector<std::string>{"audio.rec", "target", "usage.rec"}));
+        EXPECT_EQ(content_of(directory / "audio.rec"), "old");
+        std::filesystem::remove(taken);
+    };
+    ASSERT_EQ(mkfifo(taken.c_str(), 0600), 0);
+    expect_refused(std::filesystem::file_type::fifo);
+    for (const std::string& linked : {target, directory / "missing"})
+    {
+        std::filesystem::create_symlink(linked, taken);
+        expect_refused(std::filesystem::file_type::symlink);
+    }
+    EXPECT_EQ(content_of(target), "keep");
+}
+
 TEST(Sample, TheLastNameIsTakenByADirectory)
 {
     const ScratchDirectory directory;

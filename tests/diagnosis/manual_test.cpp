@@ -23,7 +23,7 @@ std::string findings_of(const std::string& text)
 {
     const std::string heading = ".Sh FINDINGS\n";
     const std::size_t begin = text.find(heading);
-    const std::size_t end = text.find(".Sh SEE ALSO\n");
+    const std::size_t end = text.find(".Sh JSON\n");
     if (begin == std::string::npos || end == std::string::npos) return "";
     return text.substr(begin + heading.size(), end - begin - heading.size());
 }

@@ -168,8 +168,11 @@ TEST_P(Fault, IsFoundFirstAndAlone)
     Simulation plain(fault->scenario, 1, start);
     Variant variant{.scenario = fault->scenario};
     variant.bit_rate = static_cast<unsigned>(plain.records().tTDemux.tCounters.nBitsPerSecond * factor);
-    for (const std::uint64_t seed : {11U, 12U, 13U})
+    // Faults begin anywhere within a window.
+    for (const auto offset : {0ms, 1300ms, 2900ms, 4100ms, 5700ms, 7200ms, 8800ms, 9300ms, 9700ms})
     {
+        SCOPED_TRACE(std::to_string(offset.count()) + " ms into the window");
+        const auto seed = static_cast<std::uint64_t>(offset.count()) + 11;
         Simulation simulation = factor == 1.0 ? Simulation(fault->scenario, seed, start) : Simulation(variant, seed, start);
         Diagnosis diagnosis;
         diagnosis.take(snapshot_of(simulation));
@@ -177,14 +180,16 @@ TEST_P(Fault, IsFoundFirstAndAlone)
         listen(simulation, diagnosis, 60s, before);
         EXPECT_EQ(before.first, std::set<std::string>()) << "before the fault";
 
-        simulation.inject(expected.fault);
-        Heard onset; // half of the first window is healthy
-        listen(simulation, diagnosis, 25s, onset);
+        simulation.inject(expected.fault, offset);
+        Heard onset; // part of the first window is healthy
+        listen(simulation, diagnosis, 30s, onset);
         Heard after;
         listen(simulation, diagnosis, 120s, after);
         EXPECT_EQ(after.first, std::set<std::string>{expected.finding});
-        EXPECT_EQ(after.others, std::set<std::string>()) << "false alarms";
         EXPECT_EQ(after.silent, 0);
+        EXPECT_EQ(after.others, std::set<std::string>()) << "false alarms";
+        onset.first.erase(expected.finding);
+        EXPECT_EQ(onset.first, std::set<std::string>()) << "false alarms at the onset";
         EXPECT_EQ(onset.others, std::set<std::string>()) << "false alarms at the onset";
 
         const Result& result = diagnosis.result();
@@ -193,6 +198,7 @@ TEST_P(Fault, IsFoundFirstAndAlone)
         EXPECT_EQ(diagnosis::exit_status(result), expected.status);
         EXPECT_FALSE(result.findings.front().evidence.empty());
         EXPECT_EQ(result.unseen.size(), 0U);
+        EXPECT_EQ(diagnosis.episodes().size(), 1U);
     }
 }
 

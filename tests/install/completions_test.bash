@@ -31,14 +31,14 @@ offers()
     fi
 }
 
-offers 'show describe demo print sample version' ''
-offers 'describe demo' d
+offers 'show list watch diff describe demo print sample simulate version' ''
+offers 'diff describe demo' d
 offers '' x
 offers '--library --help --version' -
 offers '<default>' --library ''
 offers '<default>' --library = ''
-offers 'show describe demo print sample version' --library libstats.so ''
-offers 'show describe demo print sample version' --library = libstats.so ''
+offers 'show list watch diff describe demo print sample simulate version' --library libstats.so ''
+offers 'show list watch diff describe demo print sample simulate version' --library = libstats.so ''
 
 offers "$scenarios" demo ''
 offers "$scenarios" --library libstats.so demo ''
@@ -70,13 +70,39 @@ offers '' print usage file.rec ''
 
 offers '<default>' show ''
 offers '' show idle ''
-offers '--library --help --version --component --level --format --raw --at --field --output' show idle -
+offers '--library --help --version --directory --component --level --format --raw --at --field --decoder --output' show idle -
 offers 'text json ndjson openmetrics prometheus' show idle --format ''
 offers 'json' show --format j
 offers "$components" show idle --component ''
 offers '<default>' show idle --output ''
 offers 'tdemux.srt.rtt' show idle --field tdemux.srt.rt
 offers "$components" describe ''
+
+# Live decoders by name, and files where no name begins like that.
+DECSTATS_DIRECTORY=$(mktemp -d)
+export DECSTATS_DIRECTORY
+for name in alpha beta; do : >"$DECSTATS_DIRECTORY/$name.decstats"; done
+for command in show watch diff 'diff alpha'; do
+    offers 'alpha beta<default>' $command ''
+    offers 'beta<default>' $command b
+    offers '<default>' $command ./
+done
+rm -r "$DECSTATS_DIRECTORY"
+offers '' watch alpha ''
+offers '' list ''
+offers '--library --help --version --directory --format' list -
+offers 'text json' list --format ''
+offers '<dirnames>' list --directory ''
+offers '--library --help --version --directory --every --count --field --component --level' watch -
+offers '' watch --every ''
+offers '--library --help --version --from --to --directory --format' diff -
+offers 'text json ndjson' diff alpha beta --format ''
+offers 'mtime' diff alpha --from ''
+offers "$scenarios" simulate ''
+offers '' simulate idle ''
+offers 'srt-loss srt-latency-low' simulate live-srt-1080i --fault srt-l
+offers '--library --help --version --name --directory --for --fault --after --list-faults' simulate -
+offers '--library --help --version --name --directory --for --fault --after' simulate idle -
 offers 'audio' describe usage a
 offers '--library --help --version --format --schema' describe -
 offers 'text json' describe --format ''
@@ -108,7 +134,7 @@ if command -v fish >/dev/null; then
         actual=$(fish --no-config -c "source '$fish'; complete -C '$2'" | cut -f 1 | sort | paste -sd ' ')
         [[ $actual == "$1" ]] || { echo "fish: '$2' offers: $actual"; echo "expected: $1"; status=1; }
     }
-    fish_offers 'demo describe print sample show version' 'decstats '
+    fish_offers 'demo describe diff list print sample show simulate version watch' 'decstats '
     fish_offers "$(tr ' ' '\n' <<<"$scenarios" | sort | paste -sd ' ')" 'decstats demo '
     fish_offers "$(tr ' ' '\n' <<<"$components" | sort | paste -sd ' ')" 'decstats print --level debug '
     fish_offers 'debug default' 'decstats demo idle --level '

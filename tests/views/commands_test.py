@@ -2,6 +2,8 @@
 import json
 import os
 import pathlib
+import re
+import socket
 import subprocess
 import tempfile
 import threading
@@ -83,7 +85,11 @@ class Show(unittest.TestCase):
         self.assertEqual(list(json.loads(out)["components"]), ["audio", "usage"])
         out = run("show", "sample:idle", "--format", "openmetrics", "--component", "usage")[0]
         families = [family for family in exposition.read(out, openmetrics=True) if not family.startswith("decoder_usage_")]
-        self.assertEqual(families, ["decoder_up", "decoder_last_update_timestamp_seconds"])
+        self.assertEqual(families, ["decoder_last_update_timestamp_seconds"])
+
+    def test_components_by_their_keys(self):
+        call = ("show", "sample:idle", "--format", "json", "--at", "1655208840", "--component")
+        self.assertEqual(run(*call, "clock_recovery"), run(*call, "clock-recovery"))
 
     def test_fields(self):
         source = "sample:live-srt-1080i"
@@ -94,16 +100,77 @@ class Show(unittest.TestCase):
         self.assertEqual(tdemux["srt"], {"rtt": 24137})
         self.assertEqual([set(element) for element in tdemux["sources"]], [{"index", "pid"}] * 4)
 
+    def test_fields_of_components(self):
+        out = run("show", "sample:idle", "--format", "ndjson", "--component", "tdemux", "--component", "audio", "--field", "audio.state")[0]
+        self.assertEqual({name: list(fields) for name, fields in json.loads(out)["components"].items()}, {"audio": ["state"]})
+
+    def test_raw_alone_is_json(self):
+        call = ("show", "sample:idle", "--raw", "--at", "1655208840")
+        self.assertEqual(run(*call), run(*call, "--format", "json"))
+        self.assertEqual(json.loads(run(*call)[0])["schema"], "decstats-raw/1")
+
+    def test_the_moment_of_files_is_when_they_were_written(self):
+        folder = self.records()
+        for path in folder.iterdir():
+            os.utime(path, ns=(0, 1655208000 * 10**9))
+        os.utime(folder / "audio.rec", ns=(0, 1655208840250000000))
+        for source in (folder, folder / "audio.rec"):
+            for format in ("json", "ndjson"):
+                shown = json.loads(run("show", str(source), "--format", format)[0])
+                self.assertEqual(shown["taken_at"], "2022-06-14T12:14:00.250000000Z")
+            for format in ("openmetrics", "prometheus"):
+                out = run("show", str(source), "--format", format)[0]
+                self.assertIn('decoder_last_update_timestamp_seconds{decoder=""} 1655208840.250000000\n', out)
+                self.assertNotIn("decoder_up", out)
+        shown = json.loads(run("show", str(folder), "--format", "json", "--at", "1655208900")[0])
+        self.assertEqual(shown["taken_at"], "2022-06-14T12:15:00.000000000Z")
+        # The reports count to now.
+        ages = [run("show", str(folder), *at)[0] for at in ((), ("--at", "mtime"))]
+        self.assertNotEqual(ages[0], ages[1])
+
+    def test_a_name_for_a_source_without_one(self):
+        folder = self.records()
+        self.assertEqual(json.loads(run("show", str(folder), "--format", "json", "--decoder", "studio-1")[0])["decoder"], "studio-1")
+        for format in ("openmetrics", "prometheus"):
+            for line in run("show", str(folder), "--format", format, "--decoder", "studio-1")[0].splitlines():
+                self.assertTrue(line.startswith("#") or '{decoder="studio-1"' in line, line)
+        for name in ("", "a b", ".x"):
+            self.refused(str(folder), "--format", "json", "--decoder", name, part="--decoder: '%s' is no name of a decoder" % name)
+
+    def test_files_that_are_not_needed_are_not_read(self):
+        folder = self.records()
+        for damaged in ("audio.rec", "other.rec"):
+            (folder / damaged).write_bytes(b"xyz")
+        (folder / "usage.rec").unlink()
+        os.mkfifo(folder / "usage.rec")
+        (folder / "vframer.rec").unlink()
+        (folder / "vframer.rec").mkdir()
+        whole = run("show", "sample:live-srt-1080i", "--field", "tdemux.state")
+        self.assertEqual(run("show", str(folder), "--field", "tdemux.state"), whole)
+        out, err = run("show", str(folder), "--component", "tdemux", "--format", "json")
+        self.assertEqual((list(json.loads(out)["components"]), err), (["tdemux"], ""))
+        (folder / "tdemux.rec").rename(folder / "by-size.rec")
+        self.assertEqual(run("show", str(folder), "--field", "tdemux.state"), whole)
+        self.refused(str(folder), "--component", "audio", part="audio.rec: 3 bytes")
+        for name in ("usage", "vframer"):
+            self.refused(str(folder), "--component", name, part="%s.rec: is not a regular file, so it is no record" % name)
+        for damaged in ("audio.rec", "other.rec"):
+            (folder / damaged).unlink()
+        self.refused(str(folder), part="usage.rec: is not a regular file, so it is no record")
+
     def test_wrong_names_offer_the_nearest(self):
         self.refused("sample:idle", "--field", "tdemux.recieved_packets", part="tdemux.received_packets")
-        self.refused("sample:idle", "--field", "rtt", part="tdemux.srt.rtt")
-        self.refused("sample:idle", "--field", "tdemux.sources[10].pid", part="tdemux.sources[].pid")
+        self.refused("sample:idle", "--field", "rtt", part="'rtt' is no field; near it is tdemux.srt.rtt\n")
+        self.refused("sample:idle", "--field", "tdemux.sources[10].pid", part="the elements of sources go from 0 to 9\n")
 
     def test_options_that_have_no_meaning_together(self):
-        self.refused("sample:idle", "--raw", part="--raw")
+        self.refused("sample:idle", "--raw", "--format", "text", part="--raw")
         self.refused("sample:idle", "--raw", "--format", "json", "--field", "tdemux.state", part="--raw")
         self.refused("sample:idle", "--format", "openmetrics", "--field", "tdemux.state", part="--field")
         self.refused("sample:idle", "--output", str(self.directory / "x"), part="--output")
+        self.refused("sample:idle", "--format", "json", "--output", "", part="--output: '' is no file")
+        self.refused("sample:idle", "--decoder", "studio-1", part="--decoder")
+        self.refused("sample:idle", "--field", "tdemux.state", "--component", "audio", part="--field tdemux.state")
         self.assertEqual(os.listdir(self.directory), [])
 
     def test_an_output_file_is_replaced_whole(self):
@@ -135,6 +202,22 @@ class Show(unittest.TestCase):
         run("show", "sample:idle", "--format", "json", "--output", str(self.directory / "folder"), status=1)
         self.assertEqual(os.listdir(self.directory), ["folder"])
 
+    def test_an_output_that_is_not_a_regular_file_is_left_alone(self):
+        path = self.directory / "x.prom"
+        target = self.directory / "target"
+        target.write_text("keep")
+        node = socket.socket(socket.AF_UNIX)
+        self.addCleanup(node.close)
+        for make in (lambda: os.mkfifo(path), lambda: path.symlink_to(target), lambda: path.symlink_to("missing"),
+                     lambda: node.bind(str(path))):
+            make()
+            before = path.lstat()
+            self.refused("sample:idle", "--format", "prometheus", "--output", str(path), part=str(path))
+            self.assertEqual((path.lstat().st_ino, path.lstat().st_mode), (before.st_ino, before.st_mode))
+            self.assertEqual(sorted(os.listdir(self.directory)), ["target", "x.prom"])
+            path.unlink()
+        self.assertEqual(target.read_text(), "keep")
+
     def test_any_bytes_are_shown(self):
         for fill in (b"\xff", b"\x80", b"\x01"):
             for path in self.records().iterdir():
@@ -158,6 +241,38 @@ class Describe(unittest.TestCase):
         self.assertIn("PCR Jitter Err Count, a line of the clock recovery report", out)
         for name in ("pcr_jitter_errors", "last_pcr_jitter", "max_pcr_jitter"):
             self.assertIn("clock_recovery.%s: " % name, out)
+
+    def test_a_line_copied_from_a_report(self):
+        wanted = run("describe", "Lost Packets")[0]
+        self.assertIn("Lost Packets, a line of the ", wanted)
+        for line in ("  Lost Packets          : 61932", "lost packets:", "Lost Packets : 3 (last one: 3s ago)", " Lost Packets\n"):
+            self.assertEqual(run("describe", line)[0], wanted, line)
+
+    def test_advice(self):
+        source = pathlib.Path(os.environ["MAN"], "decstats-reports.5").read_text()
+        advice = source[source.index(".Sh ADVICE") : source.index(".Sh TRANSPORT DEMUX")]
+        titles = re.findall(r"^\.Ss (.*)$", advice, re.M)
+        self.assertIn("Clock and PCR", titles)
+        for title in titles:
+            out = run("describe", title)[0]
+            self.assertTrue(out.startswith(title + ", advice of decstats-reports(5):\n"), out)
+            self.assertGreater(len(out.splitlines()), 3)
+        out = run("describe", "network loss")[0]
+        self.assertIn("\"Network loss\" in decstats-reports(5)", run("describe", "Dropped Packets")[0])
+        self.assertIn("Unknown NALs (debug)", out)
+        self.assertIn("(nNumLostSegmentsRTP)", out)
+        self.assertIn("--format json has fields only", run("describe", "Network loss", "--format", "json", status=2)[1])
+
+    def test_metrics_of_the_decoder_itself(self):
+        self.assertIn("decoder_up: 1 = ", run("describe", "decoder_up")[0])
+        out = run("describe", "decoder_last_update_timestamp_seconds", "rtt")[0]
+        self.assertIn("\n  Unit          seconds\n", out)
+        self.assertIn("\ntdemux.srt.rtt: ", out)
+
+    def test_elements_that_are_not_there(self):
+        for name in ("tdemux.sources[99].pid", "sources[10].pid", "tSources[99999999999999999999].tsPid"):
+            out, err = run("describe", name, status=2)
+            self.assertEqual((out, err), ("", "decstats: '%s': the elements of sources go from 0 to 9\n" % name))
 
     def test_a_name(self):
         out = run("describe", "rtt")[0]
@@ -194,7 +309,7 @@ class Describe(unittest.TestCase):
                              ("clock-recovry", "clock-recovery"), ("nNumReceivedPacket", "nNumReceivedPackets")):
             out, err = run("describe", wrong, status=2)
             self.assertEqual(out, "")
-            self.assertIn(right, err.split("near it are")[1])
+            self.assertIn(right, err.split("near it ")[1])
         self.assertIn("'decstats describe' lists all", run("describe", "qqqqqqqq", status=2)[1])
 
 

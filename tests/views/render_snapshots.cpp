@@ -26,7 +26,7 @@ std::string rendering(std::string_view view, const records::Snapshot& snapshot)
 {
     if (view == "json") return views::json(snapshot);
     if (view == "raw") return views::raw_json(snapshot);
-    const views::ExposedDecoder decoder = {&snapshot};
+    const records::Snapshot* const decoder = &snapshot;
     static std::string text;
     const bool is_openmetrics = view == "openmetrics";
     if (is_openmetrics || view == "prometheus")
@@ -54,10 +54,11 @@ bool read(records::Snapshot& snapshot)
 
 int main(int argc, char** argv)
 {
-    std::setlocale(LC_ALL, "");
+    std::setlocale(LC_NUMERIC, ""); // system error texts follow LC_MESSAGES, which the tool leaves at "C"
     records::Snapshot snapshot;
     snapshot.decoder = "tested \"decoder\" \\ \xFF";
     snapshot.instance = {.id = {0xAB, 0xCD}, .started_at = 1'655'208'840'000'000'001};
+    snapshot.is_up = true;
     snapshot.taken_at = 1'655'208'899'123'456'789;
     while (read(snapshot))
     {

@@ -18,7 +18,6 @@
 namespace
 {
 
-using views::ExposedDecoder;
 using views::MetricsFormat;
 
 /** A decoder that has received something. */
@@ -35,7 +34,7 @@ records::Snapshot snapshot_of(const std::string& decoder)
     return snapshot;
 }
 
-std::string metrics(std::span<const ExposedDecoder> decoders, MetricsFormat format)
+std::string metrics(std::span<const records::Snapshot* const> decoders, MetricsFormat format)
 {
     std::string text;
     views::write_metrics(text, decoders, format);
@@ -92,7 +91,7 @@ TEST(Json, IndentingChangesNoNumber)
 TEST(Metrics, WhatIsNotMeasuredHasNoSample)
 {
     records::Snapshot snapshot = snapshot_of("a");
-    const ExposedDecoder decoder = {&snapshot};
+    const records::Snapshot* const decoder = &snapshot;
     EXPECT_TRUE(has(metrics({&decoder, 1}, MetricsFormat::openmetrics), "decoder_tdemux_received_packets_total{"));
     snapshot.not_measured.set(index_of("tdemux.received_packets"));
     EXPECT_FALSE(has(metrics({&decoder, 1}, MetricsFormat::openmetrics), "decoder_tdemux_received_packets"));
@@ -100,8 +99,9 @@ TEST(Metrics, WhatIsNotMeasuredHasNoSample)
 
 TEST(Metrics, OfADecoderThatIsGoneOnlyThatRemains)
 {
-    const records::Snapshot snapshot = snapshot_of("gone");
-    const ExposedDecoder decoder = {&snapshot, false};
+    records::Snapshot snapshot = snapshot_of("gone");
+    snapshot.is_up = false;
+    const records::Snapshot* const decoder = &snapshot;
     EXPECT_EQ(metrics({&decoder, 1}, MetricsFormat::openmetrics),
               "# HELP decoder_up 1 = the decoder's records are being updated, 0 = they no longer are\n"
               "# TYPE decoder_up gauge\n"
@@ -113,11 +113,26 @@ TEST(Metrics, OfADecoderThatIsGoneOnlyThatRemains)
               "# EOF\n");
 }
 
+TEST(Metrics, WhetherADecoderIsUpIsOnlySaidWhereItIsKnown)
+{
+    records::Snapshot saved = snapshot_of("saved");
+    records::Snapshot live = snapshot_of("live");
+    live.is_up = true;
+    const records::Snapshot* const decoders[] = {&saved, &live};
+    const std::string both = metrics(decoders, MetricsFormat::prometheus);
+    EXPECT_TRUE(has(both, "decoder_up{decoder=\"live\"} 1\n"));
+    EXPECT_FALSE(has(both, "decoder_up{decoder=\"saved\"}"));
+    EXPECT_TRUE(has(both, "decoder_tdemux_received_packets_total{decoder=\"saved\"} 5\n"));
+    const std::string alone = metrics(std::span(decoders).first(1), MetricsFormat::prometheus);
+    EXPECT_FALSE(has(alone, "decoder_up"));
+    EXPECT_TRUE(has(alone, "decoder_last_update_timestamp_seconds{decoder=\"saved\"} 1655208899.000000000\n"));
+}
+
 TEST(Metrics, AFamilyHasTheSamplesOfAllDecoders)
 {
     const records::Snapshot one = snapshot_of("one");
     const records::Snapshot other = snapshot_of("other");
-    const ExposedDecoder decoders[] = {{&one}, {&other}};
+    const records::Snapshot* const decoders[] = {&one, &other};
     EXPECT_TRUE(has(metrics(decoders, MetricsFormat::prometheus),
                     "# TYPE decoder_tdemux_source_received_packets_total counter\n"
                     "decoder_tdemux_source_received_packets_total{decoder=\"one\",source=\"2\",type=\"unknown\",pid=\"33\"} 4\n"
@@ -127,11 +142,11 @@ TEST(Metrics, AFamilyHasTheSamplesOfAllDecoders)
 
 TEST(Metrics, TheTextTakesThePlaceOfAnother)
 {
-    const records::Snapshot snapshot = snapshot_of("a");
-    const ExposedDecoder up = {&snapshot};
-    const ExposedDecoder gone = {&snapshot, false};
+    const records::Snapshot up = snapshot_of("a");
+    records::Snapshot gone = up;
+    gone.is_up = false;
     std::string text = "something else";
-    for (const ExposedDecoder& decoder : {up, gone, up})
+    for (const records::Snapshot* const decoder : {&up, &gone, &up})
     {
         views::write_metrics(text, {&decoder, 1}, MetricsFormat::openmetrics);
         EXPECT_EQ(text, metrics({&decoder, 1}, MetricsFormat::openmetrics));
@@ -142,7 +157,7 @@ TEST(Metrics, AComponentThatIsNotThereHasNone)
 {
     records::Snapshot snapshot = snapshot_of("a");
     snapshot.present.reset(records::find_component("tdemux")->index);
-    const ExposedDecoder decoder = {&snapshot};
+    const records::Snapshot* const decoder = &snapshot;
     const std::string text = metrics({&decoder, 1}, MetricsFormat::openmetrics);
     EXPECT_FALSE(has(text, "tdemux"));
     EXPECT_TRUE(has(text, "decoder_vframer_state{"));
@@ -152,7 +167,7 @@ TEST(Metrics, ANegativeCounterHasNoSample)
 {
     records::Snapshot snapshot = snapshot_of("a");
     snapshot.records.clock_recovery.pcrJitterErrCount = -1;
-    const ExposedDecoder decoder = {&snapshot};
+    const records::Snapshot* const decoder = &snapshot;
     EXPECT_FALSE(has(metrics({&decoder, 1}, MetricsFormat::openmetrics), "decoder_clock_recovery_pcr_jitter_errors"));
     EXPECT_TRUE(has(views::json(snapshot), R"("pcr_jitter_errors":-1,)"));
 }
@@ -171,7 +186,7 @@ TEST(Metrics, NoStateIsCalledAsTheOneForAllOthers)
 TEST(Metrics, MemoryDoesNotGrow)
 {
     const records::Snapshot snapshot = snapshot_of("a");
-    const ExposedDecoder decoder = {&snapshot};
+    const records::Snapshot* const decoder = &snapshot;
     const auto render = [&](int times)
     {
         for (int i = 0; i < times; ++i)

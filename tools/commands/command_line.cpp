@@ -72,29 +72,9 @@ void refuse_unexpected(const CLI::App& app)
     fail(name + " is not an option of '" + full_name(command) + "', which has " + option_names(command));
 }
 
-} // namespace
-
-void run(int argc, char** argv)
+/** Reads the command line, and runs the command. */
+void parse(CLI::App& app, int argc, char** argv)
 {
-    LibraryFile library;
-    CLI::App app("Prints the statistics reports of a networked hardware video decoder.", "decstats");
-    app.set_version_flag("--version", version_line, "Print the version of decstats and exit");
-    app.require_subcommand(0, 1);
-    app.fallthrough();
-    app.add_option("--library", library, "Load this report library instead of libstats.so")->type_name("FILE");
-    add_show(app, library);
-    add_list(app);
-    add_describe(app);
-    add_capture(app);
-    add_history(app);
-    add_check(app);
-    add_repair(app);
-    add_demo(app, library);
-    add_print(app, library);
-    add_sample(app);
-    add_simulate(app);
-    add_version(app, library);
-
     try
     {
         app.parse(argc, argv);
@@ -117,6 +97,46 @@ void run(int argc, char** argv)
         fail(error.what() + (says_enough ? "" : "; see '" + full_name(chosen(app)) + " --help'"));
     }
     if (app.get_subcommands().empty()) fail("which command? The commands are " + command_names(app) + "; see 'decstats --help'");
+}
+
+} // namespace
+
+int run(int argc, char** argv, void (*close_output)())
+{
+    LibraryFile library;
+    int status = static_cast<int>(files::ExitStatus::done);
+    CLI::App app("Prints the statistics reports of a networked hardware video decoder.", "decstats");
+    app.set_version_flag("--version", version_line, "Print the version of decstats and exit");
+    app.require_subcommand(0, 1);
+    app.fallthrough();
+    app.add_option("--library", library, "Load this report library instead of libstats.so")->type_name("FILE");
+    add_show(app, library);
+    add_list(app);
+    add_watch(app, library);
+    add_diff(app);
+    add_diagnose(app, status);
+    add_capture(app);
+    add_history(app);
+    add_check(app);
+    add_repair(app);
+    add_describe(app);
+    add_demo(app, library);
+    add_print(app, library);
+    add_sample(app);
+    add_simulate(app);
+    add_version(app, library);
+
+    try
+    {
+        parse(app, argc, argv);
+        close_output();
+        return status;
+    }
+    catch (const std::exception& error)
+    {
+        if (chosen(app).get_name() != diagnose_name) throw;
+        throw files::Failure(files::ExitStatus::cannot_tell, error.what());
+    }
 }
 
 } // namespace commands

@@ -9,10 +9,12 @@ namespace commands
 {
 
 /**
- * Runs the command that a command line asks for. Its output may still be in the buffer of standard output.
+ * Runs the command that a command line asks for.
+ * @param close_output writes out what standard output still holds, or throws a Failure
+ * @return the exit status
  * @throw Failure if the command line is wrong or the command fails
  */
-void run(int argc, char** argv);
+int run(int argc, char** argv, void (*close_output)());
 
 } // namespace commands
 

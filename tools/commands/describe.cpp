@@ -3,6 +3,7 @@
  * decstats describe: what the fields of the records mean.
  */
 #include <algorithm>
+#include <cctype>
 #include <memory>
 
 #include "commands.h"
@@ -38,12 +39,8 @@ std::vector<const Field*> described_fields(const std::vector<std::string>& names
     {
         const std::vector<const Field*> found = views::find_fields(name);
         if (found.empty())
-        {
-            const std::vector<std::string> nearest = views::nearest_names(name);
             throw files::Failure(files::ExitStatus::input_failed,
-                                 "'" + name + "' is no field, C member, metric, report line or component" +
-                                     (nearest.empty() ? "; 'decstats describe' lists all" : "; near it are " + joined(nearest)));
-        }
+                                 unknown_text(name, "field, C member, metric, report line or component", views::nearest_names(name)));
         for (const Field* field : found)
             if (std::ranges::find(all, field) == all.end()) all.push_back(field);
     }
@@ -67,12 +64,41 @@ void print_entries(const std::string& name)
     }
 }
 
+/** What there is to tell of something that is no field: a metric of the decoder itself, or advice. @return empty = it is none of these */
+std::string other_description(const std::string& name)
+{
+    const auto is_called = [&name](std::string_view other)
+    {
+        const auto is_same = [](unsigned char a, unsigned char b) { return std::tolower(a) == std::tolower(b); };
+        return std::ranges::equal(name, other, is_same);
+    };
+    for (const views::PresenceFamily& family : views::presence_families)
+        if (is_called(family.name)) return views::description(family);
+    for (const views::ManualEntry& entry : views::manual_entries())
+        if (entry.component == nullptr && is_called(entry.label)) return views::description(entry);
+    return {};
+}
+
 void describe(const Options& options)
 {
     if (options.schema) return files::print(views::indented(views::json_schema()) + "\n");
-    const std::vector<const Field*> fields = described_fields(options.names);
+    std::vector<std::string> names;
+    std::string others;
+    for (const std::string& word : options.names)
+    {
+        const std::string name(views::named_in(word));
+        const std::string other = other_description(name);
+        const bool is_of_fields = other.empty() || !views::find_fields(name).empty();
+        if (is_of_fields) names.push_back(name);
+        if (!is_of_fields && options.format == "json")
+            throw files::Failure(files::ExitStatus::input_failed, "'" + name + "' is no field, and --format json has fields only");
+        if (!other.empty()) others += (others.empty() ? "" : "\n") + other;
+    }
+    std::vector<const Field*> fields;
+    if (others.empty() || !names.empty()) fields = described_fields(names);
     if (options.format == "json") return files::print(views::indented(views::descriptions_json(fields)) + "\n");
-    for (const std::string& name : options.names) print_entries(name);
+    files::print(others + (others.empty() || fields.empty() ? "" : "\n"));
+    for (const std::string& name : names) print_entries(name);
     for (const Field* field : fields) files::print((field == fields.front() ? "" : "\n") + views::description(*field));
 }
 

@@ -4,10 +4,24 @@
 #include <utility>
 
 #include "duration.h"
+#include "failure.h"
+#include "field_search.h"
 #include "sample.h"
 
 namespace commands
 {
+
+namespace
+{
+
+/** The name of the component that a name or a key, as in JSON, means. What is neither stays as it is. */
+std::string component_name(const std::string& name)
+{
+    const auto component = std::ranges::find(records::components(), name, &records::Component::key);
+    return component == records::components().end() ? name : std::string(component->name);
+}
+
+} // namespace
 
 CLI::App& add_command(CLI::App& app, const std::string& name, const std::string& description)
 {
@@ -41,7 +55,13 @@ void add_components(CLI::App& command, std::bitset<records::component_count>& co
     {
         for (const std::string& name : names) components.set(records::find_component(name)->index);
     };
+    const auto by_name = [](std::string& name)
+    {
+        name = component_name(name);
+        return std::string();
+    };
     command.add_option_function<std::vector<std::string>>("--component", set, "Print the report of this component only; may be repeated")
+        ->transform({by_name, ""})
         ->check(one_of(records::component_names()))
         ->type_name("NAME")
         ->allow_extra_args(false);
@@ -67,14 +87,20 @@ void add_at(CLI::App& command, std::optional<sources::At>& at)
     add_moment(command, "--at", at, "Moment that the ages count to: RFC 3339, seconds since the epoch, or mtime of the file");
 }
 
-void add_source(CLI::App& command, sources::Source& source)
+void add_fields(CLI::App& command, std::vector<std::string>& names)
 {
-    command
+    command.add_option("--field", names, "Show these fields only, by their public names")->type_name("NAME...");
+}
+
+CLI::Option* add_source(CLI::App& command, sources::Source& source)
+{
+    add_directory(command, source.directory);
+    return command
         .add_option("SOURCE", source.text,
-                    "A live decoder by name or path, sample:SCENARIO, a directory of record files, or a record file, - for standard input; "
+                    "A live decoder by name or path, sample:SCENARIO, a capture file, a directory of record files, or a record file, - for "
+                    "standard input; "
                     "the only live decoder without one")
         ->type_name("");
-    add_directory(command, source.directory);
 }
 
 void add_directory(CLI::App& command, std::string& directory)
@@ -99,6 +125,30 @@ CLI::Option* add_duration(CLI::App& command, const std::string& name, std::chron
             name, [&duration](const std::string& value) { duration = *sources::parse_duration(value); }, description)
         ->check({check, ""})
         ->type_name("TIME");
+}
+
+std::vector<dictionary::Found> named_fields(const std::vector<std::string>& names)
+{
+    std::vector<dictionary::Found> found;
+    for (const std::string& name : names)
+    {
+        const auto field = dictionary::find(name);
+        if (!field)
+        {
+            throw files::Failure(files::ExitStatus::input_failed, unknown_text(name, "field", views::nearest_field_names(name)));
+        }
+        found.push_back(*field);
+    }
+    return found;
+}
+
+std::string unknown_text(const std::string& name, const std::string& kinds, const std::vector<std::string>& nearest)
+{
+    if (const dictionary::Array* const array = views::array_without_element(name))
+        return "'" + name + "': the elements of " + std::string(array->name) + " go from 0 to " + std::to_string(array->count - 1);
+    const std::string text = "'" + name + "' is no " + kinds + "; ";
+    if (nearest.empty()) return text + "'decstats describe' lists all";
+    return text + (nearest.size() == 1 ? "near it is " : "near it are ") + joined(nearest);
 }
 
 CLI::Option* add_scenario(CLI::App& command, std::string& scenario)

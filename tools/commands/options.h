@@ -14,6 +14,7 @@
 #include <CLI/CLI.hpp>
 
 #include "component.h"
+#include "dictionary.h"
 #include "source.h"
 
 namespace commands
@@ -40,8 +41,14 @@ void add_moment(CLI::App& command, const std::string& name, std::optional<source
 /** Adds "--at TIME". */
 void add_at(CLI::App& command, std::optional<sources::At>& at);
 
+/** Adds "--field NAME...". */
+void add_fields(CLI::App& command, std::vector<std::string>& names);
+
+/** The fields that --field names. @throw Failure if there is no field of a name, with those that are near */
+std::vector<dictionary::Found> named_fields(const std::vector<std::string>& names);
+
 /** Adds the argument SOURCE, and the option that its live decoders are looked for with. */
-void add_source(CLI::App& command, sources::Source& source);
+CLI::Option* add_source(CLI::App& command, sources::Source& source);
 
 /** Adds "--directory DIR", where live decoders are. */
 void add_directory(CLI::App& command, std::string& directory);
@@ -55,6 +62,9 @@ CLI::Option* add_scenario(CLI::App& command, std::string& scenario);
 
 /** The list of the components below a command's help. */
 std::string component_help();
+
+/** Why a name is not known, from the second word on, and what was perhaps meant. @param nearest such names, perhaps none */
+std::string unknown_text(const std::string& name, const std::string& kinds, const std::vector<std::string>& nearest);
 
 /** A list of names in a text. */
 std::string joined(const std::vector<std::string>& names);

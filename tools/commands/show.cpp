@@ -10,7 +10,6 @@
 #include "commands.h"
 #include "failure.h"
 #include "field_lines.h"
-#include "field_search.h"
 #include "json.h"
 #include "metrics.h"
 #include "options.h"
@@ -30,16 +29,23 @@ struct Options
     sources::Source source;
     std::bitset<records::component_count> components;
     STATS_LEVEL level = STATS_LEVEL_DEFAULT;
-    std::string format = "text";
+    std::string format; // empty = none was given
     bool raw = false;
     std::optional<sources::At> at;
     std::vector<std::string> fields;
+    std::string decoder;
     std::string output;
 };
 
 [[noreturn]] void fail(const std::string& message)
 {
     throw files::Failure(files::ExitStatus::input_failed, message);
+}
+
+/** The format without --format. */
+std::string usual_format(const Options& options)
+{
+    return options.raw ? "json" : "text";
 }
 
 /** Refuses options that have no meaning together. */
@@ -52,29 +58,26 @@ void check(const Options& options)
         fail("--field is for text and JSON: --format text, json or ndjson");
     if (!options.output.empty() && options.format == "text" && options.fields.empty())
         fail("--output is for what programs read: --format json, ndjson, openmetrics or prometheus");
+    if (!options.decoder.empty() && options.format == "text")
+        fail("--decoder is for what has the name in it: --format json, ndjson, openmetrics or prometheus");
 }
 
-std::vector<dictionary::Found> named_fields(const std::vector<std::string>& names)
+/** The components that the options ask for; none = all. */
+std::bitset<records::component_count> wanted_components(const Options& options, const std::vector<dictionary::Found>& fields)
 {
-    std::vector<dictionary::Found> found;
-    for (const std::string& name : names)
+    std::bitset<records::component_count> wanted;
+    for (const dictionary::Found& found : fields)
     {
-        const auto field = dictionary::find(name);
-        if (!field)
-        {
-            const std::vector<std::string> nearest = views::nearest_field_names(name);
-            fail("'" + name + "' is no field; " + (nearest.empty() ? "'decstats describe' lists all" : "near it are " + joined(nearest)));
-        }
-        found.push_back(*field);
+        if (options.components.any() && !options.components[found.field->component])
+            fail("--field " + std::string(found.field->full_name) + " is of no component that --component names");
+        wanted.set(found.field->component);
     }
-    return found;
+    return fields.empty() ? options.components : wanted;
 }
 
 /** Leaves the wanted components in a Snapshot. Tells which records a directory does not have, unless they are not wanted. */
-void restrict(records::Snapshot& snapshot, const Options& options, const std::vector<dictionary::Found>& fields)
+void restrict(records::Snapshot& snapshot, const Options& options, std::bitset<records::component_count> wanted)
 {
-    std::bitset<records::component_count> wanted = options.components;
-    for (const dictionary::Found& found : fields) wanted.set(found.field->component);
     std::string missing;
     for (const records::Component& component : records::components())
     {
@@ -100,11 +103,20 @@ std::string rendering(const records::Snapshot& snapshot, const Options& options,
 {
     if (options.format == "json" || options.format == "ndjson") return json(snapshot, options, fields);
     if (options.format == "text") return views::field_lines(snapshot, fields);
-    const views::ExposedDecoder decoder = {&snapshot};
+    const records::Snapshot* const decoder = &snapshot;
     const bool is_openmetrics = options.format == "openmetrics";
     std::string text;
     views::write_metrics(text, {&decoder, 1}, is_openmetrics ? views::MetricsFormat::openmetrics : views::MetricsFormat::prometheus);
     return text;
+}
+
+/** Gives a Snapshot the name that the options have for its decoder. */
+void name(records::Snapshot& snapshot, const Options& options)
+{
+    if (options.decoder.empty()) return;
+    if (!snapshot.decoder.empty())
+        fail(files::shown(options.source.text) + ": its decoder has the name " + snapshot.decoder + "; --decoder is for what has none");
+    snapshot.decoder = options.decoder;
 }
 
 /** Writes a file that its readers see whole: the old one, then the new one. */
@@ -116,12 +128,17 @@ void write_file(const std::string& path, const std::string& content)
     files::write_set(directory, {{file.filename().string(), std::as_bytes(std::span(content))}});
 }
 
-void show(const Options& options, const LibraryFile& library)
+void show(Options& options, const LibraryFile& library)
 {
+    if (options.format.empty()) options.format = usual_format(options);
     check(options);
     const std::vector<dictionary::Found> fields = named_fields(options.fields);
-    records::Snapshot snapshot = sources::take(options.source, options.at);
-    restrict(snapshot, options, fields);
+    const std::bitset<records::component_count> wanted = wanted_components(options, fields);
+    // Reports tell how long ago something happened, which people count from now; programs are told when the records were as they are.
+    records::Snapshot snapshot =
+        sources::take(options.source, options.at, {.components = wanted, .as_last_updated = options.format != "text"});
+    restrict(snapshot, options, wanted);
+    name(snapshot, options);
     if (options.format == "text" && fields.empty()) return views::print_reports(snapshot, library, options.components, options.level);
     const std::string text = rendering(snapshot, options, fields);
     if (options.output.empty())
@@ -142,11 +159,19 @@ void add_show(CLI::App& app, const LibraryFile& library)
     command.add_option("--format", options->format, "text, json, ndjson (one line), openmetrics or prometheus")
         ->check(one_of({"text", "json", "ndjson", "openmetrics", "prometheus"}))
         ->type_name("FORMAT")
-        ->capture_default_str();
+        ->default_str(usual_format(*options));
     command.add_flag("--raw", options->raw, "JSON of all bytes as they stand in the records, nothing interpreted");
     add_at(command, options->at);
-    command.add_option("--field", options->fields, "Show these fields only, by their public names")->type_name("NAME...");
-    command.add_option("--output", options->output, "Write this file, whole at once, instead of standard output")->type_name("FILE");
+    add_fields(command, options->fields);
+    const auto check_decoder = [](const std::string& value)
+    { return published::is_name(value) ? std::string() : "'" + value + "' is no name of a decoder"; };
+    command.add_option("--decoder", options->decoder, "Name of the decoder, where the source has none, for JSON and metrics")
+        ->check({check_decoder, ""})
+        ->type_name("NAME");
+    const auto check_output = [](const std::string& value) { return value.empty() ? std::string("'' is no file") : std::string(); };
+    command.add_option("--output", options->output, "Write this file, whole at once, instead of standard output")
+        ->check({check_output, ""})
+        ->type_name("FILE");
     command.callback([options, &library] { show(*options, library); });
 }
 

@@ -1,6 +1,8 @@
 #include "diagnosis.h"
 
 #include <algorithm>
+#include <functional>
+#include <iterator>
 
 #include "findings.h"
 #include "stage_states.h"
@@ -64,6 +66,7 @@ void Diagnosis::evaluate(const Window& window)
         for (const StageInfo& stage : chain()) result_.stages[static_cast<std::size_t>(stage.stage)] = observe(stage.stage, window);
         result_.verdict = doubtful(doubt);
         std::ranges::fill(seen_, 0);
+        held_.clear();
         for (Episode& episode : episodes_) episode.over = true;
         return;
     }
@@ -73,9 +76,58 @@ void Diagnosis::evaluate(const Window& window)
     Found found = find(window, recent);
     result_.findings = std::move(found.findings);
     result_.unseen = std::move(found.unseen);
+    const std::vector<Finding> held = hold_back(window);
+    settle(held, found.follow, window);
+    for (const Finding& finding : held) found.follow.push_back(finding.rule);
     judge_stages(result_, window, found);
     result_.verdict = conclude(result_, window);
+    if (!held.empty() && exit_status(result_) == 0) result_.verdict = doubtful(Doubt::onset);
     follow(window);
+}
+
+/** Takes those findings out of the result that have to wait for a second window. */
+std::vector<Finding> Diagnosis::hold_back(const Window& window)
+{
+    std::vector<Finding> held;
+    if (!options_.confirm || !window.whole()) return held;
+    const auto waits = [&](const Finding& finding)
+    {
+        if ((finding.rule->follows & (loses | delays)) == 0) return false;
+        const auto is_same = [&](const Episode& episode) { return episode.finding.rule == finding.rule && !episode.over; };
+        return std::ranges::none_of(held_, is_same) && std::ranges::none_of(episodes_, is_same);
+    };
+    const auto rest = std::ranges::stable_partition(result_.findings, std::not_fn(waits));
+    held.assign(std::make_move_iterator(rest.begin()), std::make_move_iterator(rest.end()));
+    result_.findings.erase(rest.begin(), rest.end());
+    return held;
+}
+
+/** What was held back is confirmed, or follows from what is seen now, or was over at once. */
+void Diagnosis::settle(const std::vector<Finding>& held, const std::vector<const Rule*>& explained, const Window& window)
+{
+    for (Episode& episode : held_)
+    {
+        const Rule* rule = episode.finding.rule;
+        const auto is_found = [&](const Finding& finding) { return finding.rule == rule; };
+        const auto is_cause = [&](const Finding& finding) { return explains(*finding.rule, *rule); };
+        if (std::ranges::any_of(result_.findings, is_found))
+        {
+            episodes_.push_back(episode); // it goes on
+            continue;
+        }
+        if (std::ranges::find(explained, rule) != explained.end() || std::ranges::any_of(result_.findings, is_cause)) continue;
+        episode.over = true;
+        episodes_.push_back(episode);
+    }
+    held_.clear();
+    for (const Finding& finding : held) held_.push_back(episode_of(finding, window));
+}
+
+Episode Diagnosis::episode_of(const Finding& finding, const Window& window) const
+{
+    const auto length = static_cast<std::int64_t>(window.seconds() * 1e9);
+    return {
+        .finding = finding, .begin = finding.since ? *finding.since * 1'000'000'000 : result_.taken_at - length, .last = result_.taken_at};
 }
 
 /** What is found goes on, what is not found for two windows is over. */
@@ -92,9 +144,7 @@ void Diagnosis::follow(const Window& window)
             open->last = result_.taken_at;
             continue;
         }
-        const auto began =
-            finding.since ? *finding.since * 1'000'000'000 : result_.taken_at - static_cast<std::int64_t>(window.seconds() * 1e9);
-        episodes_.push_back({.finding = finding, .begin = began, .last = result_.taken_at});
+        episodes_.push_back(episode_of(finding, window));
     }
     const auto hold = static_cast<std::int64_t>(2.5 * options_.window * 1e9);
     for (Episode& episode : episodes_)
@@ -112,7 +162,7 @@ Result diagnose(const records::Snapshot& before, const records::Snapshot& now)
 {
     // However close or far apart they are, the two are the window that was asked for.
     const double apart = static_cast<double>(now.taken_at - before.taken_at) * nanosecond;
-    Diagnosis diagnosis({.window = std::max(0.0, apart) * 0.9, .longest_gap = 600});
+    Diagnosis diagnosis({.window = std::max(0.0, apart) * 0.9, .longest_gap = 600, .confirm = false});
     diagnosis.take(before);
     diagnosis.take(now);
     return diagnosis.result();

@@ -70,6 +70,7 @@ enum class Doubt : std::uint8_t
     restarted, /**< the host process, or the stream, was started again within the window */
     gap,       /**< nothing is known of a part of the window */
     clock_set, /**< the system's clock was set within the window */
+    onset,     /**< something has just begun: the next window tells where */
     cleared,   /**< counters were cleared within the window, of some components at least */
     missing,   /**< records are missing */
 };
@@ -108,11 +109,16 @@ struct Episode
     bool over = false;  /**< it was not found any more */
 };
 
+/** Exit status of findings over time: that of the most severe. */
+int exit_status(const std::vector<Episode>& episodes);
+
 /** How the snapshots are looked at. */
 struct Options
 {
     double window = 10;      /**< length of a window [s] */
     double longest_gap = 30; /**< snapshots further apart than this, and than three windows, leave a gap [s] */
+    /** What may follow from a fault of an earlier stage, which may take seconds to be seen, waits for a second window. */
+    bool confirm = true;
 };
 
 /** Takes the snapshots of one decoder, in order. */
@@ -136,19 +142,23 @@ public:
 
 private:
     void evaluate(const Window& window);
+    std::vector<Finding> hold_back(const Window& window);
+    void settle(const std::vector<Finding>& held, const std::vector<const Rule*>& explained, const Window& window);
     void follow(const Window& window);
+    Episode episode_of(const Finding& finding, const Window& window) const;
 
     Options options_;
     std::unique_ptr<records::Snapshot> before_;
     Result result_;
     std::vector<Episode> episodes_;
+    std::vector<Episode> held_;      /**< found once and not confirmed yet */
     std::vector<std::int64_t> seen_; /**< when each rule was last found, by its place [ns since the epoch, UTC]; 0 = not yet */
 };
 
 /** What is wrong at one moment, as far as one moment tells. */
 Result diagnose(const records::Snapshot& now);
 
-/** What is wrong between two moments. */
+/** What is wrong between two moments, with nothing held back. */
 Result diagnose(const records::Snapshot& before, const records::Snapshot& now);
 
 } // namespace diagnosis

@@ -35,15 +35,6 @@ bool any_cleared(const Rule& rule, const Window& window)
     return std::ranges::any_of(rule.reads, [&](const Reading* reading) { return window.cleared(*reading); });
 }
 
-/** Whether one finding follows from another. Both by their places among rules(), which has causes first. */
-bool explains(std::size_t cause, std::size_t effect)
-{
-    const Rule& one = *rules()[cause];
-    const Rule& other = *rules()[effect];
-    if ((one.causes & other.follows) == 0) return false;
-    return reaches(one.stage, other.stage) || (one.stage == other.stage && cause < effect);
-}
-
 Finding finding_of(const Candidate& candidate, const Window& window)
 {
     const Rule& rule = *rules()[candidate.place];
@@ -60,7 +51,7 @@ Finding finding_of(const Candidate& candidate, const Window& window)
         const auto record = window.snapshot().record(dictionary::component_of(field));
         Proof proof{.field = &field, .element = evidence.element, .value = dictionary::value(field, record, evidence.element), .grown = {}};
         if (field.kind == dictionary::Kind::counter && window.whole()) proof.grown = window.grown(*evidence.reading, evidence.element);
-        finding.evidence.push_back(std::move(proof));
+        finding.evidence.push_back(proof);
     }
     return finding;
 }
@@ -85,6 +76,13 @@ std::vector<Candidate> ask(const Window& window, std::vector<Unseen>& unseen)
 
 } // namespace
 
+bool explains(const Rule& cause, const Rule& effect)
+{
+    if ((cause.causes & effect.follows) == 0) return false;
+    if (cause.stage != effect.stage) return reaches(cause.stage, effect.stage);
+    return &cause < &effect; // the rules of a stage stand in one vector, in their order
+}
+
 Found find(const Window& window, const std::vector<bool>& recent)
 {
     Found found;
@@ -95,10 +93,11 @@ Found find(const Window& window, const std::vector<bool>& recent)
     for (std::size_t i = 0; i < candidates.size(); ++i)
     {
         for (std::size_t j = i; j-- > 0 && candidates[i].root == i;) // the nearest cause, and what that follows from
-            if (explains(candidates[j].place, candidates[i].place))
+            if (explains(*rules()[candidates[j].place], *rules()[candidates[i].place]))
                 candidates[i].root = candidates[j].root == earlier ? j : candidates[j].root;
         for (std::size_t cause = 0; cause < recent.size() && candidates[i].root == i; ++cause)
-            if (recent[cause] && cause != candidates[i].place && explains(cause, candidates[i].place)) candidates[i].root = earlier;
+            if (recent[cause] && cause != candidates[i].place && explains(*rules()[cause], *rules()[candidates[i].place]))
+                candidates[i].root = earlier;
     }
 
     std::vector<std::size_t> places(candidates.size());

@@ -29,6 +29,9 @@ struct Found
  */
 Found find(const Window& window, const std::vector<bool>& recent);
 
+/** Whether one finding may follow from another. */
+bool explains(const Rule& cause, const Rule& effect);
+
 } // namespace diagnosis
 
 #endif

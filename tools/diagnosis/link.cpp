@@ -23,8 +23,6 @@ constinit const Reading lost{"tdemux.srt.lost_packets"};
 constinit const Reading too_late{"tdemux.srt.dropped_packets"};
 constinit const Reading latency{"tdemux.srt.latency"};
 constinit const Reading rtt{"tdemux.srt.rtt"};
-constinit const Reading columns{"tdemux.fec.columns"};
-constinit const Reading rows{"tdemux.fec.rows"};
 constinit const Reading media{"tdemux.fec.received_packets"};
 constinit const Reading column_packets{"tdemux.fec.received_column_packets"};
 constinit const Reading row_packets{"tdemux.fec.received_row_packets"};
@@ -33,8 +31,6 @@ constinit const Reading recovered{"tdemux.fec.recovered_packets"};
 constinit const Reading beyond{"tdemux.fec.lost_packets"};
 
 constexpr Limit lost_for_good{.least = 2, .of_million = 100};
-constexpr std::int64_t grave = 10'000; // of a million
-
 bool is_srt(const Window& window)
 {
     return window.value(encapsulation) == SMGR_STREAM_ENCAPSULATION_TS_SRT;
@@ -45,12 +41,12 @@ bool has_fec(const Window& window)
     return window.value(encapsulation) == SMGR_STREAM_ENCAPSULATION_TS_RTP && window.value(fec_type) == SMGR_FEC_TYPE_PRO_MPEG;
 }
 
-/** A share that is lost for good; from 1 % on the picture is gone for most of the time. */
+/** From 1 % on the picture is gone for most of the time. */
 bool is_lost(const Window& window, Hit& hit, const Reading& counter, std::int64_t came)
 {
     const std::int64_t bad = window.grown(counter);
     if (!lost_for_good.reached(bad, bad + came)) return false;
-    if (bad * 1'000'000 >= grave * (bad + came)) hit.weigh(Severity::critical);
+    if (bad * 100 >= bad + came) hit.weigh(Severity::critical);
     return hit.show(counter).found();
 }
 
@@ -87,9 +83,7 @@ const Rules& link_rules()
                 "The link is SRT, and the state of its key exchange says that the passphrases differ; or one packet in a hundred or more, "
                 "and at least 10, could not be decrypted within the window.",
             .reason = "The state is the link's own. Without it, single packets that cannot be decrypted are normal while keys change.",
-            .remedy =
-                "Enter the passphrase again at both ends rather than compare it: 10 to 79 characters, case and blanks count. Then start "
-                "the stream again.",
+            .remedy = "Enter the passphrase again at both ends rather than compare it: case and blanks count. Then restart the stream.",
             .needs_window = false,
             .causes = stops,
             .follows = no_effect,
@@ -114,8 +108,8 @@ const Rules& link_rules()
                 "The latency is below 2.5 times the round trip time, and packets came too late: 2 or more and one in ten thousand within "
                 "the window, or one in two thousand since the start.",
             .reason =
-                "A packet that was lost is missed, asked for and sent again: one and a half round trips without any further loss. SRT's "
-                "own advice is three to four. A short latency alone is no fault where nothing is lost.",
+                "A packet that was lost is missed, asked for and sent again: one and a half round trips if nothing else is lost. A short "
+                "latency alone is no fault.",
             .remedy = "Set the latency to three to four times the round trip time, at either end.",
             .needs_window = false,
             .causes = loses,
@@ -167,11 +161,10 @@ const Rules& link_rules()
             .severity = Severity::warning,
             .title = "FEC is expected and no FEC packet arrives",
             .when = "The input is RTP with Pro-MPEG FEC, and 200 media packets or more came within the window with no FEC packet.",
-            .reason = "A matrix of SMPTE ST 2022-1 holds 100 packets at most and has a FEC packet for each column: among 200 media packets "
-                      "there are FEC packets of a whole matrix.",
+            .reason = "A matrix of SMPTE ST 2022-1 holds 100 packets at most, so among 200 are the FEC packets of a whole matrix.",
             .remedy =
-                "Check that the sender's FEC is on and that its ports reach this unit: the column FEC comes on the media's port + 2, the "
-                "row FEC on + 4. Or switch FEC off here.",
+                "Check that the sender's FEC is on and reaches this unit, on the media's port + 2 (columns) and + 4 (rows); or switch FEC "
+                "off here.",
             .needs_window = true,
             .causes = loses,
             .follows = stops,
@@ -179,8 +172,8 @@ const Rules& link_rules()
             .test =
                 [](const Window& window, Hit& hit)
             {
-                if (!has_fec(window) || window.grown(media) < 200) return false;
-                if (window.grown(column_packets) != 0 || window.grown(row_packets) != 0) return false;
+                if (!has_fec(window) || window.grown(media) < 200 || window.grown(column_packets) + window.grown(row_packets) != 0)
+                    return false;
                 return hit.show(column_packets).show(row_packets).show(media).show(beyond).found();
             },
         },
@@ -196,14 +189,14 @@ const Rules& link_rules()
             .remedy = "Choose a matrix with more columns against long bursts, or row FEC in addition; better, look for the hop that loses.",
             .needs_window = true,
             .causes = loses,
-            .follows = stops,
-            .reads = {&encapsulation, &fec_type, &beyond, &media, &column_packets, &missing, &recovered, &columns, &rows},
+            .follows = stops | loses,
+            .reads = {&encapsulation, &fec_type, &beyond, &media, &column_packets, &missing, &recovered},
             .test =
                 [](const Window& window, Hit& hit)
             {
-                if (!has_fec(window) || window.grown(column_packets) == 0) return false;
-                if (!is_lost(window, hit, beyond, window.grown(media))) return false;
-                return hit.show(missing).show(recovered).show(columns).show(rows).found();
+                if (!has_fec(window) || window.grown(column_packets) == 0 || !is_lost(window, hit, beyond, window.grown(media)))
+                    return false;
+                return hit.show(missing).show(recovered).found();
             },
         },
         {
@@ -245,8 +238,8 @@ const Rules& link_rules()
             .test =
                 [](const Window& window, Hit& hit)
             {
-                if (!has_fec(window) || window.value(uptime) < 3600 || window.value(media) < 100'000) return false;
-                if (window.value(missing) != 0 || window.value(column_packets) == 0) return false;
+                const bool is_long = window.value(uptime) >= 3600 && window.value(media) >= 100'000 && window.value(column_packets) != 0;
+                if (!has_fec(window) || !is_long || window.value(missing) != 0) return false;
                 return hit.show(missing).show(media).show(column_packets).show(uptime).found();
             },
         },

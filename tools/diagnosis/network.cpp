@@ -77,14 +77,14 @@ const Rules& network_rules()
             .stage = Stage::network,
             .severity = Severity::critical,
             .title = "No packet arrives",
-            .when = "A stream was started and has been received, and the last packet came 3 s ago or longer.",
+            .when = "A stream was started and has been received, and the last packet came 3 s ago or longer, while the up time goes on.",
             .reason = "Even a stream of 300 kbit/s has a packet each 35 ms; 3 s are more than any buffer of the chain holds.",
             .remedy = "Check that the sender runs and the way to this unit: link lights, the counters of the switches, for multicast the "
                       "membership (IGMP), for a caller the firewalls.",
             .needs_window = false,
             .causes = stops,
             .follows = no_effect,
-            .reads = {&started, &state, &received, &last_received},
+            .reads = {&started, &state, &uptime, &received, &last_received},
             .test =
                 [](const Window& window, Hit& hit)
             {
@@ -93,7 +93,10 @@ const Rules& network_rules()
                                                    now != SMGR_TDEMUX_STATS_STATE_SECURING))
                     return false;
                 const auto age = window.age(last_received);
-                if (window.value(received) == 0 || age.value_or(0) < silence || window.grown(received) != 0) return false;
+                if (window.value(received) == 0 || age.value_or(0) < silence) return false;
+                // A host that hangs looks the same, but for its up time.
+                const auto ran = window.difference(uptime);
+                if (ran && static_cast<double>(*ran) < window.seconds() - 1.5) return false;
                 return hit.show(last_received).show(received).show(state).since(age).found();
             },
         },
@@ -102,9 +105,9 @@ const Rules& network_rules()
             .stage = Stage::network,
             .severity = Severity::warning,
             .title = "The packets arrive in bursts, further apart than the buffer lasts",
-            .when =
-                "Within the window two packets lay further apart than 100 ms, than 20 times their mean distance, and than the buffering "
-                "delay of the video or, without one, of the first stream.",
+            .when = "Packets go on, and within the window two of them lay further apart than 100 ms, than 20 times their mean distance, "
+                    "and than the buffering "
+                    "delay of the video or, without one, of the first stream.",
             .reason =
                 "A gap that is longer than the buffering delay empties the buffer, however many packets follow. The factor of the mean "
                 "keeps slow streams silent, whose packets lie far apart as a rule.",
@@ -113,12 +116,12 @@ const Rules& network_rules()
             .needs_window = true,
             .causes = delays,
             .follows = stops,
-            .reads = {&received, &interval, &longest_interval, &longest_interval_at, &buffering_delay},
+            .reads = {&received, &last_received, &interval, &longest_interval, &longest_interval_at, &buffering_delay},
             .test =
                 [](const Window& window, Hit& hit)
             {
                 const std::int64_t packets = window.grown(received);
-                if (packets < 10) return false;
+                if (packets < 10 || window.age(last_received).value_or(silence) >= silence) return false;
                 const double mean = window.seconds() * 1e6 / static_cast<double>(packets);
                 std::int64_t delay = window.value(buffering_delay, 0);
                 if (delay == 0) delay = window.value(buffering_delay, 1);

@@ -78,6 +78,7 @@ Verdict doubtful(Doubt doubt)
     case Doubt::restarted: verdict.place = "The decoder was started again within the window."; break;
     case Doubt::gap: verdict.place = "Nothing is known of a part of the window."; break;
     case Doubt::clock_set: verdict.place = "The system's clock was set within the window."; break;
+    case Doubt::onset: verdict.place = "Something has just begun. The next window tells where."; break;
     case Doubt::cleared: verdict.place = "Counters were cleared within the window."; break;
     case Doubt::missing: verdict.place = "The records of some components are missing."; break;
     case Doubt::single:
@@ -123,6 +124,17 @@ Verdict conclude(const Result& result, const Window& window)
     verdict.place = window.whole() ? "Every stage passes on what it gets." : "As far as one moment tells: rates cannot be seen.";
     verdict.doubt = window.whole() ? Doubt::none : Doubt::single;
     return verdict;
+}
+
+int exit_status(const std::vector<Episode>& episodes)
+{
+    int status = 0;
+    for (const Episode& episode : episodes)
+    {
+        if (episode.finding.severity == Severity::critical) return 2;
+        if (episode.finding.severity == Severity::warning) status = 1;
+    }
+    return status;
 }
 
 int exit_status(const Result& result)

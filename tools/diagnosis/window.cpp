@@ -161,6 +161,14 @@ bool Window::changed(const Reading& reading, std::size_t element) const
     return whole() && value_of(now_, reading, element) != value_of(*before_, reading, element);
 }
 
+std::optional<std::int64_t> Window::difference(const Reading& reading) const
+{
+    note(reading);
+    if (!whole()) return {};
+    return static_cast<std::int64_t>(static_cast<std::uint64_t>(value_of(now_, reading, 0)) -
+                                     static_cast<std::uint64_t>(value_of(*before_, reading, 0)));
+}
+
 bool Window::happened(const Reading& time, std::size_t element) const
 {
     note(time);

@@ -97,6 +97,9 @@ public:
     /** Whether a value is another than before; false unless whole(). */
     bool changed(const Reading& reading, std::size_t element = 0) const;
 
+    /** What a gauge that only grows, as an up time, grew by; nothing unless whole(). */
+    std::optional<std::int64_t> difference(const Reading& reading) const;
+
     /** Whether an event time lies in the window. */
     bool happened(const Reading& time, std::size_t element = 0) const;
 

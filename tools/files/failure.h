@@ -18,6 +18,7 @@ enum class ExitStatus
     done = 0,          /**< everything asked for was written */
     output_failed = 1, /**< output could not be written */
     input_failed = 2,  /**< the command line was wrong or an input could not be read */
+    cannot_tell = 3,   /**< the same for a command whose other statuses tell how a decoder is */
 };
 
 /** Ends the command with one line on standard error and a status. */

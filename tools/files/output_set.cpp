@@ -25,6 +25,18 @@ namespace
     throw Failure(ExitStatus::output_failed, shown(path) + ": " + std::strerror(error));
 }
 
+/**
+ * The path of a file that may be replaced: there is none, or it is a regular one. In the place of a device, a FIFO, a socket or a
+ * symbolic link, a file would cut off whoever uses it.
+ */
+std::string replaceable(const std::string& path)
+{
+    struct stat status = {};
+    if (lstat(path.c_str(), &status) != 0 || S_ISREG(status.st_mode)) return path;
+    if (S_ISDIR(status.st_mode)) fail(path, EISDIR);
+    throw Failure(ExitStatus::input_failed, shown(path) + ": is not a regular file, so it is not replaced");
+}
+
 mode_t file_creation_mask()
 {
     const mode_t mask = umask(0);
@@ -72,7 +84,7 @@ class PendingFile
 {
 public:
     PendingFile(const std::string& directory, const std::string& name)
-        : path_(directory + "/" + name), temporary_(directory + "/." + name + ".XXXXXX"),
+        : path_(replaceable(directory + "/" + name)), temporary_(directory + "/." + name + ".XXXXXX"),
           descriptor_(mkostemp(temporary_.data(), O_CLOEXEC)), replaced_(temporary_ + ".old")
     {
         if (descriptor_ < 0) fail(directory, errno);

@@ -44,7 +44,8 @@ struct OutputFile
 
 /**
  * Writes a set of files. Each stands under a temporary name until all are complete; files of the same names are replaced, and
- * come back if one of the set cannot take its name. Signals that would end the process wait until the set is whole or gone.
+ * come back if one of the set cannot take its name. What is not a regular file is never replaced. Signals that would end the
+ * process wait until the set is whole or gone.
  * @throw Failure if a file cannot be written: the directory is then as it was
  */
 void write_set(const LockedDirectory& directory, const std::vector<OutputFile>& files);

@@ -59,6 +59,15 @@ std::string components_in(const published::Status& status, RecordState state)
     return names;
 }
 
+/** When the last of the records that can be read was published [ns since the epoch, UTC] */
+std::int64_t last_published_at(const published::Status& status)
+{
+    std::int64_t last = status.instance.started_at;
+    for (const published::RecordStatus& record : status.records)
+        if (record.state == RecordState::whole) last = std::max(last, record.published_at);
+    return last;
+}
+
 } // namespace
 
 std::optional<std::string> find_live(const Source& source)
@@ -107,13 +116,15 @@ std::string problem_of(const published::Look& look)
     return text;
 }
 
-records::Snapshot take_live(const std::string& path)
+records::Snapshot take_live(const std::string& path, bool as_last_updated)
 {
     published::Look look = LiveDecoder(path).look();
     const std::string problem = problem_of(look);
     if (!published::has_records(look.status.state) || look.snapshot.present.none())
         fail(problem.empty() ? path + ": nothing has been published yet" : problem);
     if (!problem.empty()) files::warn(problem);
+    look.snapshot.is_up = look.status.state == State::live;
+    if (as_last_updated && look.status.state == State::hung) look.snapshot.taken_at = last_published_at(look.status);
     return std::move(look.snapshot);
 }
 

@@ -40,10 +40,11 @@ private:
 std::string problem_of(const published::Look& look);
 
 /**
- * Takes a Snapshot of a live decoder. What is wrong with it is told on standard error.
+ * Takes a Snapshot of a live decoder, which tells whether it is up. What is wrong with it is told on standard error.
+ * @param as_last_updated of a host that hangs, the moment is when it last published; false = now
  * @throw Failure if it has no record to show
  */
-records::Snapshot take_live(const std::string& path);
+records::Snapshot take_live(const std::string& path, bool as_last_updated);
 
 } // namespace sources
 

@@ -43,18 +43,35 @@ std::size_t largest_record()
     return std::ranges::max_element(records::components(), {}, &records::Component::record_size)->record_size;
 }
 
-std::int64_t moment_of(const files::InputFile& file, const std::optional<At>& at)
+std::int64_t moment_of(const files::InputFile& file, const std::optional<At>& at, bool as_written)
 {
-    if (!at) return present_moment();
+    if (!at) return as_written ? file.modified_at().value_or(present_moment()) : present_moment();
     if (at->moment) return *at->moment;
     const auto written = file.modified_at();
     if (!written) fail(file.name() + ": is not a regular file, so it has no mtime for --at");
     return *written;
 }
 
+/** Whether a file of a directory has one of these components, by its name, or else by its size. */
+bool has_any(const std::filesystem::path& file, std::bitset<records::component_count> components)
+{
+    const records::Component* component = records::find_component(file.stem().string());
+    std::error_code ignored; // what has no size is no record
+    if (component == nullptr) component = records::find_component_of_size(std::filesystem::file_size(file, ignored));
+    return component != nullptr && components[component->index];
+}
+
+/** Whether a path leads to a directory, a FIFO or another thing whose bytes are not those of a file. What is not there is no such thing. */
+bool is_other_than_file(const std::filesystem::path& path)
+{
+    std::error_code ignored; // what cannot be looked at is opened, and that says why
+    const std::filesystem::file_status status = std::filesystem::status(path, ignored);
+    return std::filesystem::exists(status) && !std::filesystem::is_regular_file(status);
+}
+
 } // namespace
 
-records::Snapshot record_file(const records::Component* component, const std::string& path, const std::optional<At>& at)
+records::Snapshot record_file(const records::Component* component, const std::string& path, const std::optional<At>& at, bool as_written)
 {
     files::InputFile file(path);
     const std::optional<std::uint64_t> size = file.remaining();
@@ -70,12 +87,13 @@ records::Snapshot record_file(const records::Component* component, const std::st
     if (found == nullptr) fail(file.name() + ": " + found_size(count, limit, size) + ", which is the size of no record");
 
     records::Snapshot snapshot;
-    snapshot.taken_at = moment_of(file, at);
+    snapshot.taken_at = moment_of(file, at, as_written);
     snapshot.put(*found, std::span(bytes).first(count));
     return snapshot;
 }
 
-records::Snapshot record_directory(const std::string& path, const std::optional<At>& at)
+records::Snapshot record_directory(const std::string& path, const std::optional<At>& at, bool as_written,
+                                   std::bitset<records::component_count> components)
 {
     std::error_code error;
     std::vector<std::filesystem::path> paths;
@@ -88,7 +106,9 @@ records::Snapshot record_directory(const std::string& path, const std::optional<
     records::Snapshot all;
     for (const std::filesystem::path& file : paths)
     {
-        const records::Snapshot one = record_file(records::find_component(file.stem().string()), file.string(), at);
+        if (components.any() && !has_any(file, components)) continue;
+        if (is_other_than_file(file)) fail(file.string() + ": is not a regular file, so it is no record");
+        const records::Snapshot one = record_file(records::find_component(file.stem().string()), file.string(), at, as_written);
         for (const records::Component& component : records::components())
         {
             if (!one.has(component)) continue;

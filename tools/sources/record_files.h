@@ -5,6 +5,7 @@
 #ifndef SOURCES_RECORD_FILES_H
 #define SOURCES_RECORD_FILES_H
 
+#include <bitset>
 #include <optional>
 #include <string>
 
@@ -19,18 +20,23 @@ namespace sources
  * @param component its component; NULL = the one whose record has the file's size
  * @param path      path, or "-" for standard input
  * @param at        the moment that the record was taken at; nothing = now
+ * @param as_written without a moment it is that of the file's last writing, if it is a regular file
  * @throw Failure if the file cannot be read or has another size
  */
-records::Snapshot record_file(const records::Component* component, const std::string& path, const std::optional<At>& at);
+records::Snapshot record_file(const records::Component* component, const std::string& path, const std::optional<At>& at,
+                              bool as_written = false);
 
 /**
  * Reads the files *.rec of a directory. One that has a component's name holds that component's record; of any other name, the
  * size tells.
- * @param at the moment that the records were taken at; nothing = now, mtime = when the last of them was written
- * @return the records that are there, at least one
- * @throw Failure if one cannot be read or has a wrong size, if two are of one component, and if there is none
+ * @param at         the moment that the records were taken at; nothing = now, mtime = when the last of them was written
+ * @param as_written nothing = when the last of them was written
+ * @param components these only, if there are any: a file of another is not read, and neither is one whose size is that of no record
+ * @return the records that are there
+ * @throw Failure if one is not a regular file, cannot be read or has a wrong size, if two are of one component, and if there is none
  */
-records::Snapshot record_directory(const std::string& path, const std::optional<At>& at);
+records::Snapshot record_directory(const std::string& path, const std::optional<At>& at, bool as_written = false,
+                                   std::bitset<records::component_count> components = {});
 
 /**
  * Writes each record to its own file, COMPONENT.rec: all of them, or none.

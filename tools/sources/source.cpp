@@ -22,7 +22,7 @@ namespace
 
 } // namespace
 
-records::Snapshot take(const Source& source, const std::optional<At>& at)
+records::Snapshot take(const Source& source, const std::optional<At>& at, const Wanted& wanted)
 {
     constexpr std::string_view sample_prefix = "sample:";
     if (source.text.starts_with(sample_prefix))
@@ -33,12 +33,13 @@ records::Snapshot take(const Source& source, const std::optional<At>& at)
     if (const auto path = find_live(source))
     {
         if (at) fail(*path + ": a live decoder is shown as it is now; --at is for what is saved");
-        return take_live(*path);
+        return take_live(*path, wanted.as_last_updated);
     }
     if (is_capture(source.text)) return take_captured(source.text, at);
     std::error_code ignored; // what cannot be looked at is opened, and that says why
-    if (std::filesystem::is_directory(source.text, ignored)) return record_directory(source.text, at);
-    return record_file(nullptr, source.text, at);
+    if (std::filesystem::is_directory(source.text, ignored))
+        return record_directory(source.text, at, wanted.as_last_updated, wanted.components);
+    return record_file(nullptr, source.text, at, wanted.as_last_updated);
 }
 
 } // namespace sources

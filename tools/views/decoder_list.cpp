@@ -9,6 +9,7 @@
 #include "number_text.h"
 #include "time_text.h"
 #include "utf8.h"
+#include "value_text.h"
 
 namespace views
 {
@@ -17,20 +18,6 @@ namespace
 {
 
 using published::RecordState;
-
-std::string instance_id(const records::Instance& instance)
-{
-    std::string id;
-    append_hex(id, std::as_bytes(std::span(instance.id)));
-    return id;
-}
-
-std::string rfc3339(std::int64_t moment)
-{
-    std::string text;
-    append_rfc3339(text, moment);
-    return text;
-}
 
 std::string record_text(const published::RecordStatus& record, std::int64_t now)
 {
@@ -73,8 +60,8 @@ void decoder_object(JsonWriter& writer, const published::Listed& decoder, std::i
     if (is_known)
     {
         writer.start_object();
-        writer.member("id", instance_id(status.instance));
-        writer.member("started_at", rfc3339(status.instance.started_at));
+        writer.member("id", instance_text(status.instance));
+        writer.member("started_at", moment_text(status.instance.started_at));
         writer.end_object();
     }
     writer.object_member("records",
@@ -88,7 +75,7 @@ void decoder_object(JsonWriter& writer, const published::Listed& decoder, std::i
                                  writer.start_object();
                                  writer.member("state", record_state_name(record.state));
                                  const bool is_whole = record.state == RecordState::whole;
-                                 text_or_null("published_at", is_whole ? rfc3339(record.published_at) : "");
+                                 text_or_null("published_at", is_whole ? moment_text(record.published_at) : "");
                                  writer.key("age");
                                  std::string age;
                                  append_moment(age, {.nanoseconds = std::max<std::int64_t>(now - record.published_at, 0)});
@@ -114,7 +101,7 @@ std::string decoder_lines(const published::Listing& listing, std::int64_t now)
         text.append(name).append(width - name.size() + 2, ' ').append(published::state_name(status.state));
         const bool is_known = published::has_records(status.state);
         if (is_known) text.append(" since ").append(to_the_second(status.instance.started_at));
-        if (is_known) text.append(", instance ").append(instance_id(status.instance));
+        if (is_known) text.append(", instance ").append(instance_text(status.instance));
         if (is_known && !status.host.empty()) text.append(", host ").append(files::printable(status.host));
         text += '\n';
         const std::string indent(width + 2, ' ');
@@ -137,7 +124,7 @@ std::string decoders_json(const published::Listing& listing, const std::string& 
     writer.start_object();
     writer.member("schema", "decstats-list/1");
     writer.member("directory", valid_utf8(directory));
-    writer.member("taken_at", rfc3339(now));
+    writer.member("taken_at", moment_text(now));
     writer.key("decoders");
     writer.start_array();
     for (const published::Listed& decoder : listing.decoders) decoder_object(writer, decoder, now);

@@ -199,12 +199,27 @@ std::string description(const Field& field)
     return text;
 }
 
+std::string description(const PresenceFamily& family)
+{
+    std::string text = std::string(family.name) + ": " + std::string(family.help) + "\n";
+    append_line(text, "Kind", "gauge");
+    append_line(text, "Unit", std::string(family.unit));
+    append_line(text, "Metric", std::string(family.name) + ", of the decoder and not of a field");
+    return text;
+}
+
 std::string description(const ManualEntry& entry)
 {
-    std::string text = entry.label + ", a line of the " + std::string(entry.component->title) + " report";
-    if (!entry.section.empty()) text += ", " + entry.section;
-    text += ":\n";
-    append_wrapped(text, "[" + entry.appearance + "]");
+    std::string text = entry.label;
+    if (entry.component == nullptr)
+        text += ", advice of decstats-reports(5):\n";
+    else
+    {
+        text += ", a line of the " + std::string(entry.component->title) + " report";
+        if (!entry.section.empty()) text += ", " + entry.section;
+        text += ":\n";
+        append_wrapped(text, "[" + entry.appearance + "]");
+    }
     for (std::string_view rest = entry.text; !rest.empty();)
     {
         const std::size_t size = std::min(rest.find('\n'), rest.size());

@@ -10,6 +10,7 @@
 
 #include "dictionary.h"
 #include "manual.h"
+#include "metrics.h"
 
 namespace views
 {
@@ -19,6 +20,9 @@ std::string description(const dictionary::Field& field);
 
 /** An entry of decstats-reports(5) in lines of text. */
 std::string description(const ManualEntry& entry);
+
+/** A metric that belongs to no field in lines of text. */
+std::string description(const PresenceFamily& family);
 
 /** Fields as one line of JSON, described in decstats-json(5). @return without the newline at its end */
 std::string descriptions_json(std::span<const dictionary::Field* const> fields);

@@ -1,7 +1,10 @@
 #include "field_search.h"
 
 #include <algorithm>
+#include <charconv>
+#include <limits>
 #include <numeric>
+#include <optional>
 #include <utility>
 
 namespace views
@@ -30,6 +33,17 @@ std::string simple(std::string_view name)
         std::ranges::all_of(result.substr(open + 1, close - open - 1), [](char c) { return c >= '0' && c <= '9'; }))
         result.erase(open + 1, close - open - 1);
     return result;
+}
+
+/** The number in a name's first brackets, or one that no array has where it is too large. @return nothing = there is none */
+std::optional<std::size_t> number_in(std::string_view name)
+{
+    const std::size_t open = name.find('[');
+    if (open == name.npos) return std::nullopt;
+    std::size_t number = 0;
+    const auto [end, error] = std::from_chars(name.data() + open + 1, name.data() + name.size(), number);
+    if (error == std::errc::result_out_of_range) return std::numeric_limits<std::size_t>::max();
+    return error == std::errc() && end != name.data() + name.size() && *end == ']' ? std::optional(number) : std::nullopt;
 }
 
 /** Whether a name is another, or the end of it from a dot on. */
@@ -122,14 +136,22 @@ private:
 
 } // namespace
 
+std::string_view named_in(std::string_view text)
+{
+    const std::size_t start = std::min(text.find_first_not_of(" \t\n"), text.size());
+    text.remove_prefix(start);
+    text = text.substr(0, text.find(':'));
+    return text.substr(0, text.find_last_not_of(" \t\n") + 1);
+}
+
 std::vector<const Field*> find_fields(std::string_view what)
 {
     const std::string name = simple(what);
     std::vector<const Field*> found;
     if (name.empty()) return found;
     for (const Field& field : dictionary::fields())
-        if (is_called(field, name)) found.push_back(&field);
-    if (!found.empty()) return found;
+        if (is_called(field, name) && (field.array == nullptr || number_in(what).value_or(0) < field.array->count)) found.push_back(&field);
+    if (!found.empty() || array_without_element(what) != nullptr) return found;
     for (const Field& field : dictionary::fields())
         if (has_words(field.name, name) || std::ranges::any_of(field.lines, [&](const auto& line) { return has_words(line.label, name); }))
             found.push_back(&field);
@@ -146,9 +168,21 @@ std::vector<std::string_view> find_labels(std::string_view what, const std::vect
                 if (is_meant(line.label, lower(what)) && std::ranges::find(found, line.label) == found.end()) found.push_back(line.label);
         return found;
     };
-    const std::vector<std::string_view> same = labels(is_label);
+    std::vector<std::string_view> same = labels(is_label);
     if (!same.empty() || !std::ranges::none_of(fields, [&](const Field* field) { return is_called(*field, simple(what)); })) return same;
     return labels(has_words);
+}
+
+const dictionary::Array* array_without_element(std::string_view what)
+{
+    const std::optional<std::size_t> number = number_in(what);
+    if (!number) return nullptr;
+    for (const Field& field : dictionary::fields())
+    {
+        if (field.array == nullptr || *number < field.array->count) continue;
+        if (is_end_of(simple(what), field.full_name) || is_end_of(simple(what), lower(field.member))) return field.array;
+    }
+    return nullptr;
 }
 
 std::vector<std::string> nearest_names(std::string_view what)

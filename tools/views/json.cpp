@@ -1,14 +1,11 @@
 #include "json.h"
 
 #include <algorithm>
-#include <cmath>
 
 #include "field_tree.h"
+#include "json_values.h"
 #include "json_writer.h"
-#include "number_text.h"
 #include "presence.h"
-#include "utf8.h"
-#include "value_text.h"
 
 namespace views
 {
@@ -17,7 +14,6 @@ namespace
 {
 
 using dictionary::Field;
-using dictionary::Kind;
 using Record = std::span<const std::byte>;
 
 /** Writes the fields of a Snapshot as what they mean. */
@@ -36,7 +32,7 @@ public:
         {
             if (child.field != nullptr)
             {
-                if (is_wanted(*child.field, record, element)) field_member(child.name, *child.field, record, element);
+                if (is_wanted(*child.field, record, element)) write_member(writer_, child.name, snapshot_, *child.field, element);
             }
             else if (child.elements != nullptr)
                 elements(child, record);
@@ -88,81 +84,6 @@ private:
             writer_.end_object();
         }
         if (has_started) writer_.end_array();
-    }
-
-    void field_member(std::string_view name, const Field& field, Record record, std::size_t element)
-    {
-        if (!has_value(snapshot_, field, record, element))
-        {
-            writer_.key(name);
-            writer_.null();
-            return;
-        }
-        const dictionary::Value value = dictionary::value(field, record, element);
-        if (field.kind == Kind::state)
-            state(name, field, dictionary::integer(field, record, element), value);
-        else if (const auto* text = std::get_if<std::string_view>(&value))
-            writer_.member(name, valid_utf8(*text));
-        else if (std::holds_alternative<std::span<const std::byte>>(value))
-            writer_.member(name, bytes_text(field, record));
-        else if (const auto* moment = std::get_if<dictionary::Moment>(&value))
-            moment_member(name, *moment);
-        else if (const auto* real = std::get_if<float>(&value))
-            float_member(name, *real);
-        else if (field.kind == Kind::flag && (std::get<std::int64_t>(value) == 0 || std::get<std::int64_t>(value) == 1))
-        {
-            writer_.key(name);
-            writer_.boolean(std::get<std::int64_t>(value) == 1);
-        }
-        else
-            integer_member(name, value);
-    }
-
-    void integer_member(std::string_view name, const dictionary::Value& value)
-    {
-        if (const auto* number = std::get_if<std::uint64_t>(&value))
-            writer_.integer_member(name, *number);
-        else
-            writer_.integer_member(name, std::get<std::int64_t>(value));
-    }
-
-    /** A double holds no moment to the nanosecond, so the digits always stand beside it. */
-    void moment_member(std::string_view name, const dictionary::Moment& moment)
-    {
-        std::string digits;
-        append_moment(digits, moment);
-        writer_.key(name);
-        writer_.number(digits);
-        writer_.digits_member(name, digits);
-    }
-
-    /** JSON has no numbers for what is not finite. */
-    void float_member(std::string_view name, float value)
-    {
-        if (!std::isfinite(value)) return writer_.member(name, std::isnan(value) ? "NaN" : value > 0 ? "Infinity" : "-Infinity");
-        std::string digits;
-        append_float(digits, value);
-        writer_.key(name);
-        writer_.number(digits);
-    }
-
-    void state(std::string_view name, const Field& field, std::int64_t code, const dictionary::Value& value)
-    {
-        const auto text_or_null = [this](std::string_view key, const std::optional<std::string>& text)
-        {
-            writer_.key(key);
-            if (text)
-                writer_.text(*text);
-            else
-                writer_.null();
-        };
-        const std::string identifier = dictionary::identifier(field, code);
-        writer_.key(name);
-        writer_.start_object();
-        integer_member("value", value);
-        text_or_null("name", identifier.empty() ? std::nullopt : std::optional(identifier));
-        text_or_null("text", state_text(field, code));
-        writer_.end_object();
     }
 
     JsonWriter& writer_;

@@ -53,13 +53,18 @@ void JsonWriter::integer_member(std::string_view name, std::uint64_t value)
 
 void JsonWriter::envelope(std::string_view schema, const records::Snapshot& snapshot)
 {
+    member("schema", schema);
+    moment_of(snapshot);
+}
+
+void JsonWriter::moment_of(const records::Snapshot& snapshot)
+{
     const auto moment = [this](std::string_view name, std::int64_t value)
     {
         std::string written;
         append_rfc3339(written, value);
         member(name, written);
     };
-    member("schema", schema);
     key("decoder");
     if (snapshot.decoder.empty())
         null();

@@ -77,6 +77,9 @@ public:
     /** The members that every Snapshot starts with. */
     void envelope(std::string_view schema, const records::Snapshot& snapshot);
 
+    /** Those of them that tell whose it is and of when: decoder, instance and taken_at. */
+    void moment_of(const records::Snapshot& snapshot);
+
     std::string str() const { return {buffer_.GetString(), buffer_.GetSize()}; }
 
 private:

@@ -58,14 +58,20 @@ bool is_punctuation(const std::string& word)
 }
 
 /** A macro within a sentence, as it reads: its words in the quotes or brackets that it stands for. */
-std::string sentence_part(const std::vector<std::string>& words)
+std::string sentence_part(std::vector<std::string> words)
 {
+    if (words.size() > 2 && words[0] == "Pq" && words[1] == "Va") words.erase(words.begin() + 1);
     std::vector<std::string> inner(words.begin() + 1, words.end());
+    if (const auto bracket = std::ranges::find(inner, "Pq"); bracket != inner.end())
+    {
+        const std::string behind = sentence_part({bracket, inner.end()});
+        return sentence_part({words.begin(), words.begin() + 1 + (bracket - inner.begin())}) + " " + behind;
+    }
     std::string behind;
     for (; !inner.empty() && is_punctuation(inner.back()); inner.pop_back()) behind.insert(0, inner.back());
     const std::string text = joined(inner);
     if (words.front() == "Ql") return "'" + text + "'" + behind;
-    if (words.front() == "Sx") return "\"" + text + "\"" + behind;
+    if (words.front() == "Sx") return "\"" + text + "\" in decstats-reports(5)" + behind;
     if (words.front() == "Pq") return "(" + text + ")" + behind;
     if (words.front() == "Fl") return "-" + text + behind;
     if (words.front() == "Xr" && inner.size() == 2) return inner[0] + "(" + inner[1] + ")" + behind;
@@ -87,7 +93,7 @@ public:
         const std::string& macro = words.front();
         if (macro == "Sh" || macro == "Ss")
             heading(macro, joined(words, 1));
-        else if (macro == "It" && words.size() > 2 && words[1] == "Sy")
+        else if (macro == "It" && words.size() > 2 && words[1] == "Sy" && component_ != nullptr)
             start_entry(words);
         else if (macro == "It")
             add("\n" + sentence_part({words.begin() + 1, words.end()}) + ": ");
@@ -112,9 +118,11 @@ private:
         if (macro == "Ss")
         {
             section_ = title;
+            if (is_advice_) start_entry(title, "");
             return;
         }
         section_.clear();
+        is_advice_ = title == "ADVICE";
         const auto is_of = [&title](const records::Component& component)
         {
             std::string capitals(component.title);
@@ -128,13 +136,16 @@ private:
     /** It Sy "LABEL" Bq APPEARANCE */
     void start_entry(const std::vector<std::string>& words)
     {
-        is_open_ = component_ != nullptr;
-        if (!is_open_) return;
-        entry_lists_ = lists_;
         const auto bracket = std::ranges::find(words, "Bq");
         const auto behind = static_cast<std::size_t>(bracket - words.begin()) + 1;
-        entries.push_back(
-            {component_, section_, joined({words.begin() + 2, bracket}), behind < words.size() ? joined(words, behind) : "", ""});
+        start_entry(joined({words.begin() + 2, bracket}), behind < words.size() ? joined(words, behind) : "");
+    }
+
+    void start_entry(const std::string& label, const std::string& appearance)
+    {
+        is_open_ = true;
+        entry_lists_ = lists_;
+        entries.push_back({component_, section_, label, appearance, ""});
     }
 
     void end_list()
@@ -159,6 +170,7 @@ private:
 
     const records::Component* component_ = nullptr;
     std::string section_;
+    bool is_advice_ = false;
     int lists_ = 0;
     int entry_lists_ = 0; // depth of the list that the entry stands in
     bool is_open_ = false;

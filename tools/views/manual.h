@@ -1,6 +1,6 @@
 /**
  * @file manual.h
- * What decstats-reports(5) says about a line of a report.
+ * What decstats-reports(5) says about a line of a report, and what it advises.
  */
 #ifndef VIEWS_MANUAL_H
 #define VIEWS_MANUAL_H
@@ -14,12 +14,12 @@
 namespace views
 {
 
-/** An entry of the page. */
+/** An entry of the page: a line of a report, or advice. */
 struct ManualEntry
 {
-    const records::Component* component; /**< whose report has the line */
+    const records::Component* component; /**< whose report has the line; NULL = advice */
     std::string section;                 /**< the part of that report: SRT link; empty = it has no parts there */
-    std::string label;                   /**< the line's label */
+    std::string label;                   /**< the line's label, or the title of the advice */
     std::string appearance;              /**< when it appears and what it shows: Counted, packets, last one */
     std::string text;                    /**< the explanation: paragraphs, each one line, verbatim lines begin with two blanks */
 };

@@ -1,5 +1,6 @@
 #include "metrics.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstring>
@@ -43,17 +44,17 @@ std::string label_value(const Field& field, Record record, std::size_t element)
 class Decoder
 {
 public:
-    explicit Decoder(const ExposedDecoder& exposed) : snapshot_(*exposed.snapshot), is_up_(exposed.is_up)
+    explicit Decoder(const records::Snapshot* snapshot) : snapshot_(*snapshot)
     {
         append_label(labels_, "decoder", snapshot_.decoder);
-        if (!is_up_) return;
+        if (is_over()) return;
         for (const records::Component& component : records::components())
             if (const dictionary::Array* array = dictionary::array_of(component); array != nullptr && snapshot_.has(component))
                 add_elements(component, *array);
     }
 
     const std::string& labels() const { return labels_; }
-    bool is_up() const { return is_up_; }
+    const std::optional<bool>& is_up() const { return snapshot_.is_up; }
     std::int64_t taken_at() const { return snapshot_.taken_at; }
 
     /** Appends a family's samples, each with its line. */
@@ -61,7 +62,7 @@ public:
     {
         const Field& first = *family.members.front().field;
         const records::Component& component = dictionary::component_of(first);
-        if (!is_up_ || !snapshot_.has(component)) return;
+        if (is_over() || !snapshot_.has(component)) return;
         const Record record = snapshot_.record(component);
         if (first.array == nullptr) return append_samples(text, family, record, 0, labels_);
         const std::vector<std::string>& elements = element_labels_.at(component.index);
@@ -70,6 +71,9 @@ public:
     }
 
 private:
+    /** Whether its records are no longer updated, so that they are the metrics of nothing. */
+    bool is_over() const { return snapshot_.is_up == false; }
+
     /** The labels of an array's elements: the number, and what makes it readable. Those of elements not in use stay empty. */
     void add_elements(const records::Component& component, const dictionary::Array& array)
     {
@@ -189,7 +193,6 @@ private:
     }
 
     const records::Snapshot& snapshot_;
-    bool is_up_;
     std::string labels_;
     std::array<std::vector<std::string>, records::component_count> element_labels_;
 };
@@ -197,11 +200,12 @@ private:
 /** Which decoders there are, and how old what is known of them is. */
 std::string presence(const std::vector<Decoder>& decoders, MetricsFormat format)
 {
-    std::string text =
-        family_metadata(format, "decoder_up", "gauge", "", "1 = the decoder's records are being updated, 0 = they no longer are");
-    for (const Decoder& decoder : decoders) text += "decoder_up{" + decoder.labels() + (decoder.is_up() ? "} 1\n" : "} 0\n");
-    text +=
-        family_metadata(format, "decoder_last_update_timestamp_seconds", "gauge", "seconds", "when the decoder's records were last taken");
+    std::string text;
+    if (std::ranges::any_of(decoders, [](const Decoder& decoder) { return decoder.is_up().has_value(); }))
+        text = family_metadata(format, up_family.name, "gauge", up_family.unit, up_family.help);
+    for (const Decoder& decoder : decoders)
+        if (decoder.is_up()) text += "decoder_up{" + decoder.labels() + (*decoder.is_up() ? "} 1\n" : "} 0\n");
+    text += family_metadata(format, last_update_family.name, "gauge", last_update_family.unit, last_update_family.help);
     for (const Decoder& decoder : decoders)
     {
         text += "decoder_last_update_timestamp_seconds{" + decoder.labels() + "} ";
@@ -213,7 +217,7 @@ std::string presence(const std::vector<Decoder>& decoders, MetricsFormat format)
 
 } // namespace
 
-void write_metrics(std::string& text, std::span<const ExposedDecoder> decoders, MetricsFormat format)
+void write_metrics(std::string& text, std::span<const records::Snapshot* const> decoders, MetricsFormat format)
 {
     const std::vector<Decoder> all(decoders.begin(), decoders.end());
     TextBuffer buffer(text);

@@ -27,20 +27,30 @@ inline constexpr std::string_view prometheus_content_type = "text/plain; version
 /** The state in a stateset that is true for a value without an identifier, so that exactly one is. */
 inline constexpr std::string_view other_state = "other";
 
-/** A decoder whose metrics are asked for. */
-struct ExposedDecoder
+/** A metric that belongs to no field: a gauge for each decoder. */
+struct PresenceFamily
 {
-    const records::Snapshot* snapshot; /**< its last records, not NULL */
-    bool is_up = true;                 /**< they are being updated; if not, only that and when they last were is exposed */
+    std::string_view name;
+    std::string_view unit; /**< empty = none */
+    std::string_view help;
 };
+
+inline constexpr PresenceFamily up_family = {"decoder_up", "", "1 = the decoder's records are being updated, 0 = they no longer are"};
+inline constexpr PresenceFamily last_update_family = {"decoder_last_update_timestamp_seconds", "seconds",
+                                                      "when the decoder's records were last taken"};
+
+/** All of them. */
+inline constexpr PresenceFamily presence_families[] = {up_family, last_update_family};
 
 /**
  * Writes the metrics of decoders, each with its name in the label `decoder`. What is absent, not measured or does not apply has no
  * sample, and neither has a counter that is negative.
+ * Of one whose records are no longer updated, only that and when they last were is exposed; where it is not known whether they
+ * are, nothing is said about it.
  * @param text     takes the exposition in place of what it holds; its memory is used again, which saves much of the time
- * @param decoders no two of a name
+ * @param decoders their last records, no two of a name
  */
-void write_metrics(std::string& text, std::span<const ExposedDecoder> decoders, MetricsFormat format);
+void write_metrics(std::string& text, std::span<const records::Snapshot* const> decoders, MetricsFormat format);
 
 } // namespace views
 

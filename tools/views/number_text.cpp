@@ -131,6 +131,16 @@ void append_integer(std::string& text, std::uint64_t value)
     append_written(text, [value](char* to) { return write_number(to, value); });
 }
 
+void append_scaled(std::string& text, std::int64_t value, std::uint32_t multiply, std::uint32_t divide)
+{
+    append_written(text, [=](char* to) { return write_scaled(to, value, multiply, divide); });
+}
+
+void append_scaled(std::string& text, std::uint64_t value, std::uint32_t multiply, std::uint32_t divide)
+{
+    append_written(text, [=](char* to) { return write_scaled(to, value, multiply, divide); });
+}
+
 void append_float(std::string& text, float value)
 {
     append_written(text, [value](char* to) { return write_float(to, value); });
@@ -164,6 +174,19 @@ void append_hex(std::string& text, std::span<const std::byte> bytes)
         text += digits[std::to_integer<unsigned>(byte) >> 4];
         text += digits[std::to_integer<unsigned>(byte) & 15u];
     }
+}
+
+std::string moment_text(std::int64_t moment)
+{
+    std::string text;
+    append_rfc3339(text, moment);
+    return text;
+}
+
+std::string seconds_text(std::int64_t nanoseconds)
+{
+    std::array<char, number_size> buffer;
+    return {buffer.data(), write_scaled(buffer.data(), nanoseconds, 1, 1'000'000'000)};
 }
 
 } // namespace views

@@ -36,9 +36,10 @@ char* write_float(char* to, float value);
 void append_integer(std::string& text, std::int64_t value);
 void append_integer(std::string& text, std::uint64_t value);
 
-/** Appends what the function above writes. */
+/** Append what the functions above write. */
 void append_float(std::string& text, float value);
-
+void append_scaled(std::string& text, std::int64_t value, std::uint32_t multiply, std::uint32_t divide);
+void append_scaled(std::string& text, std::uint64_t value, std::uint32_t multiply, std::uint32_t divide);
 void append_moment(std::string& text, const dictionary::Moment& moment);
 
 /** Appends a moment as RFC 3339 writes it, in UTC with nanoseconds: 2022-06-14T12:14:00.000000000Z. @param moment [ns since the epoch] */
@@ -46,6 +47,12 @@ void append_rfc3339(std::string& text, std::int64_t moment);
 
 /** Appends bytes as two lower-case hexadecimal digits each. */
 void append_hex(std::string& text, std::span<const std::byte> bytes);
+
+/** The same as append_rfc3339, as a text of its own. */
+std::string moment_text(std::int64_t moment);
+
+/** Nanoseconds as seconds, exactly: 0.25, -10. */
+std::string seconds_text(std::int64_t nanoseconds);
 
 } // namespace views
 

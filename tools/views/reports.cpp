@@ -2,8 +2,10 @@
 
 #include <cstddef>
 #include <cstdio>
+#include <cstdlib>
 #include <ctime>
 #include <memory>
+#include <new>
 #include <span>
 #include <stdio_ext.h>
 #include <unistd.h>
@@ -47,13 +49,13 @@ void make_texts_printable(records::Records& records)
     for (SMGR_METADATADEC_CHANNEL_STATS& channel : records.metadata.tChannel) make_printable(channel.szName);
 }
 
-} // namespace
+using Report = std::pair<const records::Component*, void*>;
 
-void print_reports(const records::Snapshot& snapshot, const std::optional<std::string>& library_file,
-                   const std::bitset<records::component_count>& components, STATS_LEVEL level)
+/** The reports to print, each with its function. */
+std::vector<Report> find_reports(const ReportLibrary& library, const records::Snapshot& snapshot,
+                                 const std::bitset<records::component_count>& components)
 {
-    const ReportLibrary library(library_file);
-    std::vector<std::pair<const records::Component*, void*>> reports;
+    std::vector<Report> reports;
     for (const records::Component& component : records::components())
     {
         const bool is_named = components[component.index];
@@ -69,16 +71,70 @@ void print_reports(const records::Snapshot& snapshot, const std::optional<std::s
         }
     }
     if (reports.empty()) fail(library.path() + ": none of the report functions, STATS_PrintFor...");
+    return reports;
+}
 
+/** Prints reports with the clock at the Snapshot's moment. */
+void print(const records::Snapshot& snapshot, const std::vector<Report>& reports, STATS_LEVEL level)
+{
     auto copy = std::make_unique<records::Snapshot>(snapshot);
     make_texts_printable(copy->records);
-    const std::size_t before = __fpending(stdout);
     report_clock = snapshot.taken_at / 1'000'000'000;
     for (const auto& [component, function] : reports) component->print(function, copy->record(*component).data(), level);
     report_clock.reset();
+}
 
+/** While it lives, standard output is a text. */
+class OutputAsText
+{
+public:
+    OutputAsText() : output_(std::exchange(stdout, open_memstream(&text_, &size_)))
+    {
+        if (stdout != nullptr) return;
+        stdout = output_;
+        throw std::bad_alloc();
+    }
+    ~OutputAsText()
+    {
+        std::fclose(std::exchange(stdout, output_));
+        std::free(text_);
+    }
+    OutputAsText(const OutputAsText&) = delete;
+    OutputAsText& operator=(const OutputAsText&) = delete;
+
+    std::string text() const
+    {
+        std::fflush(stdout);
+        return {text_, size_};
+    }
+
+private:
+    char* text_ = nullptr;
+    std::size_t size_ = 0;
+    FILE* output_;
+};
+
+} // namespace
+
+void print_reports(const records::Snapshot& snapshot, const std::optional<std::string>& library_file,
+                   const std::bitset<records::component_count>& components, STATS_LEVEL level)
+{
+    const ReportLibrary library(library_file);
+    const std::vector<Report> reports = find_reports(library, snapshot, components);
+    const std::size_t before = __fpending(stdout);
+    print(snapshot, reports, level);
     if (__fpending(stdout) == before && level == STATS_LEVEL_DEFAULT && isatty(STDERR_FILENO))
         std::fputs("decstats: all lines of this report belong to the debug level: --level debug\n", stderr);
+}
+
+std::string report_text(const records::Snapshot& snapshot, const std::optional<std::string>& library_file,
+                        const records::Component& component, STATS_LEVEL level)
+{
+    const ReportLibrary library(library_file);
+    const std::vector<Report> reports = find_reports(library, snapshot, 1U << component.index);
+    const OutputAsText output;
+    print(snapshot, reports, level);
+    return output.text();
 }
 
 } // namespace views

@@ -47,7 +47,7 @@ public:
 
 private:
     // The string fills what it grows by, so this is small; its memory it doubles by itself.
-    static constexpr std::size_t step = 8 * 1024; // [bytes]
+    static constexpr std::size_t step = std::size_t{8} * 1024; // [bytes]
 
     std::string& text_;
     std::size_t size_ = 0;

@@ -2,12 +2,15 @@
 
 #include <algorithm>
 #include <array>
+#include <clocale>
+#include <cmath>
 #include <cstring>
 #include <netdb.h>
 #include <sys/socket.h>
 
 #include "hostsvc.h"
 #include "number_text.h"
+#include "utf8.h"
 
 namespace views
 {
@@ -26,9 +29,9 @@ struct Service
 };
 
 /** The H.273 services take unsigned code points. */
-template <char* (*Name)(unsigned int, char*, std::size_t)> char* of_code_point(int code, char* buffer, std::size_t size)
+template <char* (*name)(unsigned int, char*, std::size_t)> char* of_code_point(int code, char* buffer, std::size_t size)
 {
-    return Name(static_cast<unsigned int>(code), buffer, size);
+    return name(static_cast<unsigned int>(code), buffer, size);
 }
 
 constexpr std::array services = {
@@ -53,10 +56,20 @@ constexpr std::array services = {
     Service{&states::buffering_mode, SessMgr_GetCBufferingModeString},
 };
 
-/** As the reports explain it: address lookups have negative codes. The C locale's words, whatever locale is set. */
+/** The C locale's words for an error of an address lookup, whatever locale is set. */
+std::string lookup_error_text(int code)
+{
+    static const locale_t c_locale = newlocale(LC_ALL_MASK, "C", nullptr);
+    const locale_t set_locale = uselocale(c_locale);
+    std::string text = gai_strerror(code);
+    uselocale(set_locale);
+    return text;
+}
+
+/** As the reports explain it: errors of address lookups have negative codes. */
 std::string system_error_text(int code)
 {
-    if (code < 0) return gai_strerror(code);
+    if (code < 0) return lookup_error_text(code);
     const char* text = strerrordesc_np(code);
     return text != nullptr ? text : "Unknown error " + std::to_string(code);
 }
@@ -65,6 +78,30 @@ std::string system_error_text(int code)
 bool is_address(const dictionary::Field& field)
 {
     return field.full_name.ends_with(".ip");
+}
+
+/** A text on one line, safe for a terminal: without control characters, those of two bytes included. */
+std::string one_line(std::string_view text)
+{
+    std::string line;
+    for (const char character : valid_utf8(text))
+    {
+        const auto byte = static_cast<unsigned char>(character);
+        const bool is_second = line.ends_with('\xC2') && byte >= 0x80 && byte <= 0x9F;
+        if (is_second) line.pop_back();
+        line += is_second || byte < ' ' || byte == 0x7F ? '?' : character;
+    }
+    return line;
+}
+
+std::string float_text(float value)
+{
+    std::string text;
+    if (std::isfinite(value))
+        append_float(text, value);
+    else
+        text = std::isnan(value) ? "NaN" : value > 0 ? "Infinity" : "-Infinity";
+    return text;
 }
 
 } // namespace
@@ -93,6 +130,36 @@ std::string bytes_text(const dictionary::Field& field, std::span<const std::byte
 
     std::string text;
     append_hex(text, bytes);
+    return text;
+}
+
+std::string value_text(const dictionary::Field& field, std::span<const std::byte> record, std::size_t element)
+{
+    const dictionary::Value value = dictionary::value(field, record, element);
+    std::string text;
+    if (const auto* words = std::get_if<std::string_view>(&value)) return one_line(*words);
+    if (std::holds_alternative<std::span<const std::byte>>(value)) return bytes_text(field, record);
+    if (const auto* real = std::get_if<float>(&value)) return float_text(*real);
+    if (const auto* moment = std::get_if<dictionary::Moment>(&value))
+    {
+        append_moment(text, *moment);
+        return text;
+    }
+    const std::int64_t code = dictionary::integer(field, record, element);
+    if (field.kind == dictionary::Kind::state) text = dictionary::identifier(field, code);
+    if (field.kind == dictionary::Kind::flag && (code == 0 || code == 1)) text = code == 1 ? "true" : "false";
+    if (!text.empty()) return text;
+    if (const auto* natural = std::get_if<std::uint64_t>(&value))
+        append_integer(text, *natural);
+    else
+        append_integer(text, code);
+    return text;
+}
+
+std::string instance_text(const records::Instance& instance)
+{
+    std::string text;
+    append_hex(text, std::as_bytes(std::span(instance.id)));
     return text;
 }
 

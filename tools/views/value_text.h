@@ -12,6 +12,7 @@
 #include <string>
 
 #include "dictionary.h"
+#include "snapshot.h"
 
 namespace views
 {
@@ -26,6 +27,16 @@ std::optional<std::string> state_text(const dictionary::Field& field, std::int64
  * @param record the bytes of its component's record
  */
 std::string bytes_text(const dictionary::Field& field, std::span<const std::byte> record);
+
+/**
+ * A value on one line for people and scripts, its unit left out: integers, moments and shares are not scaled, a state is its
+ * identifier, a flag true or false; a state without an identifier and any other flag are numbers.
+ * @param record the bytes of its component's record
+ */
+std::string value_text(const dictionary::Field& field, std::span<const std::byte> record, std::size_t element);
+
+/** The id of an instance, 32 hexadecimal digits. */
+std::string instance_text(const records::Instance& instance);
 
 } // namespace views
 

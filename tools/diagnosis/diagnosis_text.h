@@ -1,9 +1,9 @@
 /**
- * @file text.h
+ * @file diagnosis_text.h
  * Results for people.
  */
-#ifndef DIAGNOSIS_TEXT_H
-#define DIAGNOSIS_TEXT_H
+#ifndef DIAGNOSIS_DIAGNOSIS_TEXT_H
+#define DIAGNOSIS_DIAGNOSIS_TEXT_H
 
 #include <string>
 #include <vector>

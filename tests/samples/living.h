@@ -2,8 +2,8 @@
  * @file living.h
  * Snapshots of living samples.
  */
-#ifndef TESTS_DIAGNOSIS_LIVING_H
-#define TESTS_DIAGNOSIS_LIVING_H
+#ifndef TESTS_SAMPLES_LIVING_H
+#define TESTS_SAMPLES_LIVING_H
 
 #include <chrono>
 

@@ -1,4 +1,4 @@
-#include "text.h"
+#include "diagnosis_text.h"
 
 #include <algorithm>
 #include <array>

@@ -1,0 +1,247 @@
+#include "decode/audio_pair.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <limits>
+
+namespace softdec
+{
+
+namespace
+{
+
+constexpr Ticks furthest = 11 * ticks_per_second;
+
+/** Bytes of a frame's header that tell the layer of MPEG audio (ISO/IEC 11172-3, 2.4.1.3). */
+SMGR_TDEMUX_COMPRESSION_TYPE layer_of(std::span<const std::uint8_t> bytes, SMGR_TDEMUX_COMPRESSION_TYPE otherwise)
+{
+    if (otherwise != SMGR_TDEMUX_COMPRESSION_TYPE_MP2 || bytes.size() < 2) return otherwise;
+    if (bytes[0] != 0xff || (bytes[1] & 0xe0) != 0xe0) return otherwise;
+    switch (bytes[1] >> 1 & 3)
+    {
+    case 1: return SMGR_TDEMUX_COMPRESSION_TYPE_MP3;
+    case 3: return SMGR_TDEMUX_COMPRESSION_TYPE_MP1;
+    default: return otherwise;
+    }
+}
+
+timespec exact(Nanoseconds moment)
+{
+    return {.tv_sec = moment / second, .tv_nsec = moment % second};
+}
+
+} // namespace
+
+AudioPair::AudioPair(const VirtualClock& clock, SMGR_AUDIO_PAIR_STATS& record, bool decode, bool live)
+    : clock_(clock), record_(record), decode_(decode), load_(live)
+{
+    record_ = {};
+    record_.nSize = sizeof record_;
+}
+
+void AudioPair::begin_stream(SMGR_TDEMUX_COMPRESSION_TYPE compression)
+{
+    compression_ = compression;
+    record_.enAlgorithm = compression;
+    parser_.reset(av_parser_init(codec_id(compression)));
+    decoder_ = new_decoder(compression);
+    // The context serves the parser as well, which writes into it what it finds.
+    if (decoder_ && !open_decoder(*decoder_)) decoder_.reset();
+}
+
+void AudioPair::take(const ElementaryPacket& packet, std::optional<Ticks> stc, const std::function<void(Ticks)>& lead)
+{
+    const auto compression = layer_of(packet.data, packet.stream.compression);
+    const bool layer_known = compression_ != SMGR_TDEMUX_COMPRESSION_TYPE_UNKNOWN;
+    if (!layer_known || (compression != compression_ && compression != packet.stream.compression)) begin_stream(compression);
+    stc_ = stc;
+    cut_ = packet.cut;
+    lead_ = &lead;
+    if (parser_ && decoder_) parse(packet);
+    lead_ = nullptr;
+}
+
+void AudioPair::parse(const ElementaryPacket& packet)
+{
+    padded_.assign(packet.data.begin(), packet.data.end());
+    padded_.resize(packet.data.size() + AV_INPUT_BUFFER_PADDING_SIZE);
+    std::span<const std::uint8_t> rest(padded_.data(), packet.data.size());
+    std::int64_t pts = packet.pts.value_or(AV_NOPTS_VALUE);
+    while (!rest.empty())
+    {
+        std::uint8_t* frame = nullptr;
+        int size = 0;
+        const int used =
+            av_parser_parse2(parser_.get(), decoder_.get(), &frame, &size, rest.data(), static_cast<int>(rest.size()), pts, pts, 0);
+        if (used < 0) return;
+        pts = AV_NOPTS_VALUE;
+        rest = rest.subspan(static_cast<std::size_t>(used));
+        if (size > 0)
+            take_frame({frame, static_cast<std::size_t>(size)},
+                       parser_->pts == AV_NOPTS_VALUE ? std::nullopt : std::optional<Ticks>(parser_->pts));
+        else if (used == 0)
+            return;
+    }
+}
+
+/** What a frame's header says: of ADTS (ISO/IEC 14496-3, 1.A.2.2) it is read here, of the others the parser has read it. */
+AudioPair::AudioFormat AudioPair::format_of(std::span<const std::uint8_t> frame) const
+{
+    constexpr std::array sample_rates = {96000, 88200, 64000, 48000, 44100, 32000, 24000, 22050, 16000, 12000, 11025, 8000, 7350};
+    const auto rate = frame.size() >= 7 ? frame[2] >> 2 & 15U : sample_rates.size();
+    if (compression_ == SMGR_TDEMUX_COMPRESSION_TYPE_AAC_ADTS && rate < sample_rates.size())
+    {
+        const int configuration = (frame[2] & 1) << 2 | frame[3] >> 6;
+        return {.sample_rate = sample_rates[rate],
+                .samples = 1024 * ((frame[6] & 3) + 1),
+                .channels = configuration == 7   ? 8
+                            : configuration != 0 ? configuration
+                                                 : decoder_->ch_layout.nb_channels};
+    }
+    return {.sample_rate = decoder_->sample_rate,
+            .samples = parser_->duration > 0 ? parser_->duration : decoder_->frame_size,
+            .channels = decoder_->ch_layout.nb_channels};
+}
+
+void AudioPair::take_frame(std::span<const std::uint8_t> bytes, std::optional<Ticks> pts)
+{
+    ++record_.nReceivedFrames;
+    record_.tLastReceivedFrame = clock_.seconds();
+    record_.tLastRxFrameTime = exact(clock_.now());
+    bits_.add(clock_.now(), bytes.size() * 8);
+    record_.nBitRateInKbps = static_cast<int>(bits_.rate(clock_.now()) / 1000);
+    const AudioFormat format = format_of(bytes);
+    if (format.sample_rate > 0) record_.nSampleRateIn = format.sample_rate;
+    if (format.channels > 0) record_.nInputChannels = format.channels;
+    const Ticks duration = format.sample_rate > 0 ? format.samples * ticks_per_second / format.sample_rate : 0;
+    // A time stamp may be a tick or two beside what the frames before add up to.
+    if (pts && expected_ && std::abs(*pts - *expected_) > std::max<Ticks>(duration * 3 / 4, ticks_per_millisecond))
+        ++record_.nInTSDiscontinuity;
+    const Ticks moment = pts.value_or(expected_.value_or(0));
+    expected_.reset();
+    if (duration > 0) expected_ = moment + duration;
+    record_.nAudioTimeStamp = static_cast<unsigned>(as_timestamp(moment));
+    if (decode_) decode(bytes, moment, duration);
+}
+
+void AudioPair::decode(std::span<const std::uint8_t> bytes, Ticks pts, Ticks duration)
+{
+    std::vector<std::uint8_t> padded(bytes.begin(), bytes.end());
+    padded.resize(bytes.size() + AV_INPUT_BUFFER_PADDING_SIZE);
+    packet_->data = padded.data();
+    packet_->size = static_cast<int>(bytes.size());
+    load_.begin();
+    bool decoded = avcodec_send_packet(decoder_.get(), packet_.get()) == 0;
+    while (decoded)
+    {
+        const int result = avcodec_receive_frame(decoder_.get(), frame_.get());
+        if (result == AVERROR(EAGAIN)) break;
+        decoded = result == 0;
+        if (!decoded) break;
+        const int sample_bytes = av_get_bytes_per_sample(static_cast<AVSampleFormat>(frame_->format));
+        record_.nOutputChannels = frame_->ch_layout.nb_channels;
+        record_.nSampleRateOut = frame_->sample_rate;
+        record_.nDecodedBytes += static_cast<unsigned long>(frame_->nb_samples) *
+                                 static_cast<unsigned long>(frame_->ch_layout.nb_channels) * static_cast<unsigned long>(sample_bytes);
+        ++record_.nDecodedFrames;
+        record_.tLastDecodedFrame = clock_.seconds();
+        queue(pts, duration);
+        av_frame_unref(frame_.get());
+    }
+    if (const Nanoseconds busy = load_.end(clock_.now()); load_.enabled())
+    {
+        const int microseconds = static_cast<int>(busy / microsecond);
+        record_.nLastProcessTimeUs = microseconds;
+        if (record_.tMinProcessTime == 0 || microseconds < record_.nMinProcessTimeUs)
+        {
+            record_.nMinProcessTimeUs = microseconds;
+            record_.tMinProcessTime = clock_.seconds();
+        }
+        if (microseconds > record_.nMaxProcessTimeUs)
+        {
+            record_.nMaxProcessTimeUs = microseconds;
+            record_.tMaxProcessTime = clock_.seconds();
+        }
+    }
+    if (decoded) return;
+    ++record_.nDecoderErrors;
+    record_.tLastDecoderError = clock_.seconds();
+}
+
+void AudioPair::queue(Ticks pts, Ticks duration)
+{
+    if (!stc_) return play({.pts = pts, .duration = duration}, std::nullopt);
+    const Ticks lead = pts - *stc_;
+    if (lead_ != nullptr) (*lead_)(lead);
+    const bool first = record_.tMinSTCLeadTime == 0;
+    record_.nCurSTCLeadTimeMs = milliseconds(lead);
+    if (first || record_.nCurSTCLeadTimeMs < record_.nMinSTCLeadTimeMs)
+    {
+        record_.nMinSTCLeadTimeMs = record_.nCurSTCLeadTimeMs;
+        record_.tMinSTCLeadTime = clock_.seconds();
+    }
+    if (first || record_.nCurSTCLeadTimeMs > record_.nMaxSTCLeadTimeMs)
+    {
+        record_.nMaxSTCLeadTimeMs = record_.nCurSTCLeadTimeMs;
+        record_.tMaxSTCLeadTime = clock_.seconds();
+    }
+    // What should have been heard already, or never will be, is left out.
+    if (lead + duration <= 0 || lead > furthest)
+    {
+        ++record_.nSkippedFrames;
+        record_.tLastSkippedFrame = clock_.seconds();
+        return;
+    }
+    waiting_.push_back({.pts = pts, .duration = duration});
+    record_.nOutQueueLength = static_cast<unsigned>(waiting_.size());
+    record_.nMaxOutQueueLen = std::max(record_.nMaxOutQueueLen, record_.nOutQueueLength);
+}
+
+void AudioPair::step(std::optional<Ticks> stc, std::optional<Ticks> video)
+{
+    while (stc && !waiting_.empty() && waiting_.front().pts <= *stc)
+    {
+        const Waiting frame = waiting_.front();
+        waiting_.pop_front();
+        play(frame, video);
+    }
+    record_.nOutQueueLength = static_cast<unsigned>(waiting_.size());
+}
+
+void AudioPair::play(const Waiting& frame, std::optional<Ticks> video)
+{
+    if (played_to_ && std::abs(frame.pts - *played_to_) > std::max<Ticks>(frame.duration * 3 / 4, ticks_per_millisecond))
+        ++record_.nTSDiscontinuity;
+    played_to_ = frame.pts + frame.duration;
+    ++record_.nOutputFrames;
+    record_.tLastOutputFrame = clock_.seconds();
+    if (!video) return;
+    record_.nVideoTimeStamp = static_cast<unsigned>(as_timestamp(*video));
+    record_.iAudioVideoTSDiffInMs = milliseconds(frame.pts - *video);
+}
+
+void AudioPair::restart()
+{
+    while (!waiting_.empty())
+    {
+        play(waiting_.front(), std::nullopt);
+        waiting_.pop_front();
+    }
+    played_to_.reset();
+    expected_.reset();
+}
+
+void AudioPair::finish(std::optional<Ticks> stc)
+{
+    if (!parser_ || !decoder_ || cut_) return; // a frame that was cut off is none
+    stc_ = stc;
+    std::uint8_t* frame = nullptr;
+    int size = 0;
+    av_parser_parse2(parser_.get(), decoder_.get(), &frame, &size, nullptr, 0, AV_NOPTS_VALUE, AV_NOPTS_VALUE, 0);
+    if (size > 0)
+        take_frame({frame, static_cast<std::size_t>(size)},
+                   parser_->pts == AV_NOPTS_VALUE ? std::nullopt : std::optional<Ticks>(parser_->pts));
+}
+
+} // namespace softdec

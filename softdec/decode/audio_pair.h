@@ -1,0 +1,90 @@
+/**
+ * @file audio_pair.h
+ * Frames and decodes one audio stream, plays it out on a virtual output, and keeps the pair's record.
+ */
+#ifndef SOFTDEC_DECODE_AUDIO_PAIR_H
+#define SOFTDEC_DECODE_AUDIO_PAIR_H
+
+#include <deque>
+#include <functional>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "chain/rate_meter.h"
+#include "decode/codec.h"
+#include "decode/load_meter.h"
+#include "demux/elementary_packet.h"
+#include "sessmgr_audio.h"
+
+namespace softdec
+{
+
+class AudioPair
+{
+public:
+    AudioPair(const VirtualClock& clock, SMGR_AUDIO_PAIR_STATS& record, bool decode, bool live);
+
+    /**
+     * Takes a packet of the stream.
+     * @param stc now; nothing = the clock is not known, so that frames are played at once
+     * @param lead is called with the time that each frame lies ahead of the STC
+     */
+    void take(const ElementaryPacket& packet, std::optional<Ticks> stc, const std::function<void(Ticks)>& lead);
+
+    /** Plays what is due. @param video time stamp of the picture that is shown; nothing = none is */
+    void step(std::optional<Ticks> stc, std::optional<Ticks> video);
+
+    /** The sender's clock has jumped. */
+    void restart();
+
+    /** The stream has ended. */
+    void finish(std::optional<Ticks> stc);
+
+    bool empty() const { return waiting_.empty(); }
+
+private:
+    struct Waiting
+    {
+        Ticks pts;
+        Ticks duration;
+    };
+
+    /** What a frame is. 0 = not known. */
+    struct AudioFormat
+    {
+        int sample_rate; // [Hz]
+        int samples;     // of each channel
+        int channels;
+    };
+
+    AudioFormat format_of(std::span<const std::uint8_t> frame) const;
+    void begin_stream(SMGR_TDEMUX_COMPRESSION_TYPE compression);
+    void parse(const ElementaryPacket& packet);
+    void take_frame(std::span<const std::uint8_t> bytes, std::optional<Ticks> pts);
+    void decode(std::span<const std::uint8_t> bytes, Ticks pts, Ticks duration);
+    void queue(Ticks pts, Ticks duration);
+    void play(const Waiting& frame, std::optional<Ticks> video);
+
+    const VirtualClock& clock_;
+    SMGR_AUDIO_PAIR_STATS& record_;
+    const bool decode_;
+    LoadMeter load_;
+    SMGR_TDEMUX_COMPRESSION_TYPE compression_ = SMGR_TDEMUX_COMPRESSION_TYPE_UNKNOWN;
+    Parser parser_;
+    CodecContext decoder_;
+    Frame frame_{av_frame_alloc()};
+    Packet packet_{av_packet_alloc()};
+    std::vector<std::uint8_t> padded_;
+    std::optional<Ticks> expected_;  // PTS of the next frame received
+    std::optional<Ticks> played_to_; // end of the last frame played
+    std::deque<Waiting> waiting_;
+    bool cut_ = false; // the input ended in the last packet
+    std::optional<Ticks> stc_;
+    const std::function<void(Ticks)>* lead_ = nullptr; // of the call of take that goes on
+    RateMeter bits_;
+};
+
+} // namespace softdec
+
+#endif

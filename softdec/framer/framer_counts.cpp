@@ -1,0 +1,324 @@
+#include <algorithm>
+
+#include "framer/video_framer.h"
+
+namespace softdec
+{
+
+namespace
+{
+
+constexpr Ticks rate_window = 2 * ticks_per_second;
+
+/** Structures of ITU-T H.264, table D-1, that the record counts apart. */
+constexpr unsigned frame_structure = 0;
+constexpr unsigned top_first_structure = 3;
+constexpr unsigned top_bottom_top_structure = 5;
+constexpr unsigned doubled_structure = 7;
+
+bool is_progressive(const Picture& picture)
+{
+    if (picture.top_fields + picture.bottom_fields != 0 || !picture.format || !picture.format->may_be_interlaced) return true;
+    const auto structure = picture.metadata.picture_structure;
+    return structure && (*structure == frame_structure || *structure >= doubled_structure);
+}
+
+/** Codes of H.273 that are of the ordinary kind of dynamic range. */
+SMGR_VFRAMER_HDR_TYPE dynamic_range(unsigned transfer)
+{
+    switch (transfer)
+    {
+    case 2: return SMGR_VFRAMER_HDR_TYPE_UNSPECIFIED;
+    case 16: return SMGR_VFRAMER_HDR_TYPE_PQ;
+    case 18: return SMGR_VFRAMER_HDR_TYPE_HLG;
+    default: return SMGR_VFRAMER_HDR_TYPE_SDR;
+    }
+}
+
+} // namespace
+
+void VideoFramer::take_parameters(const NalUnit& unit)
+{
+    auto& counters = record_.tCounters;
+    if (unit.kind == NalKind::sequence_parameters)
+    {
+        const auto set = h265_ ? parse_sequence_h265(unit.bytes) : parse_sequence_h264(unit.bytes);
+        if (set)
+        {
+            sets_.sequences[set->id] = *set;
+            sequence_ = *set;
+            return;
+        }
+        ++counters.nNumSPSErrors;
+        counters.tLastSPSError = clock_.seconds();
+    }
+    else if (unit.kind == NalKind::picture_parameters)
+    {
+        const auto set = h265_ ? parse_picture_h265(unit.bytes) : parse_picture_h264(unit.bytes);
+        if (set)
+        {
+            sets_.pictures[set->id] = *set;
+            return;
+        }
+        ++counters.nNumPPSErrors;
+        counters.tLastPPSError = clock_.seconds();
+    }
+    else if (unit.kind == NalKind::supplement)
+    {
+        if (parse_supplement(unit.bytes, h265_, sequence_ ? &*sequence_ : nullptr, picture_.metadata)) return;
+        ++counters.nNumSEIErrors;
+        counters.tLastSEIError = clock_.seconds();
+    }
+}
+
+void VideoFramer::count_unit(const NalUnit& unit)
+{
+    auto& counters = record_.tCounters;
+    const std::time_t now = clock_.seconds();
+    switch (unit.kind)
+    {
+    case NalKind::slice:
+        ++counters.nNumSHNALs;
+        counters.tLastSHNAL = now;
+        break;
+    case NalKind::video_parameters:
+        ++counters.nNumVPSNALs;
+        counters.tLastVPSNAL = now;
+        break;
+    case NalKind::sequence_parameters:
+        ++counters.nNumSPSNALs;
+        counters.tLastSPSNAL = now;
+        break;
+    case NalKind::picture_parameters:
+        ++counters.nNumPPSNALs;
+        counters.tLastPPSNAL = now;
+        break;
+    case NalKind::supplement:
+        ++counters.nNumSEINALs;
+        counters.tLastSEINAL = now;
+        break;
+    case NalKind::delimiter:
+        ++counters.nNumAUDNALs;
+        counters.tLastAUDNAL = now;
+        break;
+    case NalKind::filler:
+        ++counters.nNumFillerNALs;
+        counters.tLastFillerNAL = now;
+        break;
+    case NalKind::unknown:
+        ++counters.nNumUnknownNALs;
+        counters.tLastUnknownNAL = now;
+        break;
+    case NalKind::end:
+    case NalKind::other: break;
+    }
+}
+
+void VideoFramer::count_picture(const Picture& picture)
+{
+    auto& counters = record_.tCounters;
+    auto& properties = record_.tCurrentProperties;
+    const std::time_t now = clock_.seconds();
+    ++counters.nNumOutputFrames;
+    counters.tLastOutputFrame = now;
+    counters.nNumOutputBytesToDecoder += picture.data.size();
+    if (picture.pieces == 1)
+    {
+        ++counters.nNumOutputFramesOnePiece;
+        counters.tLastOutputFrameOnePiece = now;
+    }
+    else
+    {
+        ++counters.nNumOutputFramesAssembled;
+        counters.tLastOutputFrameAssembled = now;
+    }
+    if (picture.key)
+    {
+        ++counters.nNumKeyFrames;
+        counters.tLastKeyFrame = now;
+        if (counters.nNumKeyFrames > 1) properties.nGopInterval = pictures_since_key_;
+        pictures_since_key_ = 0;
+    }
+    ++pictures_since_key_;
+    b_in_a_row_ = picture.type == PictureType::b ? b_in_a_row_ + 1 : 0;
+    properties.nNumberOfBPicturesInARow = b_in_a_row_;
+    if (b_in_a_row_ > counters.nMaxNumberOfBPicturesInARow) counters.nMaxNumberOfBPicturesInARow = b_in_a_row_;
+    switch (picture.type)
+    {
+    case PictureType::i:
+        ++counters.nNumIPictures;
+        counters.tLastIPicture = now;
+        properties.bHasIFrames = TRUE;
+        break;
+    case PictureType::p:
+        ++counters.nNumPPictures;
+        counters.tLastPPicture = now;
+        properties.bHasPFrames = TRUE;
+        break;
+    case PictureType::b:
+        ++counters.nNumBPictures;
+        counters.tLastBPicture = now;
+        properties.bHasBFrames = TRUE;
+        break;
+    case PictureType::unknown:
+        ++counters.nNumUnknownPictures;
+        counters.tLastUnknownPicture = now;
+        break;
+    }
+    properties.nSliceCountPerFrame = picture.slices;
+    properties.nLatencyInUs = static_cast<unsigned>((clock_.now() - picture.received) / microsecond);
+    if (picture.dts)
+    {
+        // Pictures come in decoding order, in which presentation goes back and forth.
+        if (properties.TimeStamp != 0) properties.TimeStampDelta = as_timestamp(*picture.dts - static_cast<Ticks>(properties.TimeStamp));
+        properties.TimeStamp = as_timestamp(*picture.dts);
+        measure_rate(*picture.dts);
+    }
+    count_structure(picture);
+    count_metadata(picture.metadata);
+    if (picture.format) take_dynamic_range(*picture.format, picture.metadata);
+}
+
+void VideoFramer::count_structure(const Picture& picture)
+{
+    auto& counters = record_.tCounters;
+    const std::time_t now = clock_.seconds();
+    record_.tCurrentProperties.bInterlaced = TRUE;
+    if (!picture.format)
+    {
+        ++counters.nNumUnknownPicStruct;
+        counters.tLastUnknownPicStruct = now;
+        return;
+    }
+    const auto structure = picture.metadata.picture_structure;
+    if (picture.top_fields + picture.bottom_fields == 0 && is_progressive(picture))
+    {
+        ++counters.nNumProgressivePicStruct;
+        counters.tLastProgressivePicStruct = now;
+        record_.tCurrentProperties.bInterlaced = FALSE;
+        return;
+    }
+    ++counters.nNumInterlacedPicStruct;
+    counters.tLastInterlacedPicStruct = now;
+    // Fields of H.265 are pictures of their own, told apart by their structure alone.
+    const bool single_h265 = h265_ && structure && *structure >= 1 && *structure <= 12 && (*structure <= 2 || *structure >= 9);
+    const bool single_bottom = single_h265 && *structure % 2 == 0;
+    const unsigned tops = picture.top_fields + (single_h265 && !single_bottom ? 1 : 0);
+    const unsigned bottoms = picture.bottom_fields + (single_bottom ? 1 : 0);
+    if (tops != 0)
+    {
+        counters.nNumInterlacedTopFields += tops;
+        counters.tLastInterlacedTopField = now;
+    }
+    if (bottoms != 0)
+    {
+        counters.nNumInterlacedBottomFields += bottoms;
+        counters.tLastInterlacedBottomField = now;
+    }
+    if (tops + bottoms != 1)
+    {
+        ++counters.nNumInterlacedBothFields;
+        counters.tLastInterlacedBothFields = now;
+    }
+    if (structure && !single_h265)
+        record_.tCurrentProperties.bInterlacedTFF = *structure == top_first_structure || *structure == top_bottom_top_structure;
+}
+
+void VideoFramer::count_metadata(const PictureMetadata& metadata)
+{
+    auto& counters = record_.tCounters;
+    auto& properties = record_.tCurrentProperties;
+    if (metadata.timecode)
+    {
+        properties.bTCPresent = TRUE;
+        ++counters.nNumTC;
+        counters.nNumTCBytesOutput += metadata.timecode_bytes;
+        counters.tLastTCReceived = clock_.seconds();
+    }
+    if (metadata.caption_bytes != 0)
+    {
+        properties.bCCPresent = TRUE;
+        ++counters.nNumCC;
+        counters.nNumCCBytesOutput += metadata.caption_bytes;
+        counters.tLastCCReceived = clock_.seconds();
+    }
+    if (metadata.active_format)
+    {
+        properties.bAFDPresent = TRUE;
+        ++counters.nNumAFD;
+        counters.nNumAFDBytesOutput += metadata.active_format_bytes;
+        counters.tLastAFDReceived = clock_.seconds();
+    }
+}
+
+void VideoFramer::take_format(const VideoFormat& format)
+{
+    if (format_ == format) return;
+    auto& counters = record_.tCounters;
+    auto& properties = record_.tCurrentProperties;
+    const std::time_t now = clock_.seconds();
+    if (format_)
+    {
+        ++counters.nNumFormatTransitions;
+        counters.tLastFormatTransition = now;
+        record_.tPreviousProperties = properties;
+        forget_properties();
+        properties.enCompressionType = record_.tPreviousProperties.enCompressionType;
+    }
+    format_ = format;
+    properties.enColorType = color_type(format);
+    properties.nProfile = format.profile;
+    properties.nLevel = format.level;
+    properties.nWidth = static_cast<int>(format.width());
+    properties.nHeight = static_cast<int>(format.height());
+    properties.fFrameRate = static_cast<float>(format.frame_rate);
+    properties.bFrameRateFoundInStream = format.frame_rate > 0;
+    properties.colour_primaries = format.primaries;
+    properties.transfer_characteristics = format.transfer;
+    properties.matrix_coefficients = format.matrix;
+    switch (properties.enColorType)
+    {
+    case SMGR_VIDEO_COLOR_TYPE_420_8BIT:
+        ++counters.nNum420_8bitColortype;
+        counters.tLast420_8bitColortype = now;
+        break;
+    case SMGR_VIDEO_COLOR_TYPE_420_10BIT:
+        ++counters.nNum420_10bitColortype;
+        counters.tLast420_10bitColortype = now;
+        break;
+    case SMGR_VIDEO_COLOR_TYPE_422_8BIT:
+        ++counters.nNum422_8bitColortype;
+        counters.tLast422_8bitColortype = now;
+        break;
+    case SMGR_VIDEO_COLOR_TYPE_422_10BIT:
+        ++counters.nNum422_10bitColortype;
+        counters.tLast422_10bitColortype = now;
+        break;
+    default:
+        ++counters.nNumUnknownColortype;
+        counters.tLastUnknownColortype = now;
+        break;
+    }
+}
+
+void VideoFramer::take_dynamic_range(const VideoFormat& format, const PictureMetadata& metadata)
+{
+    auto& properties = record_.tCurrentProperties;
+    // HLG may be announced as the preferred transfer of a stream that older receivers take for an ordinary one.
+    if (metadata.alternative_transfer || properties.enHDRTypeInStream == SMGR_VFRAMER_HDR_TYPE_UNSPECIFIED)
+        properties.enHDRTypeInStream = dynamic_range(metadata.alternative_transfer.value_or(format.transfer));
+    properties.enHDRType = properties.enHDRTypeInStream; // the output follows the stream
+}
+
+void VideoFramer::measure_rate(Ticks dts)
+{
+    if (!dts_.empty() && (dts <= dts_.back() || dts - dts_.back() > rate_window)) dts_.clear();
+    dts_.push_back(dts);
+    while (dts_.back() - dts_.front() > rate_window) dts_.pop_front();
+    if (dts_.size() < 2) return;
+    const double rate = static_cast<double>(dts_.size() - 1) * ticks_per_second / static_cast<double>(dts_.back() - dts_.front());
+    record_.tCounters.fInputFrameRate = static_cast<float>(rate);
+    if (!record_.tCurrentProperties.bFrameRateFoundInStream) record_.tCurrentProperties.fFrameRate = static_cast<float>(rate);
+}
+
+} // namespace softdec

@@ -1,0 +1,47 @@
+#include "input/rtp.h"
+
+#include <bitstream/ietf/rtp.h>
+#include <bitstream/mpeg/ts.h>
+
+namespace softdec
+{
+
+namespace
+{
+
+bool is_transport_stream(std::span<const std::uint8_t> bytes)
+{
+    return !bytes.empty() && bytes.size() % TS_SIZE == 0 && ts_validate(bytes.data());
+}
+
+} // namespace
+
+std::optional<RtpPacket> parse_rtp(std::span<const std::uint8_t> bytes)
+{
+    if (bytes.size() < RTP_HEADER_SIZE || !rtp_check_hdr(bytes.data())) return std::nullopt;
+    std::size_t header = RTP_HEADER_SIZE + 4UL * rtp_get_cc(bytes.data());
+    if (rtp_check_extension(bytes.data()))
+    {
+        if (bytes.size() < header + RTP_EXTENSION_SIZE) return std::nullopt;
+        header += RTP_EXTENSION_SIZE + 4UL * rtpx_get_length(bytes.data() + header);
+    }
+    const std::size_t padding = rtp_check_padding(bytes.data()) ? bytes.back() : 0;
+    if (bytes.size() < header + padding) return std::nullopt;
+    return RtpPacket{.sequence = rtp_get_seqnum(bytes.data()),
+                     .timestamp = rtp_get_timestamp(bytes.data()),
+                     .payload_type = rtp_get_type(bytes.data()),
+                     .payload = bytes.subspan(header, bytes.size() - header - padding)};
+}
+
+bool is_rtp_transport_stream(std::span<const std::uint8_t> bytes)
+{
+    const auto packet = parse_rtp(bytes);
+    return packet && is_transport_stream(packet->payload);
+}
+
+bool carries_transport_stream(std::span<const std::uint8_t> bytes)
+{
+    return is_transport_stream(bytes) || is_rtp_transport_stream(bytes);
+}
+
+} // namespace softdec

@@ -1,0 +1,167 @@
+#include "metadata/metadata_decoder.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+
+namespace softdec
+{
+
+namespace
+{
+
+constexpr Ticks furthest = 11 * ticks_per_second;
+
+/** Every key of SMPTE ST 336 begins so. */
+constexpr std::array<std::uint8_t, 4> universal_label = {0x06, 0x0e, 0x2b, 0x34};
+
+/** Of a metadata access unit cell (ISO/IEC 13818-1, 2.12.4), in front of synchronous KLV. */
+constexpr std::size_t cell_header = 5;
+
+} // namespace
+
+MetadataDecoder::MetadataDecoder(const VirtualClock& clock, SMGR_METADATADEC_STATS& record) : clock_(clock), record_(record)
+{
+    record_.enState = SMGR_METADATA_STATE_IDLE;
+    constexpr std::array names = {"KLV", "TC", "CC", "AFD"};
+    for (std::size_t i = 0; i < names.size(); ++i)
+    {
+        auto& channel = record_.tChannel[i];
+        std::strcpy(channel.szName, names[i]);
+        channel.enType = static_cast<SMGR_METADATA_CHANNEL_TYPE>(i);
+        channel.enState = SMGR_METADATA_STATE_IDLE;
+    }
+}
+
+void MetadataDecoder::take_klv(const ElementaryPacket& packet, bool synchronous, std::optional<Ticks> stc)
+{
+    const std::size_t header = synchronous ? cell_header : 0;
+    const bool is_klv =
+        packet.data.size() >= header + universal_label.size() &&
+        std::equal(universal_label.begin(), universal_label.end(), packet.data.begin() + static_cast<std::ptrdiff_t>(header));
+    auto& counters = record_.tChannel[SMGR_METADATA_CHANNEL_TYPE_KLV].tCounters;
+    if (!is_klv || packet.damaged) ++counters.nNumErrors;
+    take(SMGR_METADATA_CHANNEL_TYPE_KLV, packet.data.size() - std::min(header, packet.data.size()), synchronous,
+         packet.time_base == 0 ? std::nullopt : packet.pts, stc);
+}
+
+void MetadataDecoder::take_picture(const PictureMetadata& metadata, std::optional<Ticks> pts, std::optional<Ticks> stc)
+{
+    if (metadata.timecode)
+    {
+        record_.tCounters.tTCValue = {.bTCValid = TRUE,
+                                      .nTCHours = metadata.timecode->hours,
+                                      .nTCMinutes = metadata.timecode->minutes,
+                                      .nTCSeconds = metadata.timecode->seconds,
+                                      .nTCFrames = metadata.timecode->frames};
+        take(SMGR_METADATA_CHANNEL_TYPE_TC, metadata.timecode_bytes, true, pts, stc);
+    }
+    if (metadata.caption_bytes != 0) take(SMGR_METADATA_CHANNEL_TYPE_CC, metadata.caption_bytes, true, pts, stc);
+    if (metadata.active_format) take(SMGR_METADATA_CHANNEL_TYPE_AFD, metadata.active_format_bytes, true, pts, stc);
+}
+
+void MetadataDecoder::take(SMGR_METADATA_CHANNEL_TYPE type, std::size_t bytes, bool synchronous, std::optional<Ticks> pts,
+                           std::optional<Ticks> stc)
+{
+    const auto index = static_cast<std::size_t>(type);
+    const std::time_t now = clock_.seconds();
+    auto& channel = record_.tChannel[index];
+    record_.enState = channel.enState = SMGR_METADATA_STATE_ACTIVE;
+    ++record_.tCounters.nNumReceivedPackets;
+    ++channel.tCounters.nNumInputPackets;
+    channel.tCounters.tLastInputPacket = now;
+    if (synchronous)
+    {
+        ++channel.tCounters.nNumSynchronousPackets;
+        channel.tCounters.tLastSynchronousPacket = now;
+    }
+    else
+    {
+        ++channel.tCounters.nNumAsynchronousPackets;
+        channel.tCounters.tLastAsynchronousPacket = now;
+    }
+    const Waiting packet = {.pts = pts.value_or(0), .bytes = bytes, .received = clock_.now()};
+    if (!pts || !stc || *pts - *stc > furthest) return put_out(index, packet);
+
+    const bool first = channel.tCounters.tMinOutputSTCLeadTime == 0;
+    const int lead = milliseconds(*pts - *stc);
+    channel.tCounters.nOutputSTCLeadTime = lead;
+    if (first || lead < channel.tCounters.nMinOutputSTCLeadTime)
+    {
+        channel.tCounters.nMinOutputSTCLeadTime = lead;
+        channel.tCounters.tMinOutputSTCLeadTime = now;
+    }
+    if (first || lead > channel.tCounters.nMaxOutputSTCLeadTime)
+    {
+        channel.tCounters.nMaxOutputSTCLeadTime = lead;
+        channel.tCounters.tMaxOutputSTCLeadTime = now;
+    }
+    if (lead < 0)
+    {
+        ++channel.tCounters.nNumOutputLate;
+        channel.tCounters.tLastOutputLate = now;
+    }
+    // Pictures leave the framer in coded order, and metadata is shown with them.
+    auto& queue = waiting_[index];
+    queue.insert(std::ranges::upper_bound(queue, packet.pts, {}, &Waiting::pts), packet);
+    channel.tCounters.nNumInPacketList = queue.size();
+}
+
+void MetadataDecoder::step(std::optional<Ticks> stc)
+{
+    if (!stc) return;
+    for (std::size_t i = 0; i < waiting_.size(); ++i)
+    {
+        while (!waiting_[i].empty() && waiting_[i].front().pts <= *stc)
+        {
+            put_out(i, waiting_[i].front());
+            waiting_[i].pop_front();
+            record_.tChannel[i].tCounters.nNumInPacketList = waiting_[i].size();
+        }
+    }
+}
+
+void MetadataDecoder::put_out(std::size_t index, const Waiting& packet)
+{
+    auto& channel = record_.tChannel[index];
+    const std::time_t now = clock_.seconds();
+    ++channel.tCounters.nNumOutputPackets;
+    ++channel.tCounters.nNumFreedPackets;
+    channel.tCounters.tLastOutputPacket = channel.tCounters.tLastFreedPacket = channel.tCounters.tLastOutputTime = now;
+    channel.tCounters.nNumOutputPayloadBytes += packet.bytes;
+    if (packet.bytes > channel.tCounters.nMaxOutputPayloadBytes)
+    {
+        channel.tCounters.nMaxOutputPayloadBytes = packet.bytes;
+        channel.tCounters.tMaxOutputPayloadBytes = now;
+    }
+    channel.nLatencyInUs = static_cast<unsigned>((clock_.now() - packet.received) / microsecond);
+    if (last_output_[index] && packet.pts <= *last_output_[index])
+    {
+        ++channel.tCounters.nNumNonIncreasingOutputTimestamps;
+        channel.tCounters.tLastNonIncreasingOutputTimestamp = now;
+    }
+    last_output_[index] = packet.pts;
+}
+
+void MetadataDecoder::restart()
+{
+    for (std::size_t i = 0; i < waiting_.size(); ++i)
+    {
+        if (!waiting_[i].empty())
+        {
+            ++record_.tChannel[i].tCounters.nNumPacketListResets;
+            record_.tChannel[i].tCounters.tLastPacketListReset = clock_.seconds();
+        }
+        for (const Waiting& packet : waiting_[i]) put_out(i, packet);
+        waiting_[i].clear();
+        record_.tChannel[i].tCounters.nNumInPacketList = 0;
+        last_output_[i].reset();
+    }
+}
+
+bool MetadataDecoder::empty() const
+{
+    return std::ranges::all_of(waiting_, [](const auto& queue) { return queue.empty(); });
+}
+
+} // namespace softdec

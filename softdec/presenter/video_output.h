@@ -1,0 +1,64 @@
+/**
+ * @file video_output.h
+ * A virtual output: it shows each picture when the STC reaches its PTS, and counts what was late, skipped or shown again.
+ */
+#ifndef SOFTDEC_PRESENTER_VIDEO_OUTPUT_H
+#define SOFTDEC_PRESENTER_VIDEO_OUTPUT_H
+
+#include <optional>
+#include <set>
+
+#include "clock/ticks.h"
+#include "sessmgr_types.h"
+
+namespace softdec
+{
+
+class VideoOutput
+{
+public:
+    VideoOutput(const VirtualClock& clock, SMGR_VCUDEC_STATS& record) : clock_(clock), record_(record) {}
+
+    /**
+     * Takes a decoded picture.
+     * @param pts    its time; nothing = it has none
+     * @param period of the pictures [90 kHz ticks]
+     * @param stc    now; nothing = the clock is not known, so that the picture is shown at once
+     */
+    void take(std::optional<Ticks> pts, Ticks period, std::optional<Ticks> stc);
+
+    /** Shows what is due. */
+    void step(std::optional<Ticks> stc);
+
+    /** The sender's clock has jumped: nothing that waits has a time any more. */
+    void restart();
+
+    /** The stream has ended: what has been shown is not shown again in place of what does not come. */
+    void end() { ended_ = true; }
+
+    bool empty() const { return waiting_.empty(); }
+
+    /** PTS of the picture that is shown. */
+    std::optional<Ticks> shown() const { return shown_; }
+
+    /** When a picture was last skipped or shown again [epoch s]; 0 = never. */
+    std::time_t last_irregular() const { return last_irregular_; }
+
+private:
+    void show(Ticks pts);
+    void skip();
+    void replay();
+
+    const VirtualClock& clock_;
+    SMGR_VCUDEC_STATS& record_;
+    std::multiset<Ticks> waiting_;
+    std::optional<Ticks> shown_;
+    Ticks next_ = 0; // when the picture after the one shown is due
+    Ticks period_ = ticks_per_second / 25;
+    bool ended_ = false;
+    std::time_t last_irregular_ = 0;
+};
+
+} // namespace softdec
+
+#endif

@@ -1,0 +1,57 @@
+/**
+ * @file diff.cpp
+ * decstats diff: what has changed between two moments.
+ */
+#include <memory>
+
+#include "commands.h"
+#include "difference.h"
+#include "json.h"
+#include "options.h"
+#include "standard_output.h"
+
+namespace commands
+{
+
+namespace
+{
+
+struct Options
+{
+    std::string old_source;
+    std::string new_source;
+    std::string directory = std::string(published::default_directory);
+    std::optional<sources::At> from;
+    std::optional<sources::At> to;
+    std::string format = "text";
+};
+
+void diff(const Options& options)
+{
+    const auto old = std::make_unique<records::Snapshot>(sources::take({options.old_source, options.directory}, options.from));
+    const auto now = std::make_unique<records::Snapshot>(sources::take({options.new_source, options.directory}, options.to));
+    const views::Comparison comparison(*old, *now);
+    if (options.format == "text") return files::print(views::difference_lines(comparison));
+    const std::string line = views::difference_json(comparison);
+    files::print((options.format == "json" ? views::indented(line) : line) + "\n");
+}
+
+} // namespace
+
+void add_diff(CLI::App& app)
+{
+    const auto options = std::make_shared<Options>();
+    CLI::App& command = add_command(app, "diff", "Print what has changed between two sources");
+    command.add_option("OLD", options->old_source, "A SOURCE, as of 'decstats show'")->type_name("")->required();
+    command.add_option("NEW", options->new_source, "The SOURCE that is later")->type_name("")->required();
+    add_moment(command, "--from", options->from, "Moment of OLD: RFC 3339, seconds since the epoch, or mtime of the file");
+    add_moment(command, "--to", options->to, "Moment of NEW");
+    add_directory(command, options->directory);
+    command.add_option("--format", options->format, "text, json or ndjson (one line)")
+        ->check(one_of({"text", "json", "ndjson"}))
+        ->type_name("FORMAT")
+        ->capture_default_str();
+    command.callback([options] { diff(*options); });
+}
+
+} // namespace commands

@@ -1,0 +1,202 @@
+/**
+ * @file watch.cpp
+ * decstats watch: a decoder as it lives.
+ */
+#include <array>
+#include <csignal>
+#include <limits>
+#include <memory>
+#include <utility>
+
+#include "commands.h"
+#include "failure.h"
+#include "json.h"
+#include "number_text.h"
+#include "options.h"
+#include "reports.h"
+#include "series.h"
+#include "signals.h"
+#include "standard_output.h"
+#include "terminal.h"
+#include "watch_lines.h"
+
+namespace commands
+{
+
+namespace
+{
+
+using std::chrono::nanoseconds;
+using std::chrono::steady_clock;
+using views::WatchLine;
+
+struct Options
+{
+    sources::Source source;
+    nanoseconds every = std::chrono::seconds(1);
+    std::uint64_t count = std::numeric_limits<std::uint64_t>::max();
+    std::vector<std::string> fields;
+    std::bitset<records::component_count> components;
+    STATS_LEVEL level = STATS_LEVEL_DEFAULT;
+};
+
+/** When the next look is due. Those that have been missed are not made up for. */
+class Pace
+{
+public:
+    explicit Pace(nanoseconds every) : every_(every), due_(steady_clock::now() + every) {}
+
+    nanoseconds left() const { return due_ - steady_clock::now(); }
+
+    void take_next()
+    {
+        due_ += every_;
+        if (left() < nanoseconds::zero()) due_ = steady_clock::now() + every_;
+    }
+
+private:
+    nanoseconds every_;
+    steady_clock::time_point due_;
+};
+
+/** The lines of one look after the other. */
+class Lines
+{
+public:
+    Lines(const Options& options, const LibraryFile& library) : options_(options), library_(library), fields_(named_fields(options.fields))
+    {
+    }
+
+    /** The lines of a look, which is the last one for the next. */
+    std::vector<WatchLine> next(sources::Sight sight)
+    {
+        std::vector<WatchLine> lines = {heading(sight)};
+        if (!sight.problem.empty()) lines.push_back({.text = "! " + files::printable(sight.problem), .has_changed = false});
+        if (!sight.snapshot) return lines;
+        std::optional<views::Comparison> comparison;
+        if (last_) comparison.emplace(*last_, *sight.snapshot);
+        append_body(lines, *sight.snapshot, comparison ? &*comparison : nullptr);
+        last_ = std::move(sight.snapshot);
+        return lines;
+    }
+
+private:
+    WatchLine heading(const sources::Sight& sight) const
+    {
+        if (!sight.snapshot) return {.text = sight.state, .has_changed = false};
+        const records::Snapshot& now = *sight.snapshot;
+        const bool is_restarted = last_ && last_->instance != now.instance;
+        std::string text = now.decoder + (now.decoder.empty() ? "" : "  ") + sight.state + (sight.state.empty() ? "" : "  ");
+        text += views::moment_text(now.taken_at);
+        if (is_restarted) text += "  restarted: its counters have begun anew";
+        return {.text = text, .has_changed = is_restarted};
+    }
+
+    void append_body(std::vector<WatchLine>& lines, const records::Snapshot& now, const views::Comparison* comparison)
+    {
+        const auto append = [&](const std::vector<WatchLine>& more) { lines.insert(lines.end(), more.begin(), more.end()); };
+        if (!fields_.empty()) return append(views::field_watch_lines(now, comparison, fields_));
+        for (const records::Component& component : records::components())
+        {
+            if (!now.has(component) || (options_.components.any() && !options_.components[component.index])) continue;
+            const std::string report = views::report_text(now, library_, component, options_.level);
+            std::vector<WatchLine>& before = reports_[component.index];
+            before = views::report_watch_lines(component, report, before, comparison);
+            append(before);
+        }
+    }
+
+    const Options& options_;
+    const LibraryFile& library_;
+    std::vector<dictionary::Found> fields_;
+    std::optional<records::Snapshot> last_;
+    std::array<std::vector<WatchLine>, records::component_count> reports_ = {};
+};
+
+void paint(const Options& options, const LibraryFile& library)
+{
+    const auto series = sources::open_series(options.source);
+    Lines lines(options, library);
+    std::vector<WatchLine> painted;
+    std::optional<sources::Sight> sight = series->next({});
+    if (sight) painted = lines.next(std::move(*sight)); // what fails at once is told on the shell's screen
+
+    const Signals signals({SIGINT, SIGTERM, SIGHUP, SIGWINCH, SIGTSTP});
+    Terminal terminal;
+    Pace pace(options.every);
+    for (std::uint64_t looks = 1; sight; ++looks)
+    {
+        terminal.paint(painted);
+        if (looks >= options.count) return;
+        while (const auto signal = signals.wait(pace.left()))
+        {
+            if (*signal != SIGWINCH && *signal != SIGTSTP) return;
+            if (*signal == SIGTSTP) terminal.suspend();
+            terminal.paint(painted);
+        }
+        pace.take_next();
+        sight = series->next(options.every);
+        if (sight) painted = lines.next(std::move(*sight));
+    }
+}
+
+/** One line of JSON for each look at records that are not those of the last one. */
+void write_lines(const Options& options)
+{
+    const auto series = sources::open_series(options.source);
+    const std::vector<dictionary::Found> fields = named_fields(options.fields);
+    views::Selection selection;
+    std::bitset<records::component_count> components = options.components;
+    for (const dictionary::Found& field : fields) selection.add(field), components.set(field.field->component);
+
+    const Signals signals({});
+    Pace pace(options.every);
+    std::string last_state = "live";
+    std::optional<std::pair<std::optional<records::Instance>, std::int64_t>> last;
+    nanoseconds step = {};
+    for (std::uint64_t written = 0; written < options.count;)
+    {
+        auto sight = series->next(std::exchange(step, options.every));
+        if (!sight) return;
+        if (std::exchange(last_state, sight->state) != sight->state && !sight->problem.empty()) files::warn(sight->problem);
+        if (sight->snapshot)
+        {
+            records::Snapshot& now = *sight->snapshot;
+            if (std::exchange(last, std::pair(now.instance, now.taken_at)) != std::pair(now.instance, now.taken_at))
+            {
+                if (components.any()) now.present &= components;
+                files::print(views::json(now, fields.empty() ? nullptr : &selection) + "\n");
+                files::flush();
+                if (++written == options.count) return;
+            }
+        }
+        signals.wait(pace.left());
+        pace.take_next();
+    }
+}
+
+} // namespace
+
+void add_watch(CLI::App& app, const LibraryFile& library)
+{
+    const auto options = std::make_shared<Options>();
+    CLI::App& command = add_command(app, "watch", "Show a decoder again and again, on a terminal in place, else as lines of JSON");
+    add_source(command, options->source);
+    add_duration(command, "--every", options->every, std::chrono::milliseconds(10), "How often: 1s without it");
+    command.add_option("--count", options->count, "How many times; without it, until a signal ends it")
+        ->check(CLI::PositiveNumber)
+        ->type_name("N");
+    add_fields(command, options->fields);
+    add_components(command, options->components);
+    add_level(command, options->level);
+    command.callback(
+        [options, &library]
+        {
+            if (can_paint())
+                paint(*options, library);
+            else
+                write_lines(*options);
+        });
+}
+
+} // namespace commands

@@ -1,0 +1,50 @@
+/**
+ * @file series.h
+ * A source that is looked at again and again.
+ */
+#ifndef SOURCES_SERIES_H
+#define SOURCES_SERIES_H
+
+#include <chrono>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "snapshot.h"
+#include "source.h"
+
+namespace sources
+{
+
+/** What there is to see at one moment. */
+struct Sight
+{
+    std::optional<records::Snapshot> snapshot; /**< nothing = there are no records now */
+    std::string state;                         /**< how a live decoder stands, as "hung"; empty for other sources */
+    std::string problem;                       /**< what is wrong, as a line for people; empty = nothing */
+};
+
+/** A source that is looked at again and again. */
+class Series
+{
+public:
+    virtual ~Series() = default;
+
+    /**
+     * Looks once more.
+     * @param step how much later than the last time, where that can be chosen; a live decoder is looked at now
+     * @return nothing = the source is at its end
+     * @throw Failure if it cannot be read
+     */
+    virtual std::optional<Sight> next(std::chrono::nanoseconds step) = 0;
+};
+
+/**
+ * Opens a source.
+ * @throw Failure if there is no such source. A live decoder only has to be there: it may have no records yet
+ */
+std::unique_ptr<Series> open_series(const Source& source);
+
+} // namespace sources
+
+#endif
