@@ -7,7 +7,7 @@ function __decstats_arguments
     for word in (commandline --tokenize --cut-at-cursor --current-process)
         if test $value = yes
             set value no
-        else if contains -- $word --library --level --component --at --format --field --decoder --output --directory --every --count --name --for --fault --after --from --to
+        else if contains -- $word --library --level --component --at --format --field --decoder --output --directory --every --count --name --for --fault --after --from --to --rotate
             set value yes
         else if not string match --quiet -- '-?*' $word
             set count (math $count + 1)
@@ -51,6 +51,10 @@ complete -c decstats -n __decstats_needs_command -a show -d 'Show the records of
 complete -c decstats -n __decstats_needs_command -a list -d 'List the live decoders and how they stand'
 complete -c decstats -n __decstats_needs_command -a watch -d 'Show a decoder again and again'
 complete -c decstats -n __decstats_needs_command -a diff -d 'Print what has changed between two sources'
+complete -c decstats -n __decstats_needs_command -a capture -d 'Append snapshots of a decoder to a capture file'
+complete -c decstats -n __decstats_needs_command -a history -d 'Tell what a capture file spans'
+complete -c decstats -n __decstats_needs_command -a check -d 'Check a capture file for damage'
+complete -c decstats -n __decstats_needs_command -a repair -d 'Write what can be read of a damaged capture file'
 complete -c decstats -n __decstats_needs_command -a describe -d 'Print what fields mean'
 complete -c decstats -n __decstats_needs_command -a demo -d 'Print the reports of a sample'
 complete -c decstats -n __decstats_needs_command -a print -d 'Print the report of a raw record'
@@ -66,16 +70,20 @@ complete -c decstats -n '__fish_seen_subcommand_from show' -l raw -d 'JSON of al
 complete -c decstats -n '__fish_seen_subcommand_from show watch' -l field -x -a '(__decstats_fields)' -d 'Show this field only'
 complete -c decstats -n '__fish_seen_subcommand_from show' -l decoder -x -d 'Name of the decoder'
 complete -c decstats -n '__fish_seen_subcommand_from show' -l output -r -F -d 'Write this file'
-complete -c decstats -n '__fish_seen_subcommand_from show list watch diff simulate' -l directory -x -a '(__fish_complete_directories)' -d 'Where live decoders are'
-complete -c decstats -n '__decstats_at show 0; or __decstats_at watch 0; or __decstats_at diff 0; or __decstats_at diff 1' -F -a '(__decstats_names)'
+complete -c decstats -n '__fish_seen_subcommand_from show list watch diff capture simulate' -l directory -x -a '(__fish_complete_directories)' -d 'Where live decoders are'
+complete -c decstats -n '__decstats_at show 0; or __decstats_at watch 0; or __decstats_at capture 0; or __decstats_at diff 0; or __decstats_at diff 1' -F -a '(__decstats_names)'
 complete -c decstats -n '__fish_seen_subcommand_from list' -l format -x -a 'text json' -d 'The form'
 complete -c decstats -n '__fish_seen_subcommand_from diff' -l format -x -a 'text json ndjson' -d 'The form'
 complete -c decstats -n '__fish_seen_subcommand_from diff' -l from -x -a mtime -d 'Moment of the old one'
 complete -c decstats -n '__fish_seen_subcommand_from diff' -l to -x -a mtime -d 'Moment of the new one'
-complete -c decstats -n '__fish_seen_subcommand_from watch' -l every -x -d 'How often'
+complete -c decstats -n '__fish_seen_subcommand_from watch capture' -l every -x -d 'How often'
 complete -c decstats -n '__fish_seen_subcommand_from watch' -l count -x -d 'How many times'
+complete -c decstats -n '__fish_seen_subcommand_from capture' -l from -x -d 'The first moment'
+complete -c decstats -n '__fish_seen_subcommand_from capture' -l to -x -d 'The last moment'
+complete -c decstats -n '__fish_seen_subcommand_from capture' -l rotate -x -a day -d 'When a new file begins'
+complete -c decstats -n '__decstats_at capture 1; or __decstats_at history 0; or __decstats_at check 0; or __decstats_at repair 0; or __decstats_at repair 1' -F
 complete -c decstats -n '__fish_seen_subcommand_from simulate' -l name -x -d 'Name of the decoder'
-complete -c decstats -n '__fish_seen_subcommand_from simulate' -l for -x -d 'How long'
+complete -c decstats -n '__fish_seen_subcommand_from simulate capture' -l for -x -d 'How long'
 complete -c decstats -n '__fish_seen_subcommand_from simulate' -l fault -x -a '(decstats simulate --list-faults | string replace --regex " .*" "")' -d 'Let this go wrong'
 complete -c decstats -n '__fish_seen_subcommand_from simulate' -l after -x -d 'When the fault begins'
 complete -c decstats -n '__decstats_at simulate 0' -l list-faults -d 'List the faults'
