@@ -55,9 +55,9 @@ def read_slot(file, section, content_size, alive, where):
     return {"slot": "busy"}, None
 
 
-def read_layout(file, offset, size, where):
+def read_layout(data, where, other_types=False):
+    size = len(data)
     expect(size >= 48, where, f"at least 48 bytes, not {size}")
-    data = read(file, offset, size, where)
     name = text(data[:32], where + ", name")
     record_size, count, row_size, first = struct.unpack_from("<4I", data, 32)
     expect(row_size >= 32 and 48 + count * row_size <= size, where, f"{count} rows of {row_size} >= 32 bytes in {size} bytes")
@@ -68,8 +68,9 @@ def read_layout(file, offset, size, where):
         public = data[name_at : name_at + name_size].decode("latin-1")
         expect(len(public) == name_size and c_at + c_size <= size, row, "names within the section")
         expect(re.fullmatch("[!-~]+", public) and public not in rows, row, f"a name of its own in printable ASCII, not {public!r}")
-        expect(1 <= kind <= 9, row, f"a type from 1 to 9, not {kind}")
-        expect(width >= 1 and (kind > 7 or width == struct.calcsize(value_formats[kind])), row, f"the size of its type, not {width}")
+        expect(1 <= kind <= 9 or other_types, row, f"a type from 1 to 9, not {kind}")
+        sized = kind in value_formats and not other_types
+        expect(width >= 1 and (not sized or width == struct.calcsize(value_formats[kind])), row, f"the size of its type, not {width}")
         expect(elements >= 1 and (stride >= width or stride == 0 and elements == 1), row, "an array's elements with their size")
         expect(offset + (elements - 1) * stride + width <= record_size, row, f"a place in the record of {record_size} bytes")
         rows[public] = offset, width, elements, stride, kind
@@ -116,7 +117,7 @@ def read_file(file):
             expect(number < (64 if kind < 3 else 1) and number not in sections[kind], where, f"another component than {number}")
             sections[kind][number] = offset, length
     expect(sections[3], "table of sections", "a heartbeat")
-    layouts = {number: read_layout(file, *section, f"layout {number}") for number, section in sections[1].items()}
+    layouts = {n: read_layout(read(file, *section, f"layout {n}"), f"layout {n}") for n, section in sections[1].items()}
     expect(len({layout[0] for layout in layouts.values()}) == len(layouts), "layouts", "one for each component")
     alive = is_alive(file)  # before any slot: what is dead has written its last word
     pulse, beat = read_slot(file, sections[3][0], 8, alive, "heartbeat")
