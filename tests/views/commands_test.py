@@ -259,7 +259,7 @@ class Describe(unittest.TestCase):
         for title in titles:
             out = run("describe", title)[0]
             self.assertTrue(out.startswith(title + ", advice of decstats-reports(5):\n"), out)
-            self.assertGreater(len(out.splitlines()), 3)
+            self.assertGreater(len(out.splitlines()), 1)
         out = " ".join(run("describe", "network loss")[0].split())
         self.assertIn('see "Network loss" in decstats-reports(5).', " ".join(run("describe", "Lost Packets")[0].split()))
         self.assertIn("Unknown NALs (debug)", out)
