@@ -17,7 +17,7 @@ _decstats()
     # What stands before the cursor: the command, the number of its arguments, and an option that waits for its value.
     for ((i = 1; i < COMP_CWORD; ++i)); do
         case ${COMP_WORDS[i]} in
-        --library | --level | --component | --at | --format | --field | --decoder | --output | --directory | --every | --count | --name | --for | --fault | --after | --from | --to | --rotate)
+        --library | --level | --component | --at | --format | --field | --decoder | --output | --directory | --every | --count | --name | --for | --fault | --after | --from | --to | --rotate | --speed)
             option=${COMP_WORDS[i]}
             [[ ${COMP_WORDS[i + 1]} == '=' ]] && ((++i))
             ((++i < COMP_CWORD)) && option=''
@@ -59,7 +59,7 @@ _decstats()
         case $command in
         show) words+=' --directory --component --level --format --raw --at --field --decoder --output' ;;
         list) words+=' --directory --format' ;;
-        watch) words+=' --directory --every --count --field --component --level' ;;
+        watch) words+=' --directory --every --count --field --component --level --speed --from --to' ;;
         capture) words+=' --directory --every --for --rotate --from --to' ;;
         diff) words+=' --from --to --directory --format' ;;
         simulate) words+=' --name --directory --for --fault --after'; ((arguments)) || words+=' --list-faults' ;;

@@ -7,7 +7,7 @@ function __decstats_arguments
     for word in (commandline --tokenize --cut-at-cursor --current-process)
         if test $value = yes
             set value no
-        else if contains -- $word --library --level --component --at --format --field --decoder --output --directory --every --count --name --for --fault --after --from --to --rotate
+        else if contains -- $word --library --level --component --at --format --field --decoder --output --directory --every --count --name --for --fault --after --from --to --rotate --speed
             set value yes
         else if not string match --quiet -- '-?*' $word
             set count (math $count + 1)
@@ -74,9 +74,10 @@ complete -c decstats -n '__fish_seen_subcommand_from show list watch diff captur
 complete -c decstats -n '__decstats_at show 0; or __decstats_at watch 0; or __decstats_at capture 0; or __decstats_at diff 0; or __decstats_at diff 1' -F -a '(__decstats_names)'
 complete -c decstats -n '__fish_seen_subcommand_from list' -l format -x -a 'text json' -d 'The form'
 complete -c decstats -n '__fish_seen_subcommand_from diff' -l format -x -a 'text json ndjson' -d 'The form'
-complete -c decstats -n '__fish_seen_subcommand_from diff' -l from -x -a mtime -d 'Moment of the old one'
-complete -c decstats -n '__fish_seen_subcommand_from diff' -l to -x -a mtime -d 'Moment of the new one'
+complete -c decstats -n '__fish_seen_subcommand_from diff watch' -l from -x -a mtime -d 'Moment of the old one'
+complete -c decstats -n '__fish_seen_subcommand_from diff watch' -l to -x -a mtime -d 'Moment of the new one'
 complete -c decstats -n '__fish_seen_subcommand_from watch capture' -l every -x -d 'How often'
+complete -c decstats -n '__fish_seen_subcommand_from watch' -l speed -x -d 'Of playing back'
 complete -c decstats -n '__fish_seen_subcommand_from watch' -l count -x -d 'How many times'
 complete -c decstats -n '__fish_seen_subcommand_from capture' -l from -x -d 'The first moment'
 complete -c decstats -n '__fish_seen_subcommand_from capture' -l to -x -d 'The last moment'

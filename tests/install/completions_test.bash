@@ -93,7 +93,7 @@ offers '' list ''
 offers '--library --help --version --directory --format' list -
 offers 'text json' list --format ''
 offers '<dirnames>' list --directory ''
-offers '--library --help --version --directory --every --count --field --component --level' watch -
+offers '--library --help --version --directory --every --count --field --component --level --speed --from --to' watch -
 offers '' watch --every ''
 offers '--library --help --version --from --to --directory --format' diff -
 offers 'text json ndjson' diff alpha beta --format ''

@@ -167,8 +167,23 @@ class Diff(LiveTest):
         process = self.start("simulate", "live-srt-1080i", "--name", "alpha", "--directory", str(directory))
         process.stdout.readline()
 
+    def test_two_moments_of_a_capture(self):
+        self.simulate()
+        self.run_tool("capture", "alpha", "day.dcap", "--every", "300ms", "--for", "1400ms")
+        looks = [json.loads(line) for line in self.run_tool("watch", "day.dcap", "--every", "10ms", "--speed", "30")[0].splitlines()]
+        first, last = looks[0], looks[-1]
+        answer = self.difference_of("day.dcap", "--from", first["taken_at"], "--to", last["taken_at"])
+        self.assertEqual((answer["old"]["taken_at"], answer["new"]["taken_at"]), (first["taken_at"], last["taken_at"]))
+        change = next(change for change in answer["changes"] if change["field"] == "tdemux.received_packets")
+        self.assertEqual((change["old"], change["new"]), tuple(look["components"]["tdemux"]["received_packets"] for look in (first, last)))
+        self.assertAlmostEqual(change["rate"], change["difference"] / answer["seconds"], places=3)
+        self.assertEqual(self.difference_of("day.dcap", "--from", first["taken_at"]), answer)
+
+    def difference_of(self, *arguments):
+        return json.loads(self.run_tool("diff", *arguments, "--format", "ndjson")[0])
+
     def test_refusals(self):
-        self.refused("diff", "sample:idle", part="NEW")
+        self.refused("diff", "sample:idle", part="which NEW?")
         self.refused("diff", "sample:idle", "sample:nonsense", part="nonsense")
         self.refused("diff", "sample:idle", "sample:idle", "--from", "yesterday", part="yesterday")
 

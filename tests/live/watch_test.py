@@ -92,6 +92,36 @@ class Watch(LiveTest):
         self.run_tool("sample", "trouble", str(folder))
         self.until(lambda: self.line(watch)["components"]["tdemux"]["state"]["name"] == "scrambled")
 
+    def test_playback(self):
+        host = self.simulate()
+        self.run_tool("capture", "alpha", "day.dcap", "--every", "100ms", "--for", "1900ms")
+        host.terminate()
+        host.wait()
+        call = ("watch", "day.dcap", "--every", "100ms", "--field", "tdemux.received_packets")
+        begin = time.monotonic()
+        slow = [json.loads(line) for line in self.run_tool(*call)[0].splitlines()]
+        middle = time.monotonic()
+        fast = [json.loads(line) for line in self.run_tool(*call, "--speed", "5")[0].splitlines()]
+        end = time.monotonic()
+        self.assertGreater(middle - begin, 1.5)
+        self.assertLess(end - middle, 1.3)
+        for looks, least, most in ((slow, 15, 20), (fast, 4, 6)):
+            moments = [look["taken_at"] for look in looks]
+            self.assertEqual(moments, sorted(set(moments)))
+            self.assertTrue(least <= len(moments) <= most, len(moments))
+        self.assertEqual((fast[0], fast[-1]), (slow[0], slow[-1]))
+        part = self.run_tool(*call, "--speed", "100", "--from", slow[3]["taken_at"], "--to", slow[7]["taken_at"])[0].splitlines()
+        self.assertEqual((json.loads(part[0]), json.loads(part[-1])), (slow[3], slow[7]))
+
+    def test_playback_is_for_captures(self):
+        self.run_tool("capture", "sample:idle", "once.dcap", "--for", "0s")
+        self.assertEqual(len(self.run_tool("watch", "once.dcap")[0].splitlines()), 1)
+        self.refused("watch", "sample:idle", "--speed", "2", part="--speed")
+        self.refused("watch", "once.dcap", "--from", "mtime", part="mtime")
+        self.refused("watch", "once.dcap", "--from", "2100-01-01T00:00:00Z", part="no snapshot")
+        for speed in ("0", "-1", "x"):
+            self.refused("watch", "once.dcap", "--speed=" + speed, part="--speed")
+
     def test_a_reader_that_goes_away(self):
         self.simulate()
         watch = self.start("watch", "--every", "20ms", stderr=subprocess.PIPE)

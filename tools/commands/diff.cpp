@@ -6,6 +6,7 @@
 
 #include "commands.h"
 #include "difference.h"
+#include "failure.h"
 #include "json.h"
 #include "options.h"
 #include "standard_output.h"
@@ -28,8 +29,11 @@ struct Options
 
 void diff(const Options& options)
 {
+    if (options.new_source.empty() && !options.from && !options.to)
+        throw files::Failure(files::ExitStatus::input_failed, "which NEW? A SOURCE, or --from and --to for two moments of OLD");
+    const std::string& new_source = options.new_source.empty() ? options.old_source : options.new_source;
     const auto old = std::make_unique<records::Snapshot>(sources::take({options.old_source, options.directory}, options.from));
-    const auto now = std::make_unique<records::Snapshot>(sources::take({options.new_source, options.directory}, options.to));
+    const auto now = std::make_unique<records::Snapshot>(sources::take({new_source, options.directory}, options.to));
     const views::Comparison comparison(*old, *now);
     if (options.format == "text") return files::print(views::difference_lines(comparison));
     const std::string line = views::difference_json(comparison);
@@ -41,10 +45,10 @@ void diff(const Options& options)
 void add_diff(CLI::App& app)
 {
     const auto options = std::make_shared<Options>();
-    CLI::App& command = add_command(app, "diff", "Print what has changed between two sources");
+    CLI::App& command = add_command(app, "diff", "Print what has changed between two sources, or two moments of one");
     command.add_option("OLD", options->old_source, "A SOURCE, as of 'decstats show'")->type_name("")->required();
-    command.add_option("NEW", options->new_source, "The SOURCE that is later")->type_name("")->required();
-    add_moment(command, "--from", options->from, "Moment of OLD: RFC 3339, seconds since the epoch, or mtime of the file");
+    command.add_option("NEW", options->new_source, "The SOURCE that is later; OLD at another moment without it")->type_name("");
+    add_moment(command, "--from", options->from, "Moment of OLD: RFC 3339, seconds since the epoch, or mtime of a record's file");
     add_moment(command, "--to", options->to, "Moment of NEW");
     add_directory(command, options->directory);
     command.add_option("--format", options->format, "text, json or ndjson (one line)")

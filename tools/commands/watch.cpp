@@ -2,15 +2,18 @@
  * @file watch.cpp
  * decstats watch: a decoder as it lives.
  */
+#include <algorithm>
 #include <array>
 #include <csignal>
 #include <limits>
 #include <memory>
 #include <utility>
 
+#include "capture_source.h"
 #include "commands.h"
 #include "failure.h"
 #include "json.h"
+#include "live.h"
 #include "number_text.h"
 #include "options.h"
 #include "reports.h"
@@ -38,7 +41,34 @@ struct Options
     std::vector<std::string> fields;
     std::bitset<records::component_count> components;
     STATS_LEVEL level = STATS_LEVEL_DEFAULT;
+    std::optional<double> speed;
+    std::optional<sources::At> from;
+    std::optional<sources::At> to;
+
+    /** How much later each look is in a capture file. */
+    nanoseconds step() const
+    {
+        constexpr double longest = 1e18;
+        return nanoseconds(static_cast<std::int64_t>(std::min(static_cast<double>(every.count()) * speed.value_or(1), longest)));
+    }
 };
+
+[[noreturn]] void fail(const std::string& message)
+{
+    throw files::Failure(files::ExitStatus::input_failed, message);
+}
+
+std::unique_ptr<sources::Series> open_series(const Options& options)
+{
+    const auto moment = [](const std::optional<sources::At>& at) { return at ? at->moment : std::nullopt; };
+    if (!sources::find_live(options.source) && sources::is_capture(options.source.text))
+    {
+        if ((options.from && !options.from->moment) || (options.to && !options.to->moment)) fail("mtime is no moment for --from and --to");
+        return sources::open_playback(options.source.text, moment(options.from), moment(options.to));
+    }
+    if (options.speed || options.from || options.to) fail("--speed, --from and --to are for a SOURCE that is a capture file");
+    return sources::open_series(options.source);
+}
 
 /** When the next look is due. Those that have been missed are not made up for. */
 class Pace
@@ -115,7 +145,7 @@ private:
 
 void paint(const Options& options, const LibraryFile& library)
 {
-    const auto series = sources::open_series(options.source);
+    const auto series = open_series(options);
     Lines lines(options, library);
     std::vector<WatchLine> painted;
     std::optional<sources::Sight> sight = series->next({});
@@ -135,7 +165,7 @@ void paint(const Options& options, const LibraryFile& library)
             terminal.paint(painted);
         }
         pace.take_next();
-        sight = series->next(options.every);
+        sight = series->next(options.step());
         if (sight) painted = lines.next(std::move(*sight));
     }
 }
@@ -143,7 +173,7 @@ void paint(const Options& options, const LibraryFile& library)
 /** One line of JSON for each look at records that are not those of the last one. */
 void write_lines(const Options& options)
 {
-    const auto series = sources::open_series(options.source);
+    const auto series = open_series(options);
     const std::vector<dictionary::Found> fields = named_fields(options.fields);
     views::Selection selection;
     std::bitset<records::component_count> components = options.components;
@@ -156,9 +186,10 @@ void write_lines(const Options& options)
     nanoseconds step = {};
     for (std::uint64_t written = 0; written < options.count;)
     {
-        auto sight = series->next(std::exchange(step, options.every));
+        auto sight = series->next(std::exchange(step, options.step()));
         if (!sight) return;
-        if (std::exchange(last_state, sight->state) != sight->state && !sight->problem.empty()) files::warn(sight->problem);
+        const std::string& state = sight->state.empty() ? sight->problem : sight->state;
+        if (std::exchange(last_state, state) != state && !sight->problem.empty()) files::warn(sight->problem);
         if (sight->snapshot)
         {
             records::Snapshot& now = *sight->snapshot;
@@ -189,6 +220,11 @@ void add_watch(CLI::App& app, const LibraryFile& library)
     add_fields(command, options->fields);
     add_components(command, options->components);
     add_level(command, options->level);
+    command.add_option("--speed", options->speed, "Play a capture file back so many times as fast as it was")
+        ->check(CLI::PositiveNumber)
+        ->type_name("N");
+    add_moment(command, "--from", options->from, "Of a capture file, begin at this moment");
+    add_moment(command, "--to", options->to, "Of a capture file, end at this moment");
     command.callback(
         [options, &library]
         {

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "capture_source.h"
 #include "failure.h"
 #include "live.h"
 
@@ -48,7 +49,62 @@ private:
     Source source_;
 };
 
+class Playback : public Series
+{
+public:
+    Playback(const std::string& path, std::optional<std::int64_t> from, std::optional<std::int64_t> to)
+        : captured_(path, from, to), path_(path)
+    {
+        if (!read_ahead()) throw files::Failure(files::ExitStatus::input_failed, files::shown(path) + ": no snapshot to play back");
+        clock_ = ahead_.taken_at;
+    }
+
+    std::optional<Sight> next(std::chrono::nanoseconds step) override
+    {
+        constexpr std::int64_t longest_wait = 60'000'000'000;
+        if (!has_ahead_) return std::nullopt;
+        clock_ += step.count();
+        if (ahead_.taken_at - clock_ > longest_wait) clock_ = ahead_.taken_at;
+        while (has_ahead_ && ahead_.taken_at <= clock_)
+        {
+            current_ = ahead_;
+            if (!read_ahead() || ahead_.taken_at >= current_.taken_at) continue;
+            clock_ = ahead_.taken_at - step.count(); // the clock was set back: its new time begins with the next look
+            break;
+        }
+        return Sight{.snapshot = current_, .state = {}, .problem = std::exchange(problem_, {})};
+    }
+
+private:
+    bool read_ahead()
+    {
+        while (const auto event = captured_.next_event())
+        {
+            if (const auto* loss = std::get_if<capture::Loss>(&*event)) problem_ = files::shown(path_) + ": " + loss_text(*loss);
+            if (const auto* snapshot = std::get_if<const records::Snapshot*>(&*event))
+            {
+                ahead_ = **snapshot;
+                return has_ahead_ = true;
+            }
+        }
+        return has_ahead_ = false;
+    }
+
+    Captured captured_;
+    std::string path_;
+    records::Snapshot current_;
+    records::Snapshot ahead_;
+    bool has_ahead_ = false;
+    std::int64_t clock_ = 0; // of what is played back [ns since the epoch, UTC]
+    std::string problem_;
+};
+
 } // namespace
+
+std::unique_ptr<Series> open_playback(const std::string& path, std::optional<std::int64_t> from, std::optional<std::int64_t> to)
+{
+    return std::make_unique<Playback>(path, from, to);
+}
 
 std::unique_ptr<Series> open_series(const Source& source)
 {
