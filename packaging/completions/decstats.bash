@@ -17,7 +17,7 @@ _decstats()
     # What stands before the cursor: the command, the number of its arguments, and an option that waits for its value.
     for ((i = 1; i < COMP_CWORD; ++i)); do
         case ${COMP_WORDS[i]} in
-        --library | --level | --component | --at | --format | --field | --decoder | --output | --directory | --every | --count | --name | --for | --fault | --after | --from | --to | --rotate | --speed)
+        --library | --level | --component | --at | --format | --field | --decoder | --output | --directory | --every | --count | --name | --for | --fault | --after | --from | --to | --rotate | --speed | --window | --explain)
             option=${COMP_WORDS[i]}
             [[ ${COMP_WORDS[i + 1]} == '=' ]] && ((++i))
             ((++i < COMP_CWORD)) && option=''
@@ -37,20 +37,20 @@ _decstats()
     --from:capture:* | --to:capture:*) ;;
     --at:* | --from:* | --to:*) words=mtime ;;
     --directory:*) files=dirnames ;;
-    --format:describe:* | --format:list:*) words='text json' ;;
+    --format:describe:* | --format:list:* | --format:diagnose:*) words='text json' ;;
     --format:diff:*) words='text json ndjson' ;;
     --format:*) words='text json ndjson openmetrics prometheus' ;;
     --field:*) words=$("${COMP_WORDS[0]}" describe --format json 2>/dev/null | sed -n 's/^      "name": "\(.*\)",$/\1/p') ;;
     --component:*) words=$components ;;
     --fault:*) words=$("${COMP_WORDS[0]}" simulate --list-faults 2>/dev/null | cut -d ' ' -f 1) ;;
-    ::*) words='show list watch diff capture history check repair describe demo print sample simulate version' ;;
+    ::*) words='show list watch diff diagnose capture history check repair describe demo print sample simulate version' ;;
     :demo:0 | :simulate:0) [[ $list ]] || words=$("${COMP_WORDS[0]}" demo --list 2>/dev/null | cut -d ' ' -f 1) ;;
     :sample:0) words=$("${COMP_WORDS[0]}" demo --list 2>/dev/null | cut -d ' ' -f 1) ;;
     :sample:1) files=dirnames ;;
     :print:0) words=$components ;;
     :describe:*) words=$components ;;
     :print:1 | :version:0 | :capture:1 | :history:0 | :check:0 | :repair:[01]) files=default ;;
-    :show:0 | :watch:0 | :diff:[01] | :capture:0) files=default words=$(_decstats_names "${COMP_WORDS[0]}") ;;
+    :show:0 | :watch:0 | :diagnose:0 | :diff:[01] | :capture:0) files=default words=$(_decstats_names "${COMP_WORDS[0]}") ;;
     esac
 
     if [[ ! $option && $current == -* ]]; then
@@ -62,6 +62,7 @@ _decstats()
         watch) words+=' --directory --every --count --field --component --level --speed --from --to' ;;
         capture) words+=' --directory --every --for --rotate --from --to' ;;
         diff) words+=' --from --to --directory --format' ;;
+        diagnose) words+=' --directory --window --at --from --to --format --explain' ;;
         simulate) words+=' --name --directory --for --fault --after'; ((arguments)) || words+=' --list-faults' ;;
         describe) words+=' --format --schema' ;;
         demo) words+=' --level --component'; ((arguments)) || words+=' --list' ;;

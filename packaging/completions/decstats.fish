@@ -7,7 +7,7 @@ function __decstats_arguments
     for word in (commandline --tokenize --cut-at-cursor --current-process)
         if test $value = yes
             set value no
-        else if contains -- $word --library --level --component --at --format --field --decoder --output --directory --every --count --name --for --fault --after --from --to --rotate --speed
+        else if contains -- $word --library --level --component --at --format --field --decoder --output --directory --every --count --name --for --fault --after --from --to --rotate --speed --window --explain
             set value yes
         else if not string match --quiet -- '-?*' $word
             set count (math $count + 1)
@@ -55,6 +55,7 @@ complete -c decstats -n __decstats_needs_command -a capture -d 'Append snapshots
 complete -c decstats -n __decstats_needs_command -a history -d 'Tell what a capture file spans'
 complete -c decstats -n __decstats_needs_command -a check -d 'Check a capture file for damage'
 complete -c decstats -n __decstats_needs_command -a repair -d 'Write what can be read of a damaged capture file'
+complete -c decstats -n __decstats_needs_command -a diagnose -d 'Say what is wrong with a decoder, and where'
 complete -c decstats -n __decstats_needs_command -a describe -d 'Print what fields mean'
 complete -c decstats -n __decstats_needs_command -a demo -d 'Print the reports of a sample'
 complete -c decstats -n __decstats_needs_command -a print -d 'Print the report of a raw record'
@@ -70,9 +71,15 @@ complete -c decstats -n '__fish_seen_subcommand_from show' -l raw -d 'JSON of al
 complete -c decstats -n '__fish_seen_subcommand_from show watch' -l field -x -a '(__decstats_fields)' -d 'Show this field only'
 complete -c decstats -n '__fish_seen_subcommand_from show' -l decoder -x -d 'Name of the decoder'
 complete -c decstats -n '__fish_seen_subcommand_from show' -l output -r -F -d 'Write this file'
-complete -c decstats -n '__fish_seen_subcommand_from show list watch diff capture simulate' -l directory -x -a '(__fish_complete_directories)' -d 'Where live decoders are'
-complete -c decstats -n '__decstats_at show 0; or __decstats_at watch 0; or __decstats_at capture 0; or __decstats_at diff 0; or __decstats_at diff 1' -F -a '(__decstats_names)'
+complete -c decstats -n '__fish_seen_subcommand_from show list watch diff diagnose capture simulate' -l directory -x -a '(__fish_complete_directories)' -d 'Where live decoders are'
+complete -c decstats -n '__decstats_at show 0; or __decstats_at watch 0; or __decstats_at diagnose 0; or __decstats_at capture 0; or __decstats_at diff 0; or __decstats_at diff 1' -F -a '(__decstats_names)'
 complete -c decstats -n '__fish_seen_subcommand_from list' -l format -x -a 'text json' -d 'The form'
+complete -c decstats -n '__fish_seen_subcommand_from diagnose' -l window -x -d 'How far the moments lie apart'
+complete -c decstats -n '__fish_seen_subcommand_from diagnose' -l at -x -a mtime -d 'The moment'
+complete -c decstats -n '__fish_seen_subcommand_from diagnose' -l from -x -d 'First moment of a capture file'
+complete -c decstats -n '__fish_seen_subcommand_from diagnose' -l to -x -d 'Last moment of a capture file'
+complete -c decstats -n '__fish_seen_subcommand_from diagnose' -l format -x -a 'text json' -d 'The form'
+complete -c decstats -n '__fish_seen_subcommand_from diagnose' -l explain -x -d 'Explain a finding'
 complete -c decstats -n '__fish_seen_subcommand_from diff' -l format -x -a 'text json ndjson' -d 'The form'
 complete -c decstats -n '__fish_seen_subcommand_from diff watch' -l from -x -a mtime -d 'Moment of the old one'
 complete -c decstats -n '__fish_seen_subcommand_from diff watch' -l to -x -a mtime -d 'Moment of the new one'
