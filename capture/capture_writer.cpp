@@ -48,6 +48,7 @@ bool is_known_alike(const records::Snapshot& one, const records::Snapshot& other
 
 records::Snapshot without_records(const records::Snapshot& snapshot)
 {
+<<<<<<< HEAD
     return {.decoder = snapshot.decoder,
             .host = snapshot.host,
             .instance = snapshot.instance,
@@ -55,6 +56,16 @@ records::Snapshot without_records(const records::Snapshot& snapshot)
             .is_up = std::nullopt,
             .present = snapshot.present,
             .not_measured = snapshot.not_measured};
+=======
+    records::Snapshot head;
+    head.decoder = snapshot.decoder;
+    head.host = snapshot.host;
+    head.instance = snapshot.instance;
+    head.taken_at = snapshot.taken_at;
+    head.present = snapshot.present;
+    head.not_measured = snapshot.not_measured;
+    return head;
+>>>>>>> cap
 }
 
 } // namespace

@@ -31,14 +31,14 @@ offers()
     fi
 }
 
-offers 'show list watch diff describe demo print sample simulate version' ''
-offers 'diff describe demo' d
+offers 'show list watch diff diagnose capture history check repair describe demo print sample simulate version' ''
+offers 'diff diagnose describe demo' d
 offers '' x
 offers '--library --help --version' -
 offers '<default>' --library ''
 offers '<default>' --library = ''
-offers 'show list watch diff describe demo print sample simulate version' --library libstats.so ''
-offers 'show list watch diff describe demo print sample simulate version' --library = libstats.so ''
+offers 'show list watch diff diagnose capture history check repair describe demo print sample simulate version' --library libstats.so ''
+offers 'show list watch diff diagnose capture history check repair describe demo print sample simulate version' --library = libstats.so ''
 
 offers "$scenarios" demo ''
 offers "$scenarios" --library libstats.so demo ''
@@ -95,6 +95,9 @@ offers 'text json' list --format ''
 offers '<dirnames>' list --directory ''
 offers '--library --help --version --directory --every --count --field --component --level --speed --from --to' watch -
 offers '' watch --every ''
+offers '--library --help --version --directory --every --for --rotate --from --to' capture -
+offers day capture --rotate ''
+offers '' capture --from ''
 offers '--library --help --version --from --to --directory --format' diff -
 offers 'text json ndjson' diff alpha beta --format ''
 offers 'mtime' diff alpha --from ''
@@ -134,7 +137,7 @@ if command -v fish >/dev/null; then
         actual=$(fish --no-config -c "source '$fish'; complete -C '$2'" | cut -f 1 | sort | paste -sd ' ')
         [[ $actual == "$1" ]] || { echo "fish: '$2' offers: $actual"; echo "expected: $1"; status=1; }
     }
-    fish_offers 'demo describe diff list print sample show simulate version watch' 'decstats '
+    fish_offers 'capture check demo describe diff history list print repair sample show simulate version watch' 'decstats '
     fish_offers "$(tr ' ' '\n' <<<"$scenarios" | sort | paste -sd ' ')" 'decstats demo '
     fish_offers "$(tr ' ' '\n' <<<"$components" | sort | paste -sd ' ')" 'decstats print --level debug '
     fish_offers 'debug default' 'decstats demo idle --level '
