@@ -48,15 +48,6 @@ bool is_known_alike(const records::Snapshot& one, const records::Snapshot& other
 
 records::Snapshot without_records(const records::Snapshot& snapshot)
 {
-<<<<<<< HEAD
-    return {.decoder = snapshot.decoder,
-            .host = snapshot.host,
-            .instance = snapshot.instance,
-            .taken_at = snapshot.taken_at,
-            .is_up = std::nullopt,
-            .present = snapshot.present,
-            .not_measured = snapshot.not_measured};
-=======
     records::Snapshot head;
     head.decoder = snapshot.decoder;
     head.host = snapshot.host;
@@ -65,7 +56,6 @@ records::Snapshot without_records(const records::Snapshot& snapshot)
     head.present = snapshot.present;
     head.not_measured = snapshot.not_measured;
     return head;
->>>>>>> cap
 }
 
 } // namespace
