@@ -184,7 +184,7 @@ def read_capture(data, lost=lambda line: None):
     else:
         damage.append("the header is damaged")
     whole = list(frames(data, first, damage.append))
-    expect(data[:8] == magic or whole, "file", "a capture file")
+    expect(data[:8] == magic or whole and whole[0][0] == 24, "file", "a capture file")
     for line in damage:
         lost(line)
     decoder = Decoder({zlib.crc32(payload): payload for _, kind, _, payload in whole if kind == 1})
