@@ -164,7 +164,8 @@ FrameReader::Part FrameReader::next(Check check)
 {
     const std::uint64_t offset = offset_;
     const std::span<const std::byte> frame = frame_at(offset);
-    if (frame.empty()) return search(offset);
+    // No frame has the type 0: zeros, as a crash of the machine leaves them, are not a row of empty frames.
+    if (frame.empty() || word_in(frame, 0) >> 24 == 0) return search(offset);
 
     const std::uint32_t word = word_in(frame, 0);
     Part part = {.kind = Part::Kind::frame,

@@ -254,6 +254,24 @@ TEST(Hostile, RangesOverwritten)
     }
 }
 
+TEST(Hostile, AFrameBehindZerosIsFoundHoweverManyThereAre)
+{
+    const ScratchDirectory directory;
+    const std::string header = Small().bytes().substr(0, sizeof(capture::FileHeader));
+    for (std::size_t zeros = 1; zeros <= 40; ++zeros)
+    {
+        capture::Output frame;
+        put_frame(frame, FrameType::whole, std::vector<std::byte>(256)); // the first byte of its word is 0 too
+        const std::string behind(reinterpret_cast<const char*>(frame.bytes().data()), frame.bytes().size());
+        FrameReader frames(directory.write("zeros", header + std::string(zeros, '\0') + behind));
+        ASSERT_EQ(frames.start(), capture::Start::good);
+        const auto lost = frames.next();
+        EXPECT_EQ(lost.kind, FrameReader::Part::Kind::lost) << zeros;
+        EXPECT_EQ(lost.size, zeros);
+        EXPECT_EQ(frames.next().kind, FrameReader::Part::Kind::frame) << zeros;
+    }
+}
+
 TEST(Hostile, LookingForMomentsInDamagedFilesShowsWhatWasCaptured)
 {
     const Small small;

@@ -153,7 +153,7 @@ def frame(data, at):
     """(type, CRC, payload or None if the CRC is wrong, end), or None if no frame stands there."""
     word, crc = struct.unpack_from("<II", data, at) if at + 12 <= len(data) else (0xFFFFFF, 0)
     end = at + 12 + (word & 0xFFFFFF)
-    if word & 0xFFFFFF > 1 << 20 or data[end - 4 : end] != data[at : at + 4]:
+    if word >> 24 == 0 or word & 0xFFFFFF > 1 << 20 or data[end - 4 : end] != data[at : at + 4]:
         return None
     payload = data[at + 8 : end - 4]
     return word >> 24, crc, payload if zlib.crc32(payload, zlib.crc32(data[at : at + 4])) == crc else None, end

@@ -241,7 +241,7 @@ class Capture(unittest.TestCase):
         others = [released[begin:end] for begin, end, kind in frames if kind != 1]
         header = released[:16] + struct.pack("<I", 32)
         header += struct.pack("<I", zlib.crc32(header)) + bytes(8)
-        data = header + frame(200, b"to come").join(others) + frame(0, b"") + layout
+        data = header + frame(200, b"to come").join(others) + frame(255, b"") + layout
         self.assertEqual(read(data), read(released))
 
     def test_lies(self):
