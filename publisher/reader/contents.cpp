@@ -159,7 +159,8 @@ private:
         }
         case SectionType::heartbeat: return take_slot(section, 1, contents_.heartbeat_slot);
         case SectionType::not_measured:
-            contents_.not_measured_words = std::min((section.size - std::min(section.size, sizeof(Slot))) / 8, dictionary::most_fields / 64);
+            contents_.not_measured_words =
+                std::min((section.size - std::min(section.size, sizeof(Slot))) / 8, dictionary::most_fields / 64);
             return take_slot(section, contents_.not_measured_words, contents_.not_measured_slot);
         default: return true;
         }

@@ -20,8 +20,8 @@ namespace published
 /** A record and where it stands. */
 struct Record
 {
-    dictionary::RecordLayout layout;  /**< layout.component is NULL where the file has no such component */
-    std::size_t slot = 0; /**< offset in the file; 0 = it is never published */
+    dictionary::RecordLayout layout; /**< layout.component is NULL where the file has no such component */
+    std::size_t slot = 0;            /**< offset in the file; 0 = it is never published */
 };
 
 /** What a file holds. Every slot lies within the file and is aligned. */
