@@ -197,8 +197,8 @@ TEST(Layouts, ANewerReleaseHasAFieldMoreAndAComponentMore)
     ASSERT_EQ(held.snapshots.size(), 2u);
     EXPECT_EQ(held.snapshots[0].present.count(), 1u);
     EXPECT_TRUE(held.snapshots[0].not_measured.none());
-    EXPECT_EQ(held.snapshots[0].records.usage.nNumStarts, 7u);
-    EXPECT_EQ(held.snapshots[1].records.usage.nNumStarts, 8u);
+    EXPECT_EQ(+held.snapshots[0].records.usage.nNumStarts, 7u);
+    EXPECT_EQ(+held.snapshots[1].records.usage.nNumStarts, 8u);
     const SMGR_DECODER_SDI_USAGE_STATS expected = usage(8);
     EXPECT_EQ(std::memcmp(&held.snapshots[1].records.usage, &expected, sizeof expected), 0);
 }
@@ -223,7 +223,7 @@ TEST(Layouts, OneThatStandsFurtherBehindIsFound)
     const Held held = held_in(directory.write("a", foreign.bytes('l')));
     expect_sound(held);
     EXPECT_EQ(held.snapshots.size(), 2u);
-    EXPECT_EQ(capture::Reader(directory / "a").last()->snapshot.records.usage.nNumStarts, 4u);
+    EXPECT_EQ(+capture::Reader(directory / "a").last()->snapshot.records.usage.nNumStarts, 4u);
 
     capture::repair(directory / "a", directory / "b");
     EXPECT_EQ(held_in(directory / "b").snapshots.size(), 2u);

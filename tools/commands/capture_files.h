@@ -20,8 +20,8 @@ namespace commands
 /** When a new file begins. */
 struct Rotation
 {
-    bool each_day = false;    /**< with the first snapshot of a day, UTC */
-    std::uint64_t above = ~0; /**< with the first snapshot after the file has this size [bytes] */
+    bool each_day = false;                   /**< with the first snapshot of a day, UTC */
+    std::uint64_t above = ~std::uint64_t{0}; /**< with the first snapshot after the file has this size [bytes] */
 };
 
 /** Reads a rotation. @param text "day", or a size in bytes or with K, M or G, which are of 1024 @return or nothing */

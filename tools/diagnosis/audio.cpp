@@ -12,8 +12,6 @@ namespace
 constinit const Reading channel_type{"buffering.channels[].type"};
 constinit const Reading released{"buffering.channels[].output_packets"};
 constinit const Reading received{"audio.received_frames"};
-constinit const Reading output{"audio.output_frames"};
-constinit const Reading last_output{"audio.last_output_frame_time"};
 constinit const Reading errors{"audio.decoder_errors"};
 constinit const Reading output_errors{"audio.output_errors"};
 constinit const Reading skipped{"audio.skipped_frames"};

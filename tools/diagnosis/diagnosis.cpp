@@ -96,9 +96,10 @@ std::vector<Finding> Diagnosis::hold_back(const Window& window)
         const auto is_same = [&](const Episode& episode) { return episode.finding.rule == finding.rule && !episode.over; };
         return std::ranges::none_of(held_, is_same) && std::ranges::none_of(episodes_, is_same);
     };
-    const auto rest = std::ranges::stable_partition(result_.findings, std::not_fn(waits));
-    held.assign(std::make_move_iterator(rest.begin()), std::make_move_iterator(rest.end()));
-    result_.findings.erase(rest.begin(), rest.end());
+    const auto end = result_.findings.end();
+    const auto rest = std::stable_partition(result_.findings.begin(), end, std::not_fn(waits));
+    held.assign(std::make_move_iterator(rest), std::make_move_iterator(end));
+    result_.findings.erase(rest, end);
     return held;
 }
 

@@ -95,7 +95,7 @@ Comparison::Comparison(const records::Snapshot& old, const records::Snapshot& no
             if (is_fallen(place)) fallen_.push_back(place), reset_.set(field.component);
         }
     }
-    std::ranges::stable_partition(changes_, is_name_or_state);
+    std::stable_partition(changes_.begin(), changes_.end(), is_name_or_state); // not of ranges: Clang 14 does not take this library's
 }
 
 bool Comparison::is_other_decoder() const

@@ -154,15 +154,18 @@ void append_moment(std::string& text, const dictionary::Moment& moment)
 void append_rfc3339(std::string& text, std::int64_t moment)
 {
     using namespace std::chrono;
-    const sys_time<nanoseconds> time{nanoseconds(moment)};
-    const sys_days day = floor<days>(time);
+    // In seconds first: the day of the earliest moments begins before what nanoseconds reach.
+    const bool is_within = moment % 1'000'000'000 < 0;
+    const sys_seconds second{seconds(moment / 1'000'000'000 - (is_within ? 1 : 0))};
+    const nanoseconds rest(moment % 1'000'000'000 + (is_within ? 1'000'000'000 : 0));
+    const sys_days day = floor<days>(second);
     const year_month_day date(day);
-    const hh_mm_ss clock(time - day);
+    const hh_mm_ss clock(second - day);
     std::array<char, 48> buffer;
-    const int length = std::snprintf(buffer.data(), buffer.size(), "%04d-%02u-%02uT%02d:%02d:%02d.%09dZ", static_cast<int>(date.year()),
-                                     static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
-                                     static_cast<int>(clock.hours().count()), static_cast<int>(clock.minutes().count()),
-                                     static_cast<int>(clock.seconds().count()), static_cast<int>(clock.subseconds().count()));
+    const int length =
+        std::snprintf(buffer.data(), buffer.size(), "%04d-%02u-%02uT%02d:%02d:%02d.%09dZ", static_cast<int>(date.year()),
+                      static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()), static_cast<int>(clock.hours().count()),
+                      static_cast<int>(clock.minutes().count()), static_cast<int>(clock.seconds().count()), static_cast<int>(rest.count()));
     text.append(buffer.data(), static_cast<std::size_t>(length));
 }
 
