@@ -221,7 +221,7 @@ std::optional<Event> Reader::next()
         }
         if (part.kind == FrameReader::Part::Kind::lost)
             note_loss(part.offset, part.size, part.type == FrameType::whole || part.type == FrameType::change ? 1 : 0);
-        else if (const std::optional<Event> event = take(part))
+        else if (std::optional<Event> event = take(part))
         {
             const bool is_snapshot = std::holds_alternative<const records::Snapshot*>(*event);
             if (!is_snapshot || is_selected(*last_moment_)) return event;

@@ -265,9 +265,8 @@ void Writer::write(std::span<const std::byte> bytes)
         const int error = count == 0 ? ENOSPC : errno;
         // If the file cannot be cut off either, readers take what stands there for a frame that has not been finished.
         if (ftruncate(file_.descriptor(), static_cast<off_t>(end_)) != 0) errno = error;
-        const Error failure = write_error(path_, error);
-        if (failure.problem() == Problem::full) mark_gap(GapCause::no_space, "");
-        throw failure;
+        if (write_error(path_, error).problem() == Problem::full) mark_gap(GapCause::no_space, "");
+        throw write_error(path_, error);
     }
     end_ += bytes.size();
 }

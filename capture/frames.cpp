@@ -1,12 +1,12 @@
 #include "frames.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
-#include <zlib.h>
 
 #include "capture_error.h"
 
@@ -16,8 +16,21 @@ namespace capture
 namespace
 {
 
-constexpr std::size_t buffer_size = 256 * 1024;
+constexpr std::size_t buffer_size = std::size_t{256} * 1024;
 static_assert(longest_payload >= buffer_size);
+
+/** What each value of a byte adds to the CRC-32 of ISO/IEC 3309, whose polynomial is 0x04C11DB7, here with its bits reversed. */
+consteval std::array<std::uint32_t, 256> crc_table()
+{
+    std::array<std::uint32_t, 256> table = {};
+    for (std::uint32_t i = 0; i < table.size(); ++i)
+    {
+        std::uint32_t crc = i;
+        for (int bit = 0; bit < 8; ++bit) crc = crc >> 1 ^ ((crc & 1) != 0 ? 0xEDB88320U : 0);
+        table[i] = crc;
+    }
+    return table;
+}
 
 std::uint32_t word_in(std::span<const std::byte> bytes, std::size_t offset)
 {
@@ -40,7 +53,11 @@ std::uint32_t frame_crc(std::uint32_t word, std::span<const std::byte> payload)
 
 std::uint32_t crc_of(std::span<const std::byte> bytes, std::uint32_t before)
 {
-    return static_cast<std::uint32_t>(crc32_z(before, reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size()));
+    // Not a library's: the tool needs libc alone, on every processor that it is built for.
+    static constexpr std::array<std::uint32_t, 256> table = crc_table();
+    std::uint32_t crc = ~before;
+    for (const std::byte byte : bytes) crc = crc >> 8 ^ table[(crc ^ std::to_integer<std::uint32_t>(byte)) & 0xFF];
+    return ~crc;
 }
 
 std::uint32_t put_frame(Output& out, FrameType type, std::span<const std::byte> payload)

@@ -1,6 +1,6 @@
 # Sourced by the scripts beside it: installs the Debian packages that are missing, without questions.
 
-build_packages="g++ cmake ninja-build libcli11-dev rapidjson-dev zlib1g-dev"
+build_packages="g++ cmake ninja-build libcli11-dev rapidjson-dev"
 test_packages="$build_packages clang clang-format clang-tidy libgtest-dev binutils locales valgrind abigail-tools pkg-config groff-base
     lld python3 python3-jsonschema python3-prometheus-client jq strace"
 complete_packages="prometheus" # for promtool
