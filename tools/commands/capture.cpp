@@ -13,6 +13,7 @@
 #include "capture_error.h"
 #include "capture_files.h"
 #include "capture_source.h"
+#include "clocks.h"
 #include "commands.h"
 #include "failure.h"
 #include "live.h"
@@ -110,24 +111,6 @@ private:
     bool is_full_ = false;
     bool is_terminal_ = isatty(STDERR_FILENO) != 0;
     std::string state_;
-};
-
-/** The two clocks, and whether they still agree. */
-class Clocks
-{
-public:
-    /** How far the clock of the system has been set since the last call, and how long that is ago. */
-    std::pair<nanoseconds, nanoseconds> step()
-    {
-        const auto steady = std::chrono::steady_clock::now();
-        const auto system = std::chrono::system_clock::now();
-        const nanoseconds passed = steady - std::exchange(steady_, steady);
-        return {system - std::exchange(system_, system) - passed, passed};
-    }
-
-private:
-    std::chrono::steady_clock::time_point steady_ = std::chrono::steady_clock::now();
-    std::chrono::system_clock::time_point system_ = std::chrono::system_clock::now();
 };
 
 /** A source that is looked at again and again. */
