@@ -129,7 +129,7 @@ private:
         for (const records::Component& component : records::components())
         {
             if (!now.has(component) || (options_.components.any() && !options_.components[component.index])) continue;
-            const std::string report = views::report_text(now, library_, component, options_.level);
+            const std::string report = views::report_text(now, library_, 1U << component.index, options_.level);
             std::vector<WatchLine>& before = reports_[component.index];
             before = views::report_watch_lines(component, report, before, comparison);
             append(before);
