@@ -32,17 +32,17 @@ public:
     void rest();
 
 private:
-    void look();
-    void forget();
-    const std::shared_ptr<const std::string>& text(views::MetricsFormat format);
-
     /** What is rendered of one moment in one format. */
     struct Rendering
     {
-        std::shared_ptr<const std::string> text;
+        std::shared_ptr<std::string> text; // kept for its memory, also when it is of an earlier moment
+        bool is_written = false;
         Response plain;
         Response compressed;
     };
+
+    void look();
+    const std::shared_ptr<std::string>& text(views::MetricsFormat format);
 
     const Decoders& decoders_;
     std::mutex mutex_;
