@@ -207,27 +207,26 @@ void run(const Options& options, bool has_times)
 void add_capture(CLI::App& app)
 {
     const auto options = std::make_shared<Options>();
-    CLI::App& command = add_command(app, "capture", "Append the records of a decoder to a capture file, again and again");
+    Command command(app, "capture", "Append the records of a decoder to a capture file, again and again");
     add_source(command, options->source);
-    command.add_option("FILE", options->file, "The capture file; a single word is this")->type_name("");
-    const CLI::Option* const every =
-        add_duration(command, "--every", options->every, std::chrono::milliseconds(1), "How often: 1s without it");
-    const CLI::Option* const lasts = add_duration(command, "--for", options->lasts, {}, "How long; without it, until a signal ends it");
-    const auto check = [](const std::string& value)
+    command.value("FILE", options->file, "The capture file; a single word is this");
+    const Option every = add_duration(command, "--every", options->every, std::chrono::milliseconds(1), "How often: 1s without it");
+    const Option lasts = add_duration(command, "--for", options->lasts, {}, "How long; without it, until a signal ends it");
+    const auto problem = [](const std::string& value)
     { return parse_rotation(value) ? std::string() : "'" + value + "' is neither 'day' nor a size as 64M"; };
-    command.add_option("--rotate", options->rotation, "Begin a new file each day, or when one has a size as 64M")
-        ->check({check, ""})
-        ->type_name("WHEN");
+    command.value("--rotate", options->rotation, "Begin a new file each day, or when one has a size as 64M")
+        .check(problem)
+        .value_name("WHEN");
     add_moment(command, "--from", options->from, "Of a capture file, leave out what is before");
     add_moment(command, "--to", options->to, "Of a capture file, leave out what is after");
-    command.callback(
+    command.run(
         [options, every, lasts]
         {
             if (options->file.empty()) std::swap(options->file, options->source.text);
             if (options->file.empty()) fail("FILE is required; see 'decstats capture --help'");
             try
             {
-                run(*options, every->count() + lasts->count() != 0);
+                run(*options, every.is_given() || lasts.is_given());
             }
             catch (const capture::Error& error)
             {

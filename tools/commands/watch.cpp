@@ -211,21 +211,17 @@ void write_lines(const Options& options)
 void add_watch(CLI::App& app, const LibraryFile& library)
 {
     const auto options = std::make_shared<Options>();
-    CLI::App& command = add_command(app, "watch", "Show a decoder again and again, on a terminal in place, else as lines of JSON");
+    Command command(app, "watch", "Show a decoder again and again, on a terminal in place, else as lines of JSON");
     add_source(command, options->source);
     add_duration(command, "--every", options->every, std::chrono::milliseconds(10), "How often: 1s without it");
-    command.add_option("--count", options->count, "How many times; without it, until a signal ends it")
-        ->check(CLI::PositiveNumber)
-        ->type_name("N");
+    command.value("--count", options->count, "How many times; without it, until a signal ends it").positive().value_name("N");
     add_fields(command, options->fields);
     add_components(command, options->components);
     add_level(command, options->level);
-    command.add_option("--speed", options->speed, "Play a capture file back so many times as fast as it was")
-        ->check(CLI::PositiveNumber)
-        ->type_name("N");
+    command.value("--speed", options->speed, "Play a capture file back so many times as fast as it was").positive().value_name("N");
     add_moment(command, "--from", options->from, "Of a capture file, begin at this moment");
     add_moment(command, "--to", options->to, "Of a capture file, end at this moment");
-    command.callback(
+    command.run(
         [options, &library]
         {
             if (can_paint())
