@@ -31,6 +31,8 @@ bool is_unused(Stage stage, const Window& window)
         return now == SMGR_CLOCK_TRACKING_DISABLED || now == SMGR_CLOCK_TRACKING_DISABLED_LOCK;
     }
     if (window.value(demuxed) == 0) return false; // it is not known yet what the stream has
+    const auto age = window.age(*flow(stage).last);
+    if (age && *age < window.value(uptime)) return false; // it had something for this stage
     switch (stage)
     {
     case Stage::framer:
