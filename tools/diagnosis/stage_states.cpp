@@ -127,8 +127,13 @@ StageResult observe(Stage stage, const Window& window)
     }
     if (!window.whole() || window.cleared(*counted.in) || window.cleared(*counted.out)) return observed;
     const Passed all = passed(counted, window);
-    observed.in = static_cast<double>(all.in) / window.seconds();
-    observed.out = static_cast<double>(all.out) / window.seconds();
+    const auto rate = [&](std::int64_t passed, const Reading& reading)
+    {
+        const double seconds = window.seconds(reading);
+        return seconds > 0 ? static_cast<double>(passed) / seconds : 0;
+    };
+    observed.in = rate(all.in, *counted.in);
+    observed.out = rate(all.out, *counted.out);
     observed.lost = all.lost;
     return observed;
 }
