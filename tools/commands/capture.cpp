@@ -18,6 +18,7 @@
 #include "failure.h"
 #include "live.h"
 #include "options.h"
+#include "series.h"
 #include "signals.h"
 
 namespace commands
@@ -113,37 +114,20 @@ private:
     std::string state_;
 };
 
-/** A source that is looked at again and again. */
-class Looks
+/** Appends what there is now, or tells why there is nothing. */
+void append_look(sources::Series& series, Capture& capture)
 {
-public:
-    explicit Looks(const sources::Source& source) : source_(source)
-    {
-        if (const auto path = sources::find_live(source)) live_.emplace(*path);
-    }
-
-    /** Appends what there is now, or tells why there is nothing. */
-    void append_to(Capture& capture)
-    {
-        if (!live_) return capture.append(sources::take(source_, {}));
-        const published::Look look = live_->look();
-        const published::State state = look.status.state;
-        capture.tell_state(sources::problem_of(look));
-        if (!std::exchange(has_looked_, true) && !published::has_records(state)) fail(look.status.text);
-        if (state == published::State::live && look.snapshot.present.any()) return capture.append(look.snapshot);
-        capture.mark_gap(GapCause::no_source, std::string(state_name(state)));
-    }
-
-private:
-    sources::Source source_;
-    std::optional<sources::LiveDecoder> live_;
-    bool has_looked_ = false;
-};
+    const std::optional<sources::Sight> sight = series.next({});
+    if (!sight) return;
+    capture.tell_state(sight->problem);
+    if (sight->snapshot && sight->snapshot->is_up.value_or(true)) return capture.append(*sight->snapshot);
+    capture.mark_gap(GapCause::no_source, sight->state);
+}
 
 void capture_looks(const Options& options, Capture& capture)
 {
     using std::chrono::steady_clock;
-    Looks looks(options.source);
+    const auto series = sources::open_series(options.source);
     const Signals signals({SIGINT, SIGTERM, SIGHUP});
     Clocks clocks;
     const steady_clock::time_point begin = steady_clock::now();
@@ -156,7 +140,7 @@ void capture_looks(const Options& options, Capture& capture)
             capture.mark_gap(GapCause::clock_changed, "by " + std::to_string(std::chrono::round<std::chrono::seconds>(set).count()) + " s");
         else if (passed > much)
             capture.mark_gap(GapCause::late, "");
-        looks.append_to(capture);
+        append_look(*series, capture);
 
         due += options.every;
         if (due < steady_clock::now()) due = steady_clock::now(); // what has been missed is not made up for
