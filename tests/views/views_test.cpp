@@ -52,6 +52,21 @@ bool has(const std::string& text, std::string_view part)
     return text.find(part) != std::string::npos;
 }
 
+TEST(Metrics, FurtherFamiliesStandBeforeTheEnd)
+{
+    const records::Snapshot snapshot = snapshot_of("a");
+    const records::Snapshot* const decoder = &snapshot;
+    for (const MetricsFormat format : {MetricsFormat::openmetrics, MetricsFormat::prometheus})
+    {
+        const std::string alone = metrics({&decoder, 1}, format);
+        std::string text;
+        views::write_metrics(text, {&decoder, 1}, format, "# TYPE other gauge\nother 1\n");
+        const std::string end(views::end_of_metrics(format));
+        EXPECT_EQ(text, alone.substr(0, alone.size() - end.size()) + "# TYPE other gauge\nother 1\n" + end);
+        EXPECT_EQ(end, format == MetricsFormat::openmetrics ? "# EOF\n" : "");
+    }
+}
+
 TEST(Json, WhatIsNotMeasuredIsNull)
 {
     records::Snapshot snapshot = snapshot_of("a");

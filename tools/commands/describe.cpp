@@ -8,6 +8,7 @@
 
 #include "commands.h"
 #include "description.h"
+#include "diagnosis_metrics.h"
 #include "failure.h"
 #include "field_search.h"
 #include "json.h"
@@ -72,7 +73,9 @@ std::string other_description(const std::string& name)
         const auto is_same = [](unsigned char a, unsigned char b) { return std::tolower(a) == std::tolower(b); };
         return std::ranges::equal(name, other, is_same);
     };
-    for (const views::PresenceFamily& family : views::presence_families)
+    for (const views::DecoderFamily& family : views::presence_families)
+        if (is_called(family.name)) return views::description(family);
+    for (const views::DecoderFamily& family : diagnosis::metric_families)
         if (is_called(family.name)) return views::description(family);
     for (const views::ManualEntry& entry : views::manual_entries())
         if (entry.component == nullptr && is_called(entry.label)) return views::description(entry);
