@@ -28,7 +28,7 @@ export function make_chain() {
     q("button").setAttribute("aria-describedby", `state-${stage.id} words-${stage.id}`);
     by_id("stages").append(row);
     rows.set(stage.id, { stage, row });
-    add_plot(row, stage.plot);
+    add_plot(row, stage);
   }
 }
 
@@ -69,7 +69,8 @@ function words(now, stage, finding) {
   if (finding) return [finding.title, finding.detail ? `: ${finding.detail}` : ""];
   const v = (name) => value_of(now.components, name);
   const [brief, rest = ""] = stage.words(v, (name) => value_text(name, v(name), now.taken));
-  return [brief, rest];
+  const cause = now.findings?.findings.findIndex(({ explains }) => explains.some((id) => id.startsWith(`${stage.id}.`))) ?? -1;
+  return [brief, cause < 0 ? rest : `${rest} \u00b7 follows from finding ${cause + 1}`];
 }
 
 function show_row(now, { stage, row }, i, states) {

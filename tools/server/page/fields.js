@@ -5,11 +5,14 @@
 import { bit_rate, clock, day, grouped, microseconds, milliseconds, rated, span } from "./text.js";
 
 export const dictionary = new Map(); // by public name, arrays as "sources[]"
+const sharers = new Map();           // by the label of a report's line the one field that it stands for, or null
 const last_times = new Map();        // of a counter, or an extreme, the field with its moment
 
 export function learn(description) {
   for (const field of description.fields) {
     dictionary.set(field.name, field);
+    if (field.kind !== "event_time" && field.kind !== "extreme")
+      for (const { label } of field.report_lines) sharers.set(label_key(field, label), sharers.has(label_key(field, label)) ? null : field.name);
     if (field.relation && ["last_of", "at_of"].includes(field.relation.type) && !last_times.has(field.relation.field))
       last_times.set(field.relation.field, field.name);
   }
@@ -17,11 +20,17 @@ export function learn(description) {
 
 export const field_of = (name) => dictionary.get(name.replace(/\[\d+\]/, "[]"));
 
-/** The field's label in the reports, or else its own name without the component. */
+/** Labels stand for the only number or state in their line; of a line with several, each field goes by its own name. */
+const label_key = (field, label) => `${field.name.replace(/[^.]*$/, "")} ${label}`;
+
+const ACRONYMS = /\b(afd|av|dts|fec|gop|id|klv|nal|ntp|pcrs?|pes|pid|pll|ppm|pps|pts|rtp|rtt|sdi|sei|sps|srt|stc|ts|vps)\b/g;
+
+/** The label of a field's line in the reports, or else its own name in words; of an array with the element's number, from 1 on. */
 export function label_of(name) {
-  const field = field_of(name);
-  const element = name.match(/\[(\d+)\]/);
-  const label = field?.report_lines[0]?.label ?? name.replace(/^\w+\./, "").replace(/\[\d+\]/, "").replaceAll(/[._]/g, " ");
+  const field = field_of(name), element = name.match(/\[(\d+)\]/);
+  const lines = field?.report_lines ?? [];
+  const own = name.replace(/^\w+\./, "").replace(/^\w+\[\d+\]\./, "").replaceAll(/[._]/g, " ").replace(ACRONYMS, (word) => word.toUpperCase().replace("PCRS", "PCRs"));
+  const label = lines.length === 1 && sharers.get(label_key(field, lines[0].label)) === field.name ? lines[0].label : own[0].toUpperCase() + own.slice(1);
   return element ? `${label} ${Number(element[1]) + 1}` : label;
 }
 
@@ -49,6 +58,7 @@ const numeric = (value) => typeof value === "number" || typeof value === "bigint
 function quantity(field, value) {
   if (typeof value === "number" && !Number.isInteger(value)) return `${rated(value)}${field.unit ? ` ${field.unit}` : ""}`;
   const size = Number(value);
+  if (field.kind === "counter" && field.unit !== "bytes") return grouped(value); // the label says of what
   switch (field.unit) {
     case "bit/s": return bit_rate(size);
     case "kbit/s": return bit_rate(size * 1000);

@@ -7,7 +7,6 @@ import { show_fields } from "./meaning.js";
 import { clock, day, grouped, moment, rated, span } from "./text.js";
 
 const SEVERITIES = { critical: ["Critical", "stopped"], warning: ["Warning", "degraded"], note: ["Note", "note"] };
-const SIGNS = { no_input: "no_input", unknown: "unknown" };
 
 const title_of = (findings, id) => findings.stages.find((stage) => stage.id === id)?.title ?? "Host process";
 
@@ -28,11 +27,11 @@ export const key_of = (findings) => [findings.verdict.state, findings.verdict.st
 export function show_verdict(now) {
   const { findings } = now, box = by_id("verdict"), verdict = findings?.verdict ?? { state: "unknown", headline: "Waiting for the first data", place: "" };
   box.dataset.state = verdict.state;
-  set_sign(box, SIGNS[verdict.state] ?? verdict.state);
+  set_sign(box, verdict.state);
   set_text(by_id("headline"), verdict.headline);
   by_id("kicker").hidden = !now.stale || !findings;
   set_text(by_id("kicker"), `Last known, ${clock(now.taken)} UTC`);
-  const first = verdict.stage && (verdict.state === "stopped" || verdict.state === "degraded");
+  const first = ["stopped", "degraded"].includes(verdict.state) && findings.stages.some(({ id }) => id === verdict.stage);
   by_id("first").hidden = !first;
   const link = by_id("first-link");
   set_text(link, first ? title_of(findings, verdict.stage) : "");
@@ -80,7 +79,8 @@ function show_finding(row, finding, index, now) {
   const since = finding.since_time;
   set_text(q(".f-since"), !since ? "" : now.stale ? ` \u00b7 since ${clock(since)}` : ` \u00b7 for ${span(now.taken - since)}`);
   set_text(q("h3"), finding.title + (finding.detail ? `: ${finding.detail}` : ""));
-  set_text(q(".f-explains"), finding.explains.length ? `Explains too: ${finding.explains.join(", ")}` : "");
+  const explained = finding.explains.map((id) => `${title_of(now.findings, id.split(".")[0])} (${id.split(".")[1].replaceAll("-", " ")})`);
+  set_text(q(".f-explains"), explained.length ? `Explains too: ${explained.join(", ")}` : "");
   set_text(q(".code"), finding.id);
   show_fields(q(".fields"), evidence_of(finding, now.findings.window ?? 0), now);
   set_text(q(".f-do h4"), now.stale ? "To do then" : "Do now");

@@ -145,7 +145,7 @@ async function begin() {
     learn(fields);
     by_id("token").hidden = true;
     if (name === null && list.decoders.length === 1) name = list.decoders[0].decoder;
-    by_id("all").hidden = list.decoders.length < 2;
+    by_id("all").hidden = name === null || list.decoders.length < 2;
     document.body.dataset.view = name === null ? "list" : "decoder";
     if (name === null) return poll("list", () => "api/v1/decoders", EVERY);
     listen_to_report(path(), () => held !== undefined);

@@ -38,7 +38,7 @@ function scale_of(plot, known, needed) {
 }
 
 const px = (v) => v.toFixed(1);
-const signed = (v) => grouped(v).replace("-", "\u2212");
+const scale_text = (v) => (Math.abs(v) < 10000 ? String(v) : `${v / 1000}k`).replace("-", "\u2212");
 
 /** A flag of a restart, or a diamond of a change. */
 function flag(mark, letter, x, y) {
@@ -75,8 +75,8 @@ export class Plot {
     this.describe_(known);
     if (!w) return;
     const [low, high] = scale_of(plot, known, needed > known.at(-1) ? needed : 0);
-    set_text(this.top_, signed(high));
-    set_text(this.bottom_, signed(low));
+    set_text(this.top_, scale_text(high));
+    set_text(this.bottom_, scale_text(low));
     const x = (time) => (1 + (time - scene.edge) / SHOWN) * w;
     const y = (v) => h - 0.75 - ((Math.min(Math.max(v, low), high) - low) / (high - low)) * (h - 1.5);
     s.replaceChildren();

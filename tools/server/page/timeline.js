@@ -8,15 +8,15 @@ import { SHOWN } from "./series.js";
 import { CHANGES } from "./stages.js";
 import { clock, moment, span } from "./text.js";
 
-const plots = []; // { plot, what: its entry in the table of the stages }
+const plots = []; // { plot, stage: its entry in the table of the stages }
 let scene, shown;
 let cursor = null; // the moment that the plots are read at [epoch s]; null is now
 
 const sizes = new ResizeObserver(() => draw());
 
-export function add_plot(row, what) {
-  const plot = new Plot(row, what);
-  plots.push({ plot, what });
+export function add_plot(row, stage) {
+  const plot = new Plot(row, stage.plot);
+  plots.push({ plot, stage });
   sizes.observe(plot.box);
 }
 
@@ -47,9 +47,10 @@ function draw() {
   if (!scene) return;
   if (cursor !== null && cursor < scene.edge - SHOWN) move_cursor(null);
   scene.cursor = cursor;
-  for (const { plot, what } of plots) {
-    const needed = what.needed && value_of(shown.components, what.needed);
-    plot.draw(scene, points(what, shown.series), needed ? Number(needed) : undefined);
+  for (const { plot, stage } of plots) {
+    const needed = stage.plot.needed && value_of(shown.components, stage.plot.needed);
+    const values = points(stage.plot, shown.series), idle = shown.findings?.stages.find(({ id }) => id === stage.id)?.state === "idle";
+    plot.draw(scene, idle && !values.some(Boolean) ? values.map(() => null) : values, needed ? Number(needed) : undefined);
   }
   draw_axis(scene);
 }
