@@ -7,29 +7,31 @@ import { clock, span } from "./text.js";
 
 const LATE = 2.5; // two updates missed [s]
 const GONE = 5;   // five updates missed [s]
-const LIVE_STATES = ["live", "running", "starting"];
+const LIVE_STATES = ["live", "starting"];
+const ENDED_STATES = ["stale", "closed", "missing"];
 
 const LOOK = "Look at the picture itself, then check";
 const SERVER_AWAY = "The decoder may be fine: look at the picture itself, then check the network of this device, and the server.";
 const HOST_AWAY = `The server answers; the host process of the decoder does not. The output may be gone too. ${LOOK} power and host process of the unit.`;
 
 /**
- * @param age of the data [s]; Infinity if there is none yet
+ * Judges from the server's side how fresh the data is: whether its answers come, and what it says about the decoder. How often the host
+ * updates its records is for the server to judge.
+ * @param silence since the last answers were asked for, @param age of the data [s]; Infinity if there are none yet
  * @param state what the server says about the decoder; undefined as long as it has said nothing
  * @param failure that of the last try, or undefined
  * @return { word: live, late or gone, what, why }
  */
-export function judge(age, state, failure) {
-  const since = Number.isFinite(age) ? ` for ${span(age)}` : "";
-  const gone = (what, why) => ({ word: "gone", what, why });
-  if (failure?.status === 404) return gone(Number.isFinite(age) ? `The decoder stopped publishing ${span(age)} ago.` : "No decoder of this name is published here.", HOST_AWAY);
-  if (failure && (age >= GONE || !Number.isFinite(age)))
-    return failure.status ? gone(`The server answers with an error${since} (${failure.message}).`, `${LOOK} the server.`) : gone(`No answer from the server${since}.`, SERVER_AWAY);
-  if (state === "hung") return gone(`The decoder hangs${since}.`, `Its host process is there, but does not update its records any more. ${LOOK} what the log of the process says last.`);
-  if (state === "stale" || state === "ended") return gone(`The decoder ended ${span(age)} ago.`, `Its host process is gone. ${LOOK} power and host process of the unit.`);
-  if (state !== undefined && !LIVE_STATES.includes(state)) return gone(`This is not a live decoder: ${state}.`, "Everything below is of the last moment that is known.");
-  if (age >= GONE && state !== undefined) return gone(`No answer from the server${since}.`, SERVER_AWAY);
-  return { word: age >= LATE ? "late" : "live", what: "", why: "" };
+export function judge(silence, age, state, failure) {
+  const gone = (what, why) => ({ word: "gone", what, why }), since = Number.isFinite(silence) ? ` for ${span(silence)}` : "";
+  if (failure?.status === 404) return Number.isFinite(age) ? gone(`The decoder stopped publishing ${span(age)} ago.`, HOST_AWAY) : gone("No decoder of this name is published here.", HOST_AWAY);
+  if (silence >= GONE && (failure || state !== undefined))
+    return failure?.status ? gone(`The server answers with an error${since} (${failure.message}).`, `${LOOK} the server.`) : gone(`No answer from the server${since}.`, SERVER_AWAY);
+  if (ENDED_STATES.includes(state)) return gone(`The decoder stopped publishing ${span(age)} ago.`, HOST_AWAY);
+  if (state === "hung") return gone(`The decoder hangs: no sign of life for ${span(age)}.`, `Its host process is there, but does not update its records any more. ${LOOK} what the log of the process says last.`);
+  if (state === "captured") return gone("These are records out of a capture file.", "Everything below is of the last moment in the file.");
+  if (state !== undefined && !LIVE_STATES.includes(state)) return gone(`The decoder cannot be read: ${state}.`, "The server says so. Everything below is of the last moment that is known.");
+  return { word: silence >= LATE ? "late" : "live", what: "", why: "" };
 }
 
 /** Shows how fresh the data is. @param taken the moment of the data [epoch s], or null */

@@ -17,6 +17,7 @@ import { clock, day, moment, span } from "./text.js";
 import { listen_to_timeline } from "./timeline.js";
 
 const EVERY = 1000; // from one snapshot to the next [ms]
+const MOST_FIELDS = 32; // that the server tells the past of in one answer
 const MISSED = 3;   // without a sample for so long, what the server remembers is asked for again [s]
 
 const series = new Series(SAMPLED);
@@ -32,20 +33,19 @@ const needed = () => (name === null ? ["list"] : ["snapshot", "findings"]);
 
 /* ---- What is known ---- */
 
-/** How old what is shown is: as old as the older of the answers, and as the server says the records are [s]. */
+/** How old what is shown is: what the answers are, and what the records were when the server looked [s]. */
 function age() {
-  return Math.max(...needed().map((what) => {
-    if (!answers[what]) return Infinity;
-    const { answer, asked } = answers[what];
-    const behind = what === "snapshot" && answer.now !== undefined ? moment(answer.now) - moment(answer.taken_at) : 0;
-    return (performance.now() - asked) / 1000 + Math.max(0, behind);
-  }));
+  const { snapshot } = answers, behind = snapshot ? moment(snapshot.answer.now) - moment(snapshot.answer.taken_at) : 0;
+  return silence() + Math.max(0, behind);
 }
+
+/** How long ago the older of the answers was asked for [s]. */
+const silence = () => Math.max(...needed().map((what) => (answers[what] ? (performance.now() - answers[what].asked) / 1000 : Infinity)));
 
 /** What everything on the page is shown from. */
 function known() {
   const { snapshot, findings } = held ?? answers, taken = moment((snapshot?.answer ?? { taken_at: 0 }).taken_at);
-  const edge = liveness.word === "gone" ? taken + age() : taken;
+  const edge = liveness.word === "gone" && snapshot?.answer.state !== "captured" ? taken + age() : taken;
   return { components: snapshot?.answer.components ?? {}, instance: snapshot?.answer.instance, findings: findings?.answer, taken, edge, series, stale: ["gone", "held"].includes(liveness.word) };
 }
 
@@ -92,7 +92,7 @@ function tick() {
   const old = age(), state = (answers.snapshot ?? answers.list)?.answer.state ?? (answers.list ? "live" : undefined);
   const failure = needed().map((what) => failures[what]).find(Boolean);
   const before = liveness.word;
-  liveness = held ? { word: "held" } : judge(old, state, failure);
+  liveness = held ? { word: "held" } : judge(silence(), old, state, failure);
   const retry = Math.max(0, ...polls.map((poll) => (poll.next - performance.now()) / 1000));
   const taken = moment((held ?? answers).snapshot?.answer.taken_at ?? answers.list?.answer.taken_at ?? 0);
   show_liveness(liveness, held ? 0 : old, taken, retry);
@@ -114,7 +114,7 @@ function took(what, answer, asked) {
 /** A sample for the plots; what was missed meanwhile, as while people held the page, the server may remember. */
 function sample(snapshot) {
   const taken = moment(snapshot.taken_at);
-  if (series.length && taken - series.times.at(-1) > MISSED) load_history(taken);
+  if (!series.length || taken - series.times.at(-1) > MISSED) load_history(taken);
   series.append(taken, snapshot.instance?.id, (field) => numeric(value_of(snapshot.components, field)));
 }
 
@@ -128,14 +128,22 @@ function failed(what, failure) {
 
 const poll = (what, path_of, every) => polls.push(new Poll(path_of, every, (answer, asked) => took(what, answer, asked), (failure) => failed(what, failure)));
 
-async function load_history(now) {
-  const query = new URLSearchParams(SAMPLED.map((field) => ["field", field]));
-  query.append("from", String(Math.floor(now - SHOWN)));
+/** What the server remembers of the ten minutes up to a moment, in as many requests as it wants. */
+async function load_history(to) {
+  const parts = [];
   try {
-    series.load(await ask(`${path()}/history?${query}`));
-  } catch (failure) {
-    if (failure.status === 401) want_token(); // else the plots begin now
+    for (let first = 0; first < SAMPLED.length; first += MOST_FIELDS) {
+      const query = new URLSearchParams(SAMPLED.slice(first, first + MOST_FIELDS).map((field) => ["field", field]));
+      query.append("from", (to - SHOWN).toFixed(3));
+      query.append("to", to.toFixed(3));
+      parts.push(await ask(`${path()}/history?${query}`));
+    }
+  } catch {
+    return; // the plots begin now
   }
+  if (parts.some(({ times }) => times.length !== parts[0].times.length)) return; // it forgot something meanwhile
+  series.load({ ...parts[0], fields: Object.assign({}, ...parts.map(({ fields }) => fields)) });
+  if (!held) show();
 }
 
 /** The server tells which decoders there are; one alone is shown at once. */
@@ -149,7 +157,6 @@ async function begin() {
     document.body.dataset.view = name === null ? "list" : "decoder";
     if (name === null) return poll("list", () => "api/v1/decoders", EVERY);
     listen_to_report(path(), () => held !== undefined);
-    await load_history(moment(list.taken_at));
     poll("snapshot", path, EVERY);
     poll("findings", () => `${path()}/findings`, EVERY);
   } catch (failure) {
