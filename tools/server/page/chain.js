@@ -67,8 +67,9 @@ function set_figure(dd, { n, u }, cls) {
 /** The words of a row: what its worst finding says, or what the fields say. */
 function words(now, stage, finding) {
   if (finding) return [finding.title, finding.detail ? `: ${finding.detail}` : ""];
-  const v = (name) => value_of(now.components, name);
-  const [brief, rest = ""] = stage.words(v, (name) => value_text(name, v(name), now.taken));
+  const exact = (name) => value_of(now.components, name);
+  const v = (name) => (typeof exact(name) === "bigint" ? Number(exact(name)) : exact(name));
+  const [brief, rest = ""] = stage.words(v, (name) => value_text(name, exact(name), now.taken));
   const cause = now.findings?.findings.findIndex(({ explains }) => explains.some((id) => id.startsWith(`${stage.id}.`))) ?? -1;
   return [brief, cause < 0 ? rest : `${rest} \u00b7 follows from finding ${cause + 1}`];
 }

@@ -18,8 +18,8 @@ function show_row(row, { decoder, state, instance, problem }) {
   const live = state === "live", verdict = live && verdicts.get(decoder)?.verdict;
   row.dataset.state = live ? verdict?.state ?? "unknown" : "idle";
   set_sign(row, live ? row.dataset.state : "notlive");
-  set_text(row.querySelector(".d-verdict"), live ? verdict?.headline ?? "" : "Not live");
-  set_text(row.querySelector(".d-state"), live ? "Live" : problem ? `${state}: ${problem}` : state);
+  set_text(row.querySelector(".d-verdict"), live ? verdict?.headline ?? "" : `Not live${problem ? `: ${problem}` : ""}`);
+  set_text(row.querySelector(".d-state"), live ? "Live" : state);
   const started = instance && moment(instance.started_at);
   set_text(row.querySelector(".d-since"), started ? `since ${day(started)} ${clock(started)} UTC` : "");
   set_attribute(row, "class", live ? "" : "away");

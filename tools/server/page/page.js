@@ -54,7 +54,7 @@ function known() {
 function show_header(now) {
   set_text(by_id("decoder"), name);
   if (!now.instance) return;
-  const started = moment(now.instance.started_at), uptime = value_of(now.components, "tdemux.uptime");
+  const started = moment(now.instance.started_at), uptime = Number(value_of(now.components, "tdemux.uptime") ?? 0);
   set_text(by_id("instance"), now.instance.id.slice(0, 8));
   by_id("instance").title = now.instance.id;
   set_text(by_id("up"), uptime ? span(uptime) : span(now.taken - started));

@@ -2,7 +2,7 @@
  * The chain as a table: for each stage the counters that are its input, its output and its losses, the words beside its name, the plot,
  * and the fields that open below it. The diagnosis tells the states; here is nothing but what to look at.
  */
-import { grouped, microseconds, milliseconds } from "./text.js";
+import { microseconds, milliseconds } from "./text.js";
 
 const CHANNELS = [0, 1, 2, 3];
 const of_channels = (member) => CHANNELS.map((i) => `metadata.channels[${i}].${member}`);
@@ -31,7 +31,7 @@ function link(v, t) {
   if (v("tdemux.fec.columns") !== undefined) {
     const recovered = v("tdemux.fec.recovered_packets");
     return ["Pro-MPEG FEC", more(`${v("tdemux.fec.columns") ?? "?"}\u00d7${v("tdemux.fec.rows") ?? "?"}${v("tdemux.fec.row_fec") ? ", rows too" : ", columns only"}`,
-      recovered ? `${grouped(recovered)} recovered` : "")];
+      recovered ? `${t("tdemux.fec.recovered_packets")} recovered` : "")];
   }
   return [v("tdemux.received_packets") ? `${t("tdemux.encapsulation")}, no protection` : "No link yet"];
 }

@@ -20,7 +20,7 @@ export function rated(value) {
 
 /** "2d 03h 25m 40s": the largest part that is not 0 leads. At most so many parts. */
 export function span(seconds, parts = 4) {
-  let left = Math.max(0, Math.floor(seconds));
+  let left = Math.max(0, Math.floor(Number(seconds)));
   const found = [];
   for (const [size, unit] of [[86400, "d"], [3600, "h"], [60, "m"], [1, "s"]]) {
     const part = Math.floor(left / size);
@@ -50,9 +50,15 @@ export function microseconds(value) {
 }
 
 /** Time of day, UTC, of seconds since the epoch. */
-export const clock = (epoch) => new Date(epoch * 1000).toISOString().slice(11, 19);
+export const clock = (epoch) => iso(epoch)[1].slice(0, 8);
 
-export const day = (epoch) => new Date(epoch * 1000).toISOString().slice(0, 10);
+export const day = (epoch) => iso(epoch)[0];
+
+/** Day and time; a record may hold any number, also such as no calendar has. */
+function iso(epoch) {
+  const date = new Date(epoch * 1000);
+  return Number.isNaN(date.getTime()) ? [`${epoch}`, `${epoch} s`] : date.toISOString().split("T");
+}
 
 /** Seconds since the epoch of a moment in RFC 3339, or of what already is a number. */
 export const moment = (value) => (typeof value === "number" ? value : Date.parse(value) / 1000);
