@@ -132,6 +132,7 @@ class Page(PageTest):
         until(lambda: "stopped publishing" in self.text("#notlive-what"), "that it has ended", 8)
         self.not_live()
         until(lambda: re.search(r"no data since \d\d:\d\d:\d\d", self.text("#marks")), "the hatching", 5)
+        time.sleep(1)  # with the time that it took to be seen, more than the longest step between two samples
         self.unit.simulate("host")
         until(lambda: self.live() == "live" and "decoder restarted" in self.text("#marks"), "the restart", 8)
         self.assertRegex(self.text("#marks"), r"no data for \d+s")
