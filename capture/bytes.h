@@ -67,6 +67,7 @@ public:
     }
 
     std::vector<std::byte>& bytes() { return bytes_; }
+    const std::vector<std::byte>& bytes() const { return bytes_; }
 
 private:
     std::vector<std::byte> bytes_;

@@ -1,5 +1,5 @@
-# What "cmake --install" installs: the libraries with their headers, examples, pkg-config files and CMake package, and decstats
-# with its manual pages and completions; the target "delivered" builds it. No installed file names a folder of the machine, so the whole may be moved.
+# What "cmake --install" installs: the libraries with their headers, examples, pkg-config files and CMake package, decstats
+# and decstats-serve with their manual pages and completions; the target "delivered" builds it. No installed file names a folder of the machine, so the whole may be moved.
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
@@ -45,15 +45,20 @@ endforeach()
 
 # ---- The tool ----
 
-# decstats finds the library from its own folder. The build has the folders of the installation, so that one run path holds in
+# The programs find the library from their own folder. The build has the folders of the installation, so that one run path holds in
 # both, and nothing has to be changed in what was linked.
 set_target_properties(stats PROPERTIES LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/${CMAKE_INSTALL_LIBDIR})
 if(STATS_TOOLS)
     file(RELATIVE_PATH library_folder ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
-    set_target_properties(decstats PROPERTIES
+    set(programs decstats)
+    if(STATS_SERVER)
+        list(APPEND programs decstats-serve)
+        add_dependencies(delivered decstats-serve)
+    endif()
+    set_target_properties(${programs} PROPERTIES
         INSTALL_RPATH "$ORIGIN/${library_folder}"
         RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/${CMAKE_INSTALL_BINDIR})
-    install(TARGETS decstats RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+    install(TARGETS ${programs} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 
     install(FILES packaging/completions/decstats.bash
             DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME decstats)
@@ -66,6 +71,9 @@ endif()
 file(GLOB manual_pages CONFIGURE_DEPENDS man/*.[135])
 if(NOT STATS_SOFTDEC)
     list(FILTER manual_pages EXCLUDE REGEX "/softdec\\.1$")
+endif()
+if(NOT STATS_SERVER)
+    list(FILTER manual_pages EXCLUDE REGEX "/decstats-serve\\.1$")
 endif()
 foreach(page ${manual_pages})
     string(REGEX REPLACE ".*\\." "man" section ${page})

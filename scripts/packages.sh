@@ -1,13 +1,13 @@
 # Sourced by the scripts beside it: installs the Debian packages that are missing, without questions.
 
-build_packages="g++ cmake ninja-build libcli11-dev rapidjson-dev"
-test_packages="$build_packages clang clang-format clang-tidy libgtest-dev binutils locales valgrind abigail-tools pkg-config groff-base
+build_packages="g++ cmake ninja-build pkg-config libcli11-dev rapidjson-dev libmicrohttpd-dev zlib1g-dev"
+test_packages="$build_packages clang clang-format clang-tidy libgtest-dev binutils locales valgrind abigail-tools groff-base
     lld python3 python3-jsonschema python3-prometheus-client jq strace"
 complete_packages="prometheus" # for promtool
 target_packages="g++-aarch64-linux-gnu qemu-user googletest"
 package_packages="$build_packages build-essential debhelper lintian"
 fuzz_packages="$build_packages clang libclang-rt-14-dev"
-softdec_packages="$build_packages pkg-config libavcodec-dev libavutil-dev libdvbpsi-dev libbitstream-dev libpcap0.8-dev"
+softdec_packages="$build_packages libavcodec-dev libavutil-dev libdvbpsi-dev libbitstream-dev libpcap0.8-dev"
 bench_packages="$build_packages libbenchmark-dev libfmt-dev libzstd-dev valgrind nlohmann-json3-dev prometheus-cpp-dev"
 
 # install_packages PACKAGE...

@@ -20,26 +20,35 @@ struct CloseDirectory
 
 } // namespace
 
-Listing list(const std::string& directory)
+std::vector<std::string> names(const std::string& directory, std::optional<Status>& problem)
 {
-    Listing listing;
+    std::vector<std::string> found;
     const std::unique_ptr<DIR, CloseDirectory> open(opendir(directory.c_str()));
     if (!open)
     {
-        listing.problem = why_not_opened(directory, errno);
-        return listing;
+        problem = why_not_opened(directory, errno);
+        return found;
     }
     while (const dirent* entry = readdir(open.get()))
     {
         std::string_view name = entry->d_name;
         if (!name.ends_with(suffix)) continue;
         name.remove_suffix(suffix.size());
-        if (!is_name(name)) continue;
-        Listed listed = {.name = std::string(name), .path = path_of(directory, name), .status = {}};
-        listed.status = Decoder(listed.path).status();
+        if (is_name(name)) found.emplace_back(name);
+    }
+    std::ranges::sort(found);
+    return found;
+}
+
+Listing list(const std::string& directory)
+{
+    Listing listing;
+    for (std::string& name : names(directory, listing.problem))
+    {
+        const std::string path = path_of(directory, name);
+        Listed listed = {.name = std::move(name), .path = path, .status = Decoder(path).status()};
         if (listed.status.state != State::missing && listed.status.state != State::closed) listing.decoders.push_back(std::move(listed));
     }
-    std::ranges::sort(listing.decoders, {}, &Listed::name);
     return listing;
 }
 

@@ -30,6 +30,12 @@ struct Listing
     std::vector<Listed> decoders;  /**< by name; those that cannot be read are among them */
 };
 
+/**
+ * The names of the decoders whose files a directory holds, in order, without a look at the files.
+ * @param problem why the directory cannot be listed
+ */
+std::vector<std::string> names(const std::string& directory, std::optional<Status>& problem);
+
 /** Lists a directory. Files that vanish meanwhile are not in it. */
 Listing list(const std::string& directory);
 

@@ -142,4 +142,14 @@ void Command::run(const std::function<void()>& action)
     app_->callback(action);
 }
 
+void add_program(CLI::App& app, const std::string& name, const std::string& description,
+                 const std::function<void(std::vector<std::string> words)>& run)
+{
+    CLI::App* const program = app.add_subcommand(name, description);
+    program->prefix_command();
+    program->fallthrough(false);
+    program->set_help_flag();
+    program->final_callback([program, run] { run(program->remaining()); });
+}
+
 } // namespace commands

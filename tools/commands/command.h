@@ -90,6 +90,10 @@ private:
     CLI::App* app_;
 };
 
+/** Adds a command that is a program of its own: @p run gets all the words behind its name, "--help" among them. */
+void add_program(CLI::App& app, const std::string& name, const std::string& description,
+                 const std::function<void(std::vector<std::string> words)>& run);
+
 /** A list of names in a text. */
 std::string joined(const std::vector<std::string>& names);
 

@@ -125,6 +125,7 @@ int run(int argc, char** argv, void (*close_output)())
     add_demo(app, library);
     add_print(app, library);
     add_sample(app);
+    add_serve(app, library);
     add_simulate(app);
     add_version(app, library);
 

@@ -32,6 +32,7 @@ void add_list(CLI::App& app);
 void add_print(CLI::App& app, const LibraryFile& library);
 void add_repair(CLI::App& app);
 void add_sample(CLI::App& app);
+void add_serve(CLI::App& app, const LibraryFile& library);
 void add_show(CLI::App& app, const LibraryFile& library);
 void add_simulate(CLI::App& app);
 void add_version(CLI::App& app, const LibraryFile& library);

@@ -82,7 +82,7 @@ void Screen::append_body(const records::Snapshot& now, const views::Comparison* 
     for (const records::Component& component : records::components())
     {
         if (!now.has(component) || (watched_.components.any() && !watched_.components[component.index])) continue;
-        const std::string report = views::report_text(now, library_, component, watched_.level);
+        const std::string report = views::report_text(now, library_, 1U << component.index, watched_.level);
         std::vector<WatchLine>& before = reports_[component.index];
         before = views::report_watch_lines(component, report, before, comparison);
         append_all(before);

@@ -153,6 +153,13 @@ void Diagnosis::follow(const Window& window)
         if (!episode.over && result_.taken_at - episode.last > hold) episode.over = true;
 }
 
+void Diagnosis::forget(std::int64_t before, std::size_t most)
+{
+    std::erase_if(episodes_, [before](const Episode& episode) { return episode.over && episode.last < before; });
+    for (auto episode = episodes_.begin(); episodes_.size() > most && episode != episodes_.end();)
+        episode = episode->over ? episodes_.erase(episode) : episode + 1;
+}
+
 Result diagnose(const records::Snapshot& now)
 {
     Diagnosis diagnosis;

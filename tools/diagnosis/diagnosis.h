@@ -141,6 +141,9 @@ public:
     /** The findings so far, with begin and end. */
     const std::vector<Episode>& episodes() const { return episodes_; }
 
+    /** Forgets findings that were over before a moment, and the oldest of those that are over above a number of them. */
+    void forget(std::int64_t before, std::size_t most);
+
 private:
     void evaluate(const Window& window);
     std::vector<Finding> hold_back(const Window& window);

@@ -146,13 +146,8 @@ void objects_member(JsonWriter& writer, std::string_view name, const Elements& e
     writer.end_array();
 }
 
-} // namespace
-
-std::string json(const Result& result, const records::Snapshot& snapshot)
+void write_result(JsonWriter& writer, const Result& result)
 {
-    JsonWriter writer;
-    writer.start_object();
-    writer.envelope(json_schema_id, snapshot);
     rate_member(writer, "window", result.seconds > 0 ? std::optional(result.seconds) : std::nullopt);
     writer.object_member("verdict", [&] { write_verdict(writer, result); });
     objects_member(writer, "stages", result.stages, [&](const StageResult& stage) { write_stage(writer, stage, result); });
@@ -164,16 +159,11 @@ std::string json(const Result& result, const records::Snapshot& snapshot)
                        writer.member("field", unseen.field);
                        writer.member("reason", unseen.absent ? "no_record" : "not_measured");
                    });
-    writer.end_object();
-    return writer.str();
 }
 
-std::string json(const std::vector<Episode>& episodes, const records::Snapshot& snapshot)
+void write_episodes(JsonWriter& writer, const std::vector<Episode>& episodes)
 {
     constexpr std::int64_t second = 1'000'000'000; // [ns]
-    JsonWriter writer;
-    writer.start_object();
-    writer.envelope(json_schema_id, snapshot);
     objects_member(writer, "episodes", episodes,
                    [&](const Episode& episode)
                    {
@@ -182,8 +172,39 @@ std::string json(const std::vector<Episode>& episodes, const records::Snapshot& 
                        integer_member(writer, "end_time", episode.over ? std::optional(episode.last / second) : std::nullopt);
                        writer.member("action", episode.finding.rule->remedy);
                    });
+}
+
+/** An object with the envelope and what is written into it. */
+template <typename Write> std::string object(const records::Snapshot& snapshot, const Write& write)
+{
+    JsonWriter writer;
+    writer.start_object();
+    writer.envelope(json_schema_id, snapshot);
+    write(writer);
     writer.end_object();
     return writer.str();
+}
+
+} // namespace
+
+std::string json(const Result& result, const records::Snapshot& snapshot)
+{
+    return object(snapshot, [&](JsonWriter& writer) { write_result(writer, result); });
+}
+
+std::string json(const Result& result, const std::vector<Episode>& episodes, const records::Snapshot& snapshot)
+{
+    const auto write = [&](JsonWriter& writer)
+    {
+        write_result(writer, result);
+        write_episodes(writer, episodes);
+    };
+    return object(snapshot, write);
+}
+
+std::string json(const std::vector<Episode>& episodes, const records::Snapshot& snapshot)
+{
+    return object(snapshot, [&](JsonWriter& writer) { write_episodes(writer, episodes); });
 }
 
 } // namespace diagnosis

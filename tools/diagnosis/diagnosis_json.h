@@ -25,6 +25,9 @@ inline constexpr std::string_view json_schema_id = "decstats-diagnosis/1";
  */
 std::string json(const Result& result, const records::Snapshot& snapshot);
 
+/** The same with the findings over time in a member "episodes". */
+std::string json(const Result& result, const std::vector<Episode>& episodes, const records::Snapshot& snapshot);
+
 /**
  * Findings over time as one line of JSON.
  * @param snapshot the last moment

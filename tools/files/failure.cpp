@@ -2,6 +2,8 @@
 
 #include <cstdio>
 
+#include "program.h"
+
 namespace files
 {
 
@@ -25,7 +27,7 @@ std::string printable(std::string_view text)
 
 void warn(std::string_view message)
 {
-    std::fprintf(stderr, "decstats: %s\n", printable(message).c_str());
+    std::fprintf(stderr, "%s: %s\n", program_name(), printable(message).c_str());
 }
 
 std::string shown(const std::string& path)

@@ -116,6 +116,11 @@ std::string problem_of(const published::Look& look)
     return text;
 }
 
+std::int64_t updated_at(const published::Look& look)
+{
+    return look.status.state == State::hung ? last_published_at(look.status) : look.snapshot.taken_at;
+}
+
 records::Snapshot take_live(const std::string& path, bool as_last_updated)
 {
     published::Look look = LiveDecoder(path).look();
@@ -124,7 +129,7 @@ records::Snapshot take_live(const std::string& path, bool as_last_updated)
         fail(problem.empty() ? path + ": nothing has been published yet" : problem);
     if (!problem.empty()) files::warn(problem);
     look.snapshot.is_up = look.status.state == State::live;
-    if (as_last_updated && look.status.state == State::hung) look.snapshot.taken_at = last_published_at(look.status);
+    if (as_last_updated) look.snapshot.taken_at = updated_at(look);
     return std::move(look.snapshot);
 }
 

@@ -40,6 +40,12 @@ private:
 std::string problem_of(const published::Look& look);
 
 /**
+ * The moment that a look's records stand for where programs are told: of a host that hangs, when it last published; else the look's.
+ * [ns since the epoch, UTC]
+ */
+std::int64_t updated_at(const published::Look& look);
+
+/**
  * Takes a Snapshot of a live decoder, which tells whether it is up. What is wrong with it is told on standard error.
  * @param as_last_updated of a host that hangs, the moment is when it last published; false = now
  * @throw Failure if it has no record to show

@@ -37,8 +37,9 @@ std::string_view record_state_name(RecordState state)
     return names[static_cast<std::size_t>(state)];
 }
 
-void decoder_object(JsonWriter& writer, const published::Listed& decoder, std::int64_t now)
+void decoder_object(JsonWriter& writer, const NamedDecoder& named, std::int64_t now)
 {
+    const published::Listed& decoder = *named.decoder;
     const published::Status& status = decoder.status;
     const bool is_known = published::has_records(status.state);
     const auto text_or_null = [&](std::string_view name, const std::string& text)
@@ -52,7 +53,7 @@ void decoder_object(JsonWriter& writer, const published::Listed& decoder, std::i
     writer.start_object();
     writer.member("decoder", decoder.name);
     writer.member("path", valid_utf8(decoder.path));
-    writer.member("state", published::state_name(status.state));
+    writer.member("state", named.state);
     text_or_null("problem", status.text);
     text_or_null("host", status.host);
     writer.key("instance");
@@ -120,6 +121,13 @@ std::string decoder_lines(const published::Listing& listing, std::int64_t now)
 
 std::string decoders_json(const published::Listing& listing, const std::string& directory, std::int64_t now)
 {
+    std::vector<NamedDecoder> named;
+    for (const published::Listed& decoder : listing.decoders) named.push_back({&decoder, published::state_name(decoder.status.state)});
+    return decoders_json(named, directory, now);
+}
+
+std::string decoders_json(std::span<const NamedDecoder> decoders, const std::string& directory, std::int64_t now)
+{
     JsonWriter writer;
     writer.start_object();
     writer.member("schema", "decstats-list/1");
@@ -127,7 +135,7 @@ std::string decoders_json(const published::Listing& listing, const std::string& 
     writer.member("taken_at", moment_text(now));
     writer.key("decoders");
     writer.start_array();
-    for (const published::Listed& decoder : listing.decoders) decoder_object(writer, decoder, now);
+    for (const NamedDecoder& decoder : decoders) decoder_object(writer, decoder, now);
     writer.end_array();
     writer.end_object();
     return writer.str();

@@ -6,7 +6,9 @@
 #define VIEWS_DECODER_LIST_H
 
 #include <cstdint>
+#include <span>
 #include <string>
+#include <string_view>
 
 #include "list.h"
 
@@ -22,6 +24,16 @@ std::string decoder_lines(const published::Listing& listing, std::int64_t now);
 
 /** The same as one line of JSON. @param directory what was listed @return without the newline at its end */
 std::string decoders_json(const published::Listing& listing, const std::string& directory, std::int64_t now);
+
+/** A decoder as someone lists it who knows more kinds than those that are published. */
+struct NamedDecoder
+{
+    const published::Listed* decoder;
+    std::string_view state; /**< the word of its state */
+};
+
+/** The same of such decoders. */
+std::string decoders_json(std::span<const NamedDecoder> decoders, const std::string& directory, std::int64_t now);
 
 } // namespace views
 

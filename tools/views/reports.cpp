@@ -21,8 +21,8 @@ namespace views
 namespace
 {
 
-/** Where time() stands; nothing = it runs. */
-std::optional<time_t> report_clock;
+/** Where time() stands for this thread; nothing = it runs. */
+constinit thread_local std::optional<time_t> report_clock;
 
 [[noreturn]] void fail(const std::string& message)
 {
@@ -128,10 +128,10 @@ void print_reports(const records::Snapshot& snapshot, const std::optional<std::s
 }
 
 std::string report_text(const records::Snapshot& snapshot, const std::optional<std::string>& library_file,
-                        const records::Component& component, STATS_LEVEL level)
+                        const std::bitset<records::component_count>& components, STATS_LEVEL level)
 {
     const ReportLibrary library(library_file);
-    const std::vector<Report> reports = find_reports(library, snapshot, 1U << component.index);
+    const std::vector<Report> reports = find_reports(library, snapshot, components);
     const OutputAsText output;
     print(snapshot, reports, level);
     return output.text();

@@ -25,9 +25,9 @@ namespace views
 void print_reports(const records::Snapshot& snapshot, const std::optional<std::string>& library_file,
                    const std::bitset<records::component_count>& components, STATS_LEVEL level);
 
-/** The report of one component as print_reports() prints it. @throw Failure as there */
+/** The same as a text. Standard output is another stream meanwhile, so nothing else of the process may use it. @throw Failure */
 std::string report_text(const records::Snapshot& snapshot, const std::optional<std::string>& library_file,
-                        const records::Component& component, STATS_LEVEL level);
+                        const std::bitset<records::component_count>& components, STATS_LEVEL level);
 
 } // namespace views
 

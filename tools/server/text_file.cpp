@@ -1,0 +1,21 @@
+#include "text_file.h"
+
+#include <span>
+
+#include "failure.h"
+#include "input_file.h"
+
+namespace server
+{
+
+std::string read_text_file(const std::string& path)
+{
+    constexpr std::size_t most = std::size_t{64} * 1024;
+    files::InputFile file(path);
+    std::string text(most + 1, '\0');
+    text.resize(file.read(std::as_writable_bytes(std::span(text))));
+    if (text.size() > most) throw files::Failure(files::ExitStatus::input_failed, files::shown(path) + ": is longer than 64 KiB");
+    return text;
+}
+
+} // namespace server

@@ -1,0 +1,89 @@
+#include "watched_decoder.h"
+
+#include <utility>
+
+#include "bounds.h"
+#include "diagnosis_json.h"
+
+namespace server
+{
+
+using std::chrono::steady_clock;
+
+WatchedDecoder::WatchedDecoder(std::unique_ptr<Origin> origin) : origin_(std::move(origin)), diagnosis_({.window = diagnosis_window}) {}
+
+const SightPointer& WatchedDecoder::refresh(std::chrono::nanoseconds age)
+{
+    const steady_clock::time_point now = steady_clock::now();
+    if (sight_ && now - seen_at_ < age) return sight_;
+    sight_ = std::make_shared<const Sight>(origin_->look());
+    seen_at_ = now;
+    if (sight_->is_listed)
+        gone_since_.reset();
+    else if (!gone_since_)
+        gone_since_ = now;
+    return sight_;
+}
+
+SightPointer WatchedDecoder::sight()
+{
+    const std::scoped_lock lock(mutex_);
+    return refresh(freshness);
+}
+
+void WatchedDecoder::look(std::size_t history_share)
+{
+    const std::scoped_lock lock(mutex_);
+    const SightPointer sight = refresh({});
+    std::int64_t last = sight->snapshot.taken_at;
+    const auto take = [&](const records::Snapshot& snapshot)
+    {
+        last = snapshot.taken_at;
+        history_.add(snapshot);
+        if (!diagnosis_.take(snapshot)) return;
+        is_judged_ = true;
+        judged_.decoder = snapshot.decoder;
+        judged_.instance = snapshot.instance;
+        judged_.taken_at = snapshot.taken_at;
+    };
+    origin_->follow(*sight, take);
+    history_.trim(last - history_length.count(), history_share);
+    diagnosis_.forget(last - episode_memory.count(), most_episodes);
+}
+
+std::optional<steady_clock::time_point> WatchedDecoder::gone_since() const
+{
+    const std::scoped_lock lock(mutex_);
+    return gone_since_;
+}
+
+std::string WatchedDecoder::findings() const
+{
+    const std::scoped_lock lock(mutex_);
+    return is_judged_ ? diagnosis::json(diagnosis_.result(), diagnosis_.episodes(), judged_) : std::string();
+}
+
+std::optional<diagnosis::Result> WatchedDecoder::diagnosis() const
+{
+    const std::scoped_lock lock(mutex_);
+    return is_judged_ ? std::optional(diagnosis_.result()) : std::nullopt;
+}
+
+void WatchedDecoder::read_history(std::int64_t from, std::int64_t to, const std::function<void(const records::Snapshot&)>& take) const
+{
+    const std::scoped_lock lock(mutex_);
+    history_.read(from, to, take);
+}
+
+std::optional<std::int64_t> WatchedDecoder::first_moment() const
+{
+    const std::scoped_lock lock(mutex_);
+    return history_.first_moment();
+}
+
+std::string WatchedDecoder::capture_file() const
+{
+    return origin_->capture_file();
+}
+
+} // namespace server
