@@ -110,20 +110,14 @@ void describe(const Options& options)
 void add_describe(CLI::App& app)
 {
     const auto options = std::make_shared<Options>();
-    CLI::App& command = add_command(app, "describe", "Print what fields mean");
-    CLI::Option* const names =
-        command
-            .add_option("WHAT", options->names,
-                        "Public names, C members, metrics, labels of report lines or components; all fields without one")
-            ->type_name("");
-    CLI::Option* const format = command.add_option("--format", options->format, "text or json")
-                                    ->check(one_of({"text", "json"}))
-                                    ->type_name("FORMAT")
-                                    ->capture_default_str();
-    command.add_flag("--schema", options->schema, "Print the JSON Schema of what 'decstats show' prints as JSON")
-        ->excludes(names)
-        ->excludes(format);
-    command.callback([options] { describe(*options); });
+    Command command(app, "describe", "Print what fields mean");
+    const Option names = command.values("WHAT", options->names,
+                                        "Public names, C members, metrics, labels of report lines or components; all fields without one");
+    const Option format = add_format(command, options->format, {"text", "json"});
+    command.flag("--schema", options->schema, "Print the JSON Schema of what 'decstats show' prints as JSON")
+        .excludes(names)
+        .excludes(format);
+    command.run([options] { describe(*options); });
 }
 
 } // namespace commands

@@ -155,23 +155,20 @@ int diagnose(const Options& options)
 void add_diagnose(CLI::App& app, int& status)
 {
     const auto options = std::make_shared<Options>();
-    CLI::App& command = add_command(app, diagnose_name, "Say what is wrong with a decoder, and where");
-    CLI::Option* const source = add_source(command, options->source);
+    Command command(app, diagnose_name, "Say what is wrong with a decoder, and where");
+    const Option source = add_source(command, options->source);
     add_duration(command, "--window", options->window, std::chrono::seconds(1),
                  "How far the moments lie apart that are compared, 10s without it");
     add_at(command, options->at);
     add_moment(command, "--from", options->from, "First moment of a capture file: each finding with its begin and end");
     add_moment(command, "--to", options->to, "Last moment of a capture file");
-    command.add_option("--format", options->format, "text, json, openmetrics or prometheus")
-        ->check(one_of({"text", "json", "openmetrics", "prometheus"}))
-        ->type_name("FORMAT")
-        ->capture_default_str();
-    command.add_option("--explain", options->rule, "Print what a finding is, why its limits are as they are and what to do")
-        ->type_name("ID")
-        ->excludes(source);
+    add_format(command, options->format, {"text", "json", "openmetrics", "prometheus"});
+    command.value("--explain", options->rule, "Print what a finding is, why its limits are as they are and what to do")
+        .value_name("ID")
+        .excludes(source);
     command.footer("Exit status: 0 healthy or idle, 1 warning, 2 critical, 3 cannot tell, whatever the reason.\n"
                    "decstats-findings(5) has all findings.");
-    command.callback(
+    command.run(
         [options, &status]
         {
             if (!options->rule.empty()) return explain(options->rule);
