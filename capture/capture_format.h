@@ -60,6 +60,7 @@ inline constexpr std::size_t frame_overhead = 12;
 
 /** Longest payload [bytes]. A longer one is not believed. */
 inline constexpr std::size_t longest_payload = 1 << 20;
+inline constexpr std::size_t longest_frame = longest_payload + frame_overhead;
 
 constexpr std::uint32_t frame_word(FrameType type, std::size_t length)
 {

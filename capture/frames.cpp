@@ -128,22 +128,22 @@ std::span<const std::byte> FrameReader::load(std::uint64_t offset, std::size_t s
     return std::span(buffer_).subspan(static_cast<std::size_t>(offset - buffer_offset_), size);
 }
 
-/** Whether two equal words of a believable frame stand there. Its type must be known: what is searched for is sure to be one. */
-bool FrameReader::begins_frame(std::uint64_t offset)
+/** Size of the frame that two equal believable words enclose there, or 0. Its type must be known: what is searched for is sure to be one. */
+std::size_t FrameReader::supposed_frame(std::uint64_t offset)
 {
     const std::span<const std::byte> head = load(offset, frame_head);
-    if (head.empty()) return false;
+    if (head.empty()) return 0;
     const std::uint32_t word = word_in(head, 0);
     const std::size_t length = length_in(word);
-    if (word >> 24 == 0 || word >> 24 > last_frame_type || length > longest_payload) return false;
+    if (word >> 24 == 0 || word >> 24 > last_frame_type || length > longest_payload) return 0;
     const std::uint64_t last = offset + frame_head + length;
-    if (last + sizeof word > size_) return false;
+    if (last + sizeof word > size_) return 0;
     std::uint32_t last_word = 0;
     if (last + sizeof word <= buffer_offset_ + buffered_)
         last_word = word_in(buffer_, static_cast<std::size_t>(last - buffer_offset_));
     else if (read(last, std::as_writable_bytes(std::span(&last_word, 1))) != sizeof last_word) // the buffer stays where the search is
-        return false;
-    return word == last_word;
+        return 0;
+    return word == last_word ? length + frame_overhead : 0;
 }
 
 /** The bytes of the frame that two equal words enclose, or none. */
@@ -163,18 +163,34 @@ std::span<const std::byte> FrameReader::frame_at(std::uint64_t offset)
 FrameReader::Part FrameReader::search(std::uint64_t offset)
 {
     size_ = file_size();
+    const Part end = {.kind = Part::Kind::end, .offset = offset, .size = size_ - std::min(offset, size_)};
+    if (offset == fruitless_ && size_ == fruitless_size_) return end;
+    const auto lost_to = [&](std::uint64_t found)
+    {
+        offset_ = found;
+        return Part{.kind = Part::Kind::lost, .offset = offset, .size = found - offset};
+    };
+    if (const auto known = found_.find(offset); known != found_.end()) return lost_to(known->second);
+
+    bool is_easy = true;
     for (std::uint64_t next = offset + 1; next + frame_overhead <= size_; ++next)
     {
-        if (!begins_frame(next)) continue;
+        ++stepped_;
+        const std::size_t size = supposed_frame(next);
+        if (size == 0 || checked_ + size > longest_frame + checks_a_byte * next) continue;
         const std::span<const std::byte> frame = frame_at(next);
-        if (frame.empty()) continue;
-        const std::size_t length = frame.size() - frame_overhead;
-        if (frame_crc(word_in(frame, 0), frame.subspan(frame_head, length)) != word_in(frame, 4)) continue;
-        offset_ = next;
-        return {.kind = Part::Kind::lost, .offset = offset, .size = next - offset};
+        if (!frame.empty() && frame_crc(word_in(frame, 0), frame.subspan(frame_head, size - frame_overhead)) == word_in(frame, 4))
+        {
+            if (!is_easy) found_.emplace(offset, next);
+            return lost_to(next);
+        }
+        checked_ += size;
+        is_easy = false;
     }
     buffered_ = 0; // what stands there may change
-    return {.kind = Part::Kind::end, .offset = offset, .size = size_ - std::min(offset, size_)};
+    fruitless_ = offset;
+    fruitless_size_ = size_;
+    return end;
 }
 
 FrameReader::Part FrameReader::next(Check check)
@@ -214,7 +230,7 @@ Start FrameReader::start()
     }
     // A file without its magic is none, unless a whole frame stands where the first one does.
     size_ = file_size();
-    const bool has_frame = begins_frame(offset_) && next().kind == Part::Kind::frame;
+    const bool has_frame = supposed_frame(offset_) != 0 && next().kind == Part::Kind::frame;
     offset_ = sizeof header;
     return has_magic || has_frame ? Start::damaged : Start::none;
 }

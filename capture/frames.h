@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <span>
 #include <string>
 #include <vector>
@@ -88,11 +89,19 @@ public:
     /** Size of the file at present. @throw Error */
     std::uint64_t file_size() const;
 
+    /**
+     * What looking for frames has cost so far: bytes stepped over, and bytes of what looked like a frame and was none. A file is
+     * believed to be damaged, not made to look like frames at every byte: of the latter there are at most longest_frame and
+     * checks_a_byte for each byte of the file, and what looks like a frame beyond that is stepped over.
+     */
+    std::uint64_t search_cost() const { return stepped_ + checked_; }
+    static constexpr std::uint64_t checks_a_byte = 16;
+
 private:
     std::span<const std::byte> load(std::uint64_t offset, std::size_t size);
     std::size_t read(std::uint64_t offset, std::span<std::byte> bytes) const;
     std::span<const std::byte> frame_at(std::uint64_t offset);
-    bool begins_frame(std::uint64_t offset);
+    std::size_t supposed_frame(std::uint64_t offset);
     Part search(std::uint64_t offset);
 
     std::string path_;
@@ -102,6 +111,11 @@ private:
     std::vector<std::byte> buffer_;
     std::uint64_t buffer_offset_ = 0;
     std::size_t buffered_ = 0;
+    std::uint64_t stepped_ = 0;
+    std::uint64_t checked_ = 0;
+    std::map<std::uint64_t, std::uint64_t> found_; // where a search from there ended, of those that were not easy
+    std::uint64_t fruitless_ = 0;                  // from there to the end there was no frame,
+    std::uint64_t fruitless_size_ = 0;             // when the file had this size
 };
 
 } // namespace capture

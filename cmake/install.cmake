@@ -64,6 +64,9 @@ if(STATS_TOOLS)
             DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME decstats)
     install(FILES packaging/completions/_decstats DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions)
     install(FILES packaging/completions/decstats.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
+
+    # For Prometheus and Grafana, to be copied or named where those are configured.
+    install(DIRECTORY packaging/prometheus DESTINATION ${CMAKE_INSTALL_DATADIR}/decstats)
 endif()
 
 # ---- The manual pages ----

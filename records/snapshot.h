@@ -37,7 +37,9 @@ struct Snapshot
     std::optional<bool> is_up;            /**< whether its host still updates the records; nothing = not known, as for what is saved */
     std::bitset<component_count> present; /**< the components whose record is here, by Component::index */
     std::bitset<1024> not_measured;       /**< the fields that this host does not fill, by their place in the dictionary */
-    Records records = {};                 /**< the records; those that are not present are all zero */
+    std::array<std::int64_t, component_count> written_at =
+        {};               /**< when its host wrote each record; 0 = not known [ns since the epoch, UTC] */
+    Records records = {}; /**< the records; those that are not present are all zero */
 
     bool has(const Component& component) const { return present[component.index]; }
 
@@ -50,6 +52,12 @@ struct Snapshot
     /** Takes a component's record. @param bytes Component::record_size of them, of any alignment */
     void put(const Component& component, std::span<const std::byte> bytes);
 };
+
+/**
+ * How far the records of a component in two Snapshots lie apart: by when they were written, where both know it, and else by
+ * when the Snapshots were taken [ns]. Not positive where the clock was set back, and where they are the same writing.
+ */
+std::int64_t time_between(const Snapshot& before, const Snapshot& now, const Component& component);
 
 } // namespace records
 

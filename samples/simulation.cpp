@@ -165,6 +165,7 @@ void Simulation::tick(nanoseconds duration)
     if (!flows_) return suffer();
 
     clocks(d, seconds);
+    read_tables(d);
     demultiplex(d, seconds);
     buffer(d, seconds);
 }
@@ -262,6 +263,12 @@ bool Simulation::chance(double per_second, double seconds)
 bool Simulation::is_every(nanoseconds period) const
 {
     return elapsed_ / period != (elapsed_ - tick_) / period;
+}
+
+/** Kind of a stream, whether the program still lists it or not. */
+int Simulation::type_of(const Flow& flow) const
+{
+    return first_.tTDemux.tSources[flow.source].enType;
 }
 
 /** @return the whole packets of a share, what is left over is kept for the next time */

@@ -101,6 +101,7 @@ private:
         double bytes = 0;       /**< of a packet, on average */
         double ticks = 0;       /**< of 90 kHz that a packet lasts */
         long received = 0;      /**< since the simulation began */
+        bool is_listed = true;  /**< by the program's table */
         double due_in = 0;
         double due_out = 0;
         double due_played = 0;
@@ -136,6 +137,7 @@ private:
     long link(const Disturbance& d, long sent, double seconds);
     long srt(const Disturbance& d, long sent, double seconds);
     long fec(const Disturbance& d, long sent);
+    void read_tables(const Disturbance& d);
     void demultiplex(const Disturbance& d, double seconds);
     void clocks(const Disturbance& d, double seconds);
     void buffer(const Disturbance& d, double seconds);
@@ -154,6 +156,7 @@ private:
     double fraction();
     bool chance(double per_second, double seconds);
     bool is_every(std::chrono::nanoseconds period) const;
+    int type_of(const Flow& flow) const;
     static long share(double part, long of, double& carry);
 
     SAMPLES_RECORDS r_ = {};

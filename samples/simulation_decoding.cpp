@@ -36,7 +36,7 @@ void Simulation::buffer(const Disturbance& d, double seconds)
             channel.TimeStamp =
                 wrapped(flow.pts_at_start + std::lround(static_cast<double>(last) * flow.ticks) + static_cast<long>(ticks_wrap));
         }
-        const auto type = r_.tTDemux.tSources[flow.source].enType;
+        const auto type = type_of(flow);
         if (type == SMGR_TDEMUX_DATA_TYPE_VIDEO)
         {
             const double mean = held_before > 0 ? bytes_before / static_cast<double>(held_before) : flow.bytes;

@@ -70,6 +70,10 @@ struct Disturbance
     bool without_klv = false;
     bool late_pts = false; /**< time stamps lie behind the PCR */
     bool demux_stalled = false;
+    bool without_tables = false;  /**< neither PAT nor PMT comes; what was found by them is still followed */
+    bool without_program = false; /**< neither PAT nor PMT comes, and what was found by them is given up */
+    bool video_unlisted = false;  /**< the program has no video any more */
+    bool audio_unlisted = false;  /**< the program has no audio any more */
     // clock
     bool without_pcr = false;
     bool pcr_jumps = false; /**< a jump of the PCR every five seconds */

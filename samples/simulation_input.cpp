@@ -230,6 +230,37 @@ void Simulation::clocks(const Disturbance& d, double seconds)
     clock.pcrTsDelta = was.pcrTsDelta + noise(40);
 }
 
+/** What the tables say that a program has: streams come to the records and go. */
+void Simulation::read_tables(const Disturbance& d)
+{
+    auto& demux = r_.tTDemux;
+    auto& counters = demux.tCounters;
+    const bool known = !d.without_tables && !d.without_program;
+    demux.nProgramNumber = known ? first_.tTDemux.nProgramNumber : 0;
+    demux.nPcrPid = known ? first_.tTDemux.nPcrPid : 0;
+    for (Flow& flow : streams_)
+    {
+        const int type = type_of(flow);
+        const bool is_listed = !d.without_program && !(d.video_unlisted && type == SMGR_TDEMUX_DATA_TYPE_VIDEO) &&
+                               !(d.audio_unlisted && type == SMGR_TDEMUX_DATA_TYPE_AUDIO);
+        if (is_listed == flow.is_listed) continue;
+        flow.is_listed = is_listed;
+        auto& source = demux.tSources[flow.source];
+        source = {};
+        if (is_listed)
+        {
+            source = first_.tTDemux.tSources[flow.source];
+            source.tCounters = {};
+        }
+        const unsigned change = is_listed ? 1 : ~0U; // unsigned, so it wraps to one less
+        counters.nNumStreams += change;
+        if (type == SMGR_TDEMUX_DATA_TYPE_VIDEO) counters.nVideoStreams += change;
+        if (type == SMGR_TDEMUX_DATA_TYPE_AUDIO) counters.nAudioStreams += change;
+        if (type == SMGR_TDEMUX_DATA_TYPE_KLV) counters.nKLVStreams += change;
+        COUNT(counters, nNumNewStreamFlags, tLastNewStreamFlag, 1);
+    }
+}
+
 void Simulation::demultiplex(const Disturbance& d, double seconds)
 {
     auto& demux = r_.tTDemux;
@@ -249,7 +280,7 @@ void Simulation::demultiplex(const Disturbance& d, double seconds)
     for (Flow& flow : streams_)
     {
         auto& source = demux.tSources[flow.source];
-        const bool missing = (source.enType == SMGR_TDEMUX_DATA_TYPE_VIDEO && d.without_video) ||
+        const bool missing = !flow.is_listed || (source.enType == SMGR_TDEMUX_DATA_TYPE_VIDEO && d.without_video) ||
                              (source.enType == SMGR_TDEMUX_DATA_TYPE_AUDIO && d.without_audio) ||
                              (source.enType == SMGR_TDEMUX_DATA_TYPE_KLV && d.without_klv);
         flow.due_in += flow.rate * seconds * d.arriving;
@@ -283,7 +314,9 @@ void Simulation::demultiplex(const Disturbance& d, double seconds)
             counters.nNumDroppedBytes += whole;
             counters.iLastPIDDropped = static_cast<int>(source.tsPid);
         }
-        source.tCounters.nBitsPerSecond = n > 0 || lag * flow.rate > 1 ? static_cast<unsigned>(std::lround(flow.rate * flow.bytes * 8)) : 0;
+        if (flow.is_listed)
+            source.tCounters.nBitsPerSecond =
+                n > 0 || lag * flow.rate > 1 ? static_cast<unsigned>(std::lround(flow.rate * flow.bytes * 8)) : 0;
         if (n == 0) continue;
         const long late = d.late_pts ? 600 * ticks_per_ms : 0;
         source.nPTS = wrapped(flow.pts_at_start - late + std::lround(static_cast<double>(flow.received) * flow.ticks));

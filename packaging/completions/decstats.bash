@@ -37,7 +37,8 @@ _decstats()
     --from:capture:* | --to:capture:*) ;;
     --at:* | --from:* | --to:*) words=mtime ;;
     --directory:*) files=dirnames ;;
-    --format:describe:* | --format:list:* | --format:diagnose:*) words='text json' ;;
+    --format:describe:* | --format:list:*) words='text json' ;;
+    --format:diagnose:*) words='text json openmetrics prometheus' ;;
     --format:diff:*) words='text json ndjson' ;;
     --format:*) words='text json ndjson openmetrics prometheus' ;;
     --field:*) words=$("${COMP_WORDS[0]}" describe --format json 2>/dev/null | sed -n 's/^      "name": "\(.*\)",$/\1/p') ;;

@@ -200,6 +200,7 @@ void Decoder::read_records(Look& look, bool has_writer, bool with_records) const
         own.assign(component.record_size, std::byte{0});
         record.layout.convert(std::as_bytes(std::span(words)), own);
         look.snapshot.put(component, own);
+        look.snapshot.written_at[component.index] = status.published_at;
         look.snapshot.not_measured |= record.layout.missing;
     }
 }

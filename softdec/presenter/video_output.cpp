@@ -68,8 +68,9 @@ void VideoOutput::step(std::optional<Ticks> stc)
     {
         const Ticks pts = *waiting_.begin();
         waiting_.erase(waiting_.begin());
-        // The time between the one shown and this one was filled with the one shown, a period at a time.
-        while (shown_ && next_ + period_ / 2 < pts) replay();
+        // The time between the one shown and this one was filled with the one shown, a period at a time. The last pictures of a
+        // stream that is cut off lack some between them, which is no fault of an output.
+        while (!ended_ && shown_ && next_ + period_ / 2 < pts) replay();
         // One whose successor is due as well has missed its turn.
         const bool missed = !waiting_.empty() && *waiting_.begin() <= *stc && *stc - *waiting_.begin() > period_;
         if (missed && shown_ && *stc - pts > 2 * period_)
@@ -77,7 +78,7 @@ void VideoOutput::step(std::optional<Ticks> stc)
         else
             show(pts);
     }
-    if (ended_ && waiting_.empty()) return;
+    if (ended_) return;
     while (shown_ && next_ + period_ / 2 <= *stc && (waiting_.empty() || next_ + period_ / 2 < *waiting_.begin())) replay();
 }
 

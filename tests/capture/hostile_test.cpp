@@ -299,4 +299,69 @@ TEST(Hostile, LookingForMomentsInDamagedFilesShowsWhatWasCaptured)
     }
 }
 
+/* ---- files that make work: counted, as a clock tells of the machine ---- */
+
+using Kind = FrameReader::Part::Kind;
+
+std::string as_text(capture::Output& out)
+{
+    return {reinterpret_cast<const char*>(out.bytes().data()), out.bytes().size()};
+}
+
+/** A file whose every fourth byte begins what looks like one of the longest frames, with a frame behind. */
+TEST(Hostile, SearchingCostsSomeTimesTheFileAtMost)
+{
+    const ScratchDirectory directory;
+    capture::Output out;
+    out.put(capture::file_header());
+    const std::uint32_t word = capture::frame_word(FrameType::change, capture::longest_payload - 4);
+    out.put(std::uint8_t{0});
+    for (int i = 0; i < 3 << 18; ++i) out.put(word); // 3 MiB: a million CRCs of a MiB, if each were worked out
+    out.put(std::uint8_t{0});
+    const std::size_t begin = out.bytes().size();
+    capture::put_frame(out, FrameType::end, std::as_bytes(std::span("an end of a capture")));
+    directory.write("a", as_text(out));
+
+    FrameReader frames(directory / "a");
+    ASSERT_EQ(frames.start(), capture::Start::good);
+    std::uint64_t offset = 0;
+    for (auto part = frames.next(); part.kind != Kind::end; part = frames.next())
+        if (part.kind == Kind::frame) offset = part.offset;
+    EXPECT_EQ(offset, begin);
+    const std::uint64_t most = capture::longest_frame + (1 + FrameReader::checks_a_byte) * out.bytes().size();
+    EXPECT_LE(frames.search_cost(), most);
+    EXPECT_GT(frames.search_cost(), most / 4); // it is such a file
+
+    // What has been found once is not looked for again.
+    const std::uint64_t cost = frames.search_cost();
+    frames.seek(sizeof(capture::FileHeader));
+    EXPECT_EQ(frames.next().kind, Kind::lost);
+    EXPECT_EQ(frames.offset(), begin);
+    EXPECT_EQ(frames.search_cost(), cost);
+}
+
+/** A file with snapshots whose layouts are nowhere, and behind them much that is no frame. */
+TEST(Hostile, WhatEndsAFileIsSearchedOnce)
+{
+    const ScratchDirectory directory;
+    capture::Output out;
+    out.put(capture::file_header());
+    out.put_bytes(std::vector<std::byte>(1 << 20, std::byte{0x55}));
+    directory.write("a", as_text(out));
+    FrameReader frames(directory / "a");
+    ASSERT_EQ(frames.start(), capture::Start::good);
+    for (int i = 0; i < 1000; ++i)
+    {
+        frames.seek(sizeof(capture::FileHeader));
+        ASSERT_EQ(frames.next().kind, Kind::end);
+    }
+    EXPECT_LE(frames.search_cost(), out.bytes().size());
+
+    // It may have become a frame when the file has grown.
+    capture::put_frame(out, FrameType::end, {});
+    directory.write("a", as_text(out));
+    EXPECT_EQ(frames.next().kind, Kind::lost);
+    EXPECT_EQ(frames.next().kind, Kind::frame);
+}
+
 } // namespace

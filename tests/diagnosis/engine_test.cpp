@@ -103,6 +103,38 @@ TEST(Samples, ResolvingStopsAtTheNetwork)
     }
 }
 
+TEST(Samples, AStreamThatThePMTNoLongerListsIsMissedAndNotIdle)
+{
+    Simulation simulation("live-srt-1080i", 1, start);
+    simulation.inject("video-removed");
+    simulation.advance(20s);
+    const auto [before, now] = pair_of(simulation);
+    for (const Result& result : {diagnosis::diagnose(now), diagnosis::diagnose(before, now)})
+    {
+        EXPECT_EQ(ids(result), std::vector<std::string>{"ts.stream-removed"});
+        for (const Stage stage : {Stage::framer, Stage::vdecoder, Stage::output}) EXPECT_EQ(state(result, stage), StageState::no_input);
+        EXPECT_EQ(state(result, Stage::audio), StageState::working);
+        EXPECT_TRUE(result.verdict.headline.starts_with("No picture for ")) << result.verdict.headline;
+    }
+}
+
+TEST(Samples, WhatAnEarlierStreamHadIsNotMissed)
+{
+    // The stream has been started again since the last picture, and the new one has no video.
+    Simulation simulation("live-srt-1080i", 1, start);
+    simulation.inject("video-removed");
+    simulation.advance(60s);
+    auto [before, now] = pair_of(simulation);
+    before.records.tdemux.nUpTimeInSecs = 40;
+    now.records.tdemux.nUpTimeInSecs = 50;
+    for (const Result& result : {diagnosis::diagnose(now), diagnosis::diagnose(before, now)})
+    {
+        EXPECT_EQ(ids(result), std::vector<std::string>());
+        for (const Stage stage : {Stage::framer, Stage::vdecoder, Stage::output}) EXPECT_EQ(state(result, stage), StageState::idle);
+        EXPECT_EQ(diagnosis::exit_status(result), 0);
+    }
+}
+
 TEST(Samples, TroubleStopsAtTheLinkAndHasTroublesOfItsOwn)
 {
     Simulation simulation("trouble", 1, start);

@@ -1,10 +1,12 @@
-/** @file renderings_test.cpp Results as text and as JSON. */
+/** @file renderings_test.cpp Results as text, as JSON and as metrics. */
 #include <gtest/gtest.h>
 #include <rapidjson/document.h>
 
+#include <array>
 #include <string>
 
 #include "diagnosis_json.h"
+#include "diagnosis_metrics.h"
 #include "diagnosis_text.h"
 #include "living.h"
 
@@ -160,6 +162,92 @@ TEST(Text, OfEpisodes)
     // The network fell silent 100 s after 2026-11-16T12:00:00Z; what was on the way then arrived in the second after.
     EXPECT_EQ(diagnosis::text(diagnosis.episodes()),
               "2026-11-16T12:01:41Z to the end               Critical  network.silent  No packet arrives\n");
+}
+
+std::string metrics(const Result& result, views::MetricsFormat format = views::MetricsFormat::openmetrics)
+{
+    const diagnosis::Diagnosed decoder = {.decoder = "a", .result = &result};
+    std::string text = "what it held";
+    diagnosis::write_metrics(text, {&decoder, 1}, format);
+    return text;
+}
+
+bool has(const std::string& text, std::string_view part)
+{
+    return text.find(part) != std::string::npos;
+}
+
+std::size_t count(std::string_view text, std::string_view part)
+{
+    std::size_t times = 0;
+    for (std::size_t at = text.find(part); at != std::string_view::npos; at = text.find(part, at + 1)) ++times;
+    return times;
+}
+
+TEST(Metrics, OfAHealthyDecoder)
+{
+    const std::string text = metrics(case_of("live-srt-1080i").result);
+    EXPECT_TRUE(
+        text.starts_with("# HELP decoder_finding_active 1 = this is wrong with the decoder, 0 = it is not; none = it cannot be told\n"
+                         "# TYPE decoder_finding_active gauge\n"
+                         "decoder_finding_active{decoder=\"a\",id=\"host.hung\",severity=\"critical\",stage=\"host\"} 0\n"))
+        << text;
+    EXPECT_EQ(count(text, "\ndecoder_finding_active{"), diagnosis::rules().size());
+    EXPECT_EQ(count(text, "\n# TYPE decoder_stage_state stateset\n"), 1U);
+    EXPECT_EQ(count(text, "\ndecoder_stage_state{decoder=\"a\",stage=\"vdecoder\",decoder_stage_state=\""), 6U);
+    EXPECT_TRUE(has(text, "\ndecoder_stage_state{decoder=\"a\",stage=\"vdecoder\",decoder_stage_state=\"working\"} 1\n"
+                          "decoder_stage_state{decoder=\"a\",stage=\"vdecoder\",decoder_stage_state=\"degraded\"} 0\n"));
+    EXPECT_EQ(count(text, "} 1\n"), diagnosis::stage_count);
+}
+
+TEST(Metrics, OfAFault)
+{
+    const std::string text = metrics(case_of("live-srt-1080i", "srt-wrong-key").result, views::MetricsFormat::prometheus);
+    EXPECT_TRUE(has(text, "\n# TYPE decoder_stage_state gauge\n"));
+    EXPECT_TRUE(has(text, "\ndecoder_finding_active{decoder=\"a\",id=\"link.not-decrypting\",severity=\"critical\",stage=\"link\"} 1\n"));
+    EXPECT_TRUE(has(text, "\ndecoder_stage_state{decoder=\"a\",stage=\"link\",decoder_stage_state=\"stopped\"} 1\n"));
+    EXPECT_EQ(count(text, "} 1\n"), diagnosis::stage_count + 1);
+}
+
+TEST(Metrics, WhatCouldNotBeLookedForHasNoSample)
+{
+    const Case of = case_of("live-srt-1080i");
+    const std::string single = metrics(diagnosis::diagnose(of.now));
+    for (const diagnosis::Rule* rule : diagnosis::rules())
+        EXPECT_EQ(count(single, "id=\"" + std::string(rule->id) + "\""), rule->needs_window ? 0U : 1U) << rule->id;
+
+    records::Snapshot unheard = of.now;
+    unheard.present.reset(records::find_component("audio")->index);
+    EXPECT_FALSE(has(metrics(diagnosis::diagnose(unheard)), "stage=\"audio\"} "));
+
+    const std::string nothing = metrics(Result());
+    EXPECT_FALSE(has(nothing, "decoder_finding_active"));
+    EXPECT_EQ(count(nothing, "decoder_stage_state=\"unknown\"} 1\n"), diagnosis::stage_count);
+}
+
+TEST(Metrics, AFindingThatWeighsMoreStandsBesideItsUsualSeries)
+{
+    Result result = case_of("live-srt-1080i").result;
+    diagnosis::Finding finding = {};
+    finding.rule = diagnosis::find_rule("link.loss");
+    finding.severity = diagnosis::Severity::critical;
+    result.findings.push_back(finding);
+    EXPECT_TRUE(has(metrics(result), "\ndecoder_finding_active{decoder=\"a\",id=\"link.loss\",severity=\"warning\",stage=\"link\"} 0\n"
+                                     "decoder_finding_active{decoder=\"a\",id=\"link.loss\",severity=\"critical\",stage=\"link\"} 1\n"));
+}
+
+TEST(Metrics, FamiliesOfSeveralDecodersAreWhole)
+{
+    const Result result = case_of("live-srt-1080i").result;
+    const std::array<diagnosis::Diagnosed, 2> decoders = {{{"a", &result}, {"b", &result}}};
+    std::string text;
+    diagnosis::write_metrics(text, decoders, views::MetricsFormat::openmetrics);
+    const std::size_t stages = text.find("# HELP decoder_stage_state");
+    EXPECT_EQ(count(text, "# HELP "), 2U);
+    EXPECT_EQ(count(text.substr(0, stages), "\ndecoder_finding_active{decoder=\"b\""), diagnosis::rules().size());
+    EXPECT_FALSE(has(text.substr(stages), "decoder_finding_active"));
+    diagnosis::write_metrics(text, {}, views::MetricsFormat::openmetrics);
+    EXPECT_EQ(text, "");
 }
 
 } // namespace

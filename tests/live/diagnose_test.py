@@ -28,6 +28,13 @@ class Diagnose(LiveTest):
         self.assertEqual(self.ids(result), ["link.not-decrypting"])
         self.assertEqual(result["verdict"]["stage"], "link")
 
+    def test_metrics(self):
+        self.simulate("live-srt-1080i", "alpha", "--fault", "srt-wrong-key")
+        text = self.run_tool("diagnose", "alpha", "--window", "3s", "--format", "openmetrics", status=2)[0]
+        self.assertIn('decoder_finding_active{decoder="alpha",id="link.not-decrypting",severity="critical",stage="link"} 1\n', text)
+        self.assertIn('decoder_stage_state{decoder="alpha",stage="link",decoder_stage_state="stopped"} 1\n', text)
+        self.assertTrue(text.endswith("# EOF\n"))
+
     def test_a_host_that_hangs(self):
         host = self.simulate()
         host.send_signal(signal.SIGSTOP)
@@ -49,6 +56,7 @@ class Diagnose(LiveTest):
         whole = self.diagnose("a.cap", "--window", "3s", "--from", "2020-01-01T00:00:00Z", status=2)
         self.assertEqual([episode["id"] for episode in whole["episodes"]], ["vdecoder.stopped"])
         self.assertIsNone(whole["episodes"][0]["end_time"])
+        self.refused("diagnose", "a.cap", "--from", "2020-01-01T00:00:00Z", "--format", "openmetrics", part="metrics are of one moment", status=3)
         # The fault began some 10 s before the end, within a window.
         age = last["stages"][0]["last_good_time"] - whole["episodes"][0]["begin_time"]
         self.assertTrue(6 <= age <= 14, age)

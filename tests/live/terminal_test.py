@@ -90,12 +90,13 @@ class Terminal(LiveTest):
         session.until(lambda: len(session.frames()) >= 4)
         first, *others = session.frames()[:4]
         self.assertRegex(first[0], r"^  alpha  live  \d{4}-\d\d-\d\dT")
-        self.assertRegex(first[1], r"^  tdemux\.received_packets  \d+ packets$")
-        self.assertRegex(first[2], r"^  tdemux\.state +active$")
+        self.assertRegex(first[1], r"^  Healthy\. ")
+        self.assertRegex(first[2], r"^  tdemux\.received_packets  \d+ packets$")
+        self.assertRegex(first[3], r"^  tdemux\.state +active$")
         for frame in others:
-            rate = re.match(r"^\* tdemux\.received_packets  \d+ packets  \+(\d+)/s$", frame[1])
+            rate = re.match(r"^\* tdemux\.received_packets  \d+ packets  \+(\d+)/s$", frame[2])
             self.assertTrue(rate, frame)
-            self.assertRegex(frame[2], r"^  tdemux\.state +active$")
+            self.assertRegex(frame[3], r"^  tdemux\.state +active$")
         self.assertIn("\x1b[1;33mtdemux.received_packets", session.output)
         self.assertEqual(session.output.count(OWN_SCREEN), 1)
 
@@ -172,10 +173,44 @@ class Terminal(LiveTest):
         frame = session.frames()[2]
         report = self.run_tool("show", "alpha", "--component", "tdemux")[0].splitlines()
         labels = [line.split(":")[0].rstrip() for line in report]
-        self.assertEqual([line[2:].split(":")[0].rstrip() for line in frame[1:1 + len(labels)]], labels)
+        self.assertEqual([line[2:].split(":")[0].rstrip() for line in frame[2:2 + len(labels)]], labels)
         packets = next(line for line in frame if "Received Packets" in line)
         self.assertRegex(packets, r"^\*   Received Packets      : \d+ \(Last One: 0s ago\)  \+\d+/s$")
         self.assertRegex(next(line for line in frame if "Timestamp Rollovers" in line), r"^    Timestamp.* ago\)$")
+
+    STAGES = ["Network", "Link", "Transport stream", "Clock", "Framer", "Video decoder", "Output", "Audio", "Metadata", "Buffering"]
+
+    def chain(self, frame):
+        """The signs of the chain, stage by stage, of a screen that has it below the verdict."""
+        found = [re.fullmatch(r"[ *]   (%s) +(Working|Degraded|Stopped|No input|Idle|Unknown)(|  .*)" % "|".join(self.STAGES), line)
+                 for line in frame[2:12]]
+        self.assertTrue(all(found), frame)
+        self.assertEqual([match[1] for match in found], self.STAGES)
+        self.assertEqual(frame[12].strip(), "")
+        return {match[1]: match[2] for match in found}
+
+    def test_verdict_and_chain(self):
+        self.simulate("live-srt-1080i", "alpha", "--fault", "decoder-stalled", "--after", "3s")
+        session = self.watch("alpha", "--every", "500ms", rows=200)
+        session.until(session.frames)
+        first = session.frames()[0]
+        self.assertRegex(first[1], r"^  Healthy\. ")
+        self.assertEqual(set(self.chain(first).values()), {"Working"})
+        self.assertRegex(first[13], r"^  Statistics")
+        session.until(lambda: any("No picture" in frame[1] for frame in session.frames()))
+        # Whatever has just changed stands behind a star, and with the next look no longer does.
+        broken = next(i for i, frame in enumerate(session.frames()) if "No picture" in frame[1])
+        session.until(lambda: len(session.frames()) > broken + 1)
+        frame, after = session.frames()[broken:broken + 2]
+        self.assertRegex(frame[1], r"^\* No picture.*Video decoder")
+        signs = self.chain(frame)
+        self.assertEqual(signs["Video decoder"], "Stopped")
+        self.assertEqual(signs["Output"], "No input")
+        self.assertEqual(signs["Network"], "Working")
+        self.assertTrue(frame[2 + self.STAGES.index("Video decoder")].startswith("* "), frame)
+        self.assertTrue(after[1].startswith("  No picture"), after)
+        self.assertEqual(self.chain(after), signs)
+        self.assertFalse(any(line.startswith("* ") for line in after[2:12]), after)
 
     def test_death_and_restart_are_seen(self):
         host = self.simulate()
@@ -188,7 +223,8 @@ class Terminal(LiveTest):
         self.simulate()
         session.until(lambda: any("restarted" in frame[0] for frame in session.frames()))
         restarted = next(frame for frame in session.frames() if "restarted" in frame[0])
-        self.assertNotIn("/s", restarted[1])
+        self.assertNotIn("/s", restarted[2])
+        self.assertRegex(restarted[1], r"^\* Cannot tell yet\. The decoder was started again within the window\.$")
 
     def test_what_fails_at_once_leaves_the_screen_alone(self):
         session = self.watch("nonsense")

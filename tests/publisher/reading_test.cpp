@@ -67,6 +67,7 @@ TEST(Reading, GivesEveryRecordOfEverySample)
         {
             ASSERT_TRUE(look.snapshot.has(component)) << component.name;
             EXPECT_EQ(bytes_of(look.snapshot, component), bytes_of(sample, component)) << component.name;
+            EXPECT_EQ(look.snapshot.written_at[component.index], look.status.records[component.index].published_at);
             EXPECT_TRUE(before <= look.status.records[component.index].published_at &&
                         look.status.records[component.index].published_at <= after);
         }

@@ -85,16 +85,21 @@ std::string trimmed(std::string_view text)
     return start == std::string_view::npos ? std::string() : std::string(text.substr(start, text.find_last_not_of(' ') + 1 - start));
 }
 
-Lines print(const Component& component, const Bytes& record, STATS_LEVEL level)
+std::vector<std::string> print(const Component& component, const Bytes& record, STATS_LEVEL level)
 {
     alignas(16) std::array<std::byte, sizeof(records::Records)> aligned;
     std::ranges::copy(record, aligned.begin());
+    return CaptureLines([&] { component.print(report_function(component), aligned.data(), level); });
+}
+
+Lines placed(const Component& component, const std::vector<std::string>& printed)
+{
     Lines lines;
     Place place;
     std::size_t block_indent = 0;
     std::map<std::string_view, std::size_t> numbers;
     bool in_table = false;
-    for (const std::string& line : CaptureLines([&] { component.print(report_function(component), aligned.data(), level); }))
+    for (const std::string& line : printed)
     {
         const std::size_t indent = std::min(line.find_first_not_of(' '), line.size());
         const std::size_t colon = line.find(": "); // "4:2:0 8bit ColorType" is one label
@@ -232,9 +237,12 @@ std::vector<Bytes> base_records(const Component& component)
     return all;
 }
 
-std::vector<std::int64_t> values_of(const Field& field)
+/** @param is_full whether the record has everything; what the samples add is which lines there are, so that two values do */
+std::vector<std::int64_t> values_of(const Field& field, bool is_full)
 {
-    std::vector<std::int64_t> values = {0, 1, 77, -1};
+    std::vector<std::int64_t> values = {0, 77};
+    if (!is_full) return values;
+    values.insert(values.end(), {1, -1});
     if (field.kind == Kind::event_time) values.push_back(frozen_now - 3);
     if (field.kind == Kind::state && field.states->values.size() <= 20)
         for (const dictionary::State& state : field.states->values) values.push_back(state.value);
@@ -248,7 +256,7 @@ bool in_table(const Component& component, const Field& field, std::string_view l
     return component.name == "buffering" && field.array != nullptr && std::ranges::find(columns, label) != columns.end();
 }
 
-/** The label by which print() calls a line. */
+/** The label by which placed() calls a line. */
 std::string label_of(const Component& component, const Field& field, std::string_view label)
 {
     return std::string(in_table(component, field, label) ? table_row : label);
@@ -419,17 +427,20 @@ TEST_P(Report, FieldsChangeTheLinesThatTheirRowsName)
     for (std::size_t base = 0; base < records.size(); ++base)
         for (const STATS_LEVEL level : levels)
         {
-            const Lines before = print(component, records[base], level);
+            const std::vector<std::string> printed_before = print(component, records[base], level);
+            const Lines before = placed(component, printed_before);
             for (const Field& field : dictionary::fields(component))
                 for (const std::size_t element : std::set<std::size_t>{0, field.count() - 1})
-                    for (const std::int64_t value : values_of(field))
+                    for (const std::int64_t value : values_of(field, is_full(base)))
                     {
                         if (!is_swept(field, base, element)) continue;
                         Bytes record = records[base];
                         set(record, field, element, value);
+                        const std::vector<std::string> printed = print(component, record, level);
+                        if (printed == printed_before) continue;
                         const std::string what = element_name(field, element) + " = " + std::to_string(value) + " on record " +
                                                  std::to_string(base) + (level == STATS_LEVEL_DEBUG ? " in debug" : "");
-                        hit[std::pair(&field, level)].merge(compare(field, element, before, print(component, record, level), level, what));
+                        hit[std::pair(&field, level)].merge(compare(field, element, before, placed(component, printed), level, what));
                     }
         }
 
@@ -458,7 +469,7 @@ TEST_P(Report, EveryLineIsNamedByARow)
             for (const dictionary::ReportLine& line : field.lines)
                 if (is_shown_at(line, level)) named_lines.insert(label_of(component, field, line.label));
         for (const Bytes& record : records)
-            for (const auto& [place, text] : print(component, record, level))
+            for (const auto& [place, text] : placed(component, print(component, record, level)))
             {
                 const bool is_heading = text.find(": ") == std::string::npos && place.label != table_row;
                 EXPECT_TRUE(is_heading || named_lines.contains(place.label)) << "no field of " << component.name << " is shown by\n"

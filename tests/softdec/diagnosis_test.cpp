@@ -170,6 +170,53 @@ TEST_P(Diagnosed, PicturesLeftOut)
                  {diagnosis::Stage::vdecoder, diagnosis::Stage::output, diagnosis::Stage::framer});
 }
 
+TEST_P(Diagnosed, RecordingCutAtItsEnd)
+{
+    // Wherever it is cut, a recording is no fault of the chain that plays it: pictures that others would have filled stay alone.
+    const Bytes whole = repeat(stream_, 3);
+    for (const std::size_t packets : {0U, 291U, 485U, 679U, 776U, 970U})
+    {
+        const Bytes part(whole.begin(), whole.end() - static_cast<std::ptrdiff_t>(packets * ts_size));
+        softdec::Chain chain({.has_arrivals = true, .decode = true, .live = false, .start = 0});
+        diagnosis::Diagnosis hasty({.window = 2, .confirm = false});
+        diagnosis::Diagnosis usual({.window = 2});
+        std::string found;
+        const auto look = [&]
+        {
+            for (diagnosis::Diagnosis* diagnosis : {&hasty, &usual})
+                if (diagnosis->take(snapshot_of(chain)) && !diagnosis->result().findings.empty())
+                    found += text_of(diagnosis->result()) + "\n";
+        };
+        softdec::Nanoseconds due = beginning;
+        for (const Arrival& arrival : datagrams(part))
+        {
+            for (; arrival.moment > due; due += softdec::second)
+            {
+                chain.run_to(due);
+                look();
+            }
+            chain.take({.channel = arrival.channel, .arrival = arrival.moment, .bytes = arrival.bytes}, {});
+        }
+        chain.finish();
+        look();
+        EXPECT_EQ(found, "") << packets << " packets cut off";
+    }
+}
+
+TEST_P(Diagnosed, TablesGone)
+{
+    const Bytes minute_of = repeat(stream_, 10);
+    auto arrivals = datagrams(minute_of);
+    // PAT and PMT become null packets before the window begins.
+    for (Arrival& arrival : arrivals)
+        for (std::size_t at = 0; arrival.moment > beginning + 15 * softdec::second && at < arrival.bytes.size(); at += ts_size)
+            if (const unsigned pid = pid_of(&arrival.bytes[at]); pid == pat_pid || pid == pmt_pid)
+                arrival.bytes[at + 1] |= 0x1f, arrival.bytes[at + 2] = 0xff;
+    const auto result = diagnose(arrivals, window_begin, window_end);
+    ASSERT_EQ(result.findings.size(), 1U) << text_of(result);
+    EXPECT_EQ(result.findings.front().rule->id, "ts.tables-missing");
+}
+
 // The sound of the third stream has a step wherever the stream is repeated, which is a finding of its own.
 INSTANTIATE_TEST_SUITE_P(All, Diagnosed, testing::Values("h265-ac3.ts", "h264i-mp2.ts"),
                          [](const auto& parameter)

@@ -3,6 +3,7 @@ import json
 import os
 import pathlib
 import re
+import shutil
 import socket
 import subprocess
 import tempfile
@@ -10,6 +11,8 @@ import threading
 import unittest
 
 import exposition
+import prometheus_client.openmetrics.parser
+import prometheus_client.parser
 
 DECSTATS = os.environ["DECSTATS"]
 FORMATS = ("text", "json", "ndjson", "openmetrics", "prometheus")
@@ -229,6 +232,45 @@ class Show(unittest.TestCase):
             path.parent.rmdir()
 
 
+class DiagnoseMetrics(unittest.TestCase):
+    """decstats diagnose as metrics."""
+
+    def samples(self):
+        """The samples of the tool, with the exit status of each."""
+        for line in run("demo", "--list")[0].splitlines():
+            source = "sample:" + line.split()[0]
+            finished = subprocess.run([DECSTATS, "diagnose", source, "--format", "json"], stdout=subprocess.PIPE, check=False)
+            yield source, json.loads(finished.stdout), finished.returncode
+
+    def test_they_are_what_the_json_says(self):
+        for source, wanted, status in self.samples():
+            for format in ("openmetrics", "prometheus"):
+                families = exposition.read(run("diagnose", source, "--format", format, status=status)[0], format == "openmetrics")
+                findings, states = families["decoder_finding_active"], families["decoder_stage_state"]
+                self.assertEqual((findings["type"], states["type"]), ("gauge", "stateset" if format == "openmetrics" else "gauge"))
+                active = [labels for _, labels, value in findings["samples"] if value == "1"]
+                self.assertEqual(sorted((one["id"], one["severity"], one["stage"]) for one in active),
+                                 sorted((one["id"], one["severity"], one["stage"]) for one in wanted["findings"]))
+                could_be_seen = {labels["id"] for _, labels, _ in findings["samples"]}
+                self.assertEqual(could_be_seen & {one["id"] for one in wanted["unseen"]}, set())
+                self.assertEqual({labels["stage"]: labels["decoder_stage_state"] for _, labels, value in states["samples"] if value == "1"},
+                                 {one["id"]: one["state"] for one in wanted["stages"]})
+                self.assertEqual(list(exposition.stateset_problems({"decoder_stage_state": {**states, "type": "stateset"}})), [])
+
+    def test_they_stand_beside_those_of_the_fields(self):
+        for source, _, status in self.samples():
+            for format, parser in (("openmetrics", prometheus_client.openmetrics.parser), ("prometheus", prometheus_client.parser)):
+                text = run("show", source, "--format", format)[0].removesuffix("# EOF\n")
+                text += run("diagnose", source, "--format", format, status=status)[0]
+                exposition.read(text, format == "openmetrics")
+                families = [family.name for family in parser.text_string_to_metric_families(text)]
+                self.assertEqual(families[-2:], ["decoder_finding_active", "decoder_stage_state"])
+                if format == "prometheus" and shutil.which("promtool"):
+                    lint = subprocess.run(["promtool", "check", "metrics"], input=text, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
+                                          text=True, check=False)
+                    self.assertEqual((lint.returncode, lint.stdout), (0, ""))
+
+
 class Describe(unittest.TestCase):
     def test_a_label_answers_what_it_means_and_what_to_do(self):
         out = run("describe", "Received Packets")[0]
@@ -265,6 +307,10 @@ class Describe(unittest.TestCase):
         self.assertIn("Unknown NALs (debug)", out)
         self.assertIn("(nNumLostSegmentsRTP)", out)
         self.assertIn("--format json has fields only", run("describe", "Network loss", "--format", "json", status=2)[1])
+
+    def test_metrics_of_findings_and_stages(self):
+        self.assertIn("decoder_finding_active: 1 = ", run("describe", "decoder_finding_active")[0])
+        self.assertIn("\n  Kind          stateset\n", run("describe", "decoder_stage_state")[0])
 
     def test_metrics_of_the_decoder_itself(self):
         self.assertIn("decoder_up: 1 = ", run("describe", "decoder_up")[0])

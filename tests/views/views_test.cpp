@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 
+#include "comparison.h"
 #include "field_lines.h"
 #include "field_search.h"
 #include "json.h"
@@ -49,6 +50,21 @@ std::size_t index_of(std::string_view name)
 bool has(const std::string& text, std::string_view part)
 {
     return text.find(part) != std::string::npos;
+}
+
+TEST(Metrics, FurtherFamiliesStandBeforeTheEnd)
+{
+    const records::Snapshot snapshot = snapshot_of("a");
+    const records::Snapshot* const decoder = &snapshot;
+    for (const MetricsFormat format : {MetricsFormat::openmetrics, MetricsFormat::prometheus})
+    {
+        const std::string alone = metrics({&decoder, 1}, format);
+        std::string text;
+        views::write_metrics(text, {&decoder, 1}, format, "# TYPE other gauge\nother 1\n");
+        const std::string end(views::end_of_metrics(format));
+        EXPECT_EQ(text, alone.substr(0, alone.size() - end.size()) + "# TYPE other gauge\nother 1\n" + end);
+        EXPECT_EQ(end, format == MetricsFormat::openmetrics ? "# EOF\n" : "");
+    }
 }
 
 TEST(Json, WhatIsNotMeasuredIsNull)
@@ -226,6 +242,29 @@ TEST(FieldSearch, TheNearestNamesComeFirst)
     EXPECT_EQ(views::nearest_field_names("tdemux.sources[7].pidd").front(), "tdemux.sources[].pid");
     EXPECT_TRUE(views::nearest_names("").empty());
     EXPECT_TRUE(views::nearest_names("qqqqqqqq").empty());
+}
+
+TEST(Comparison, RatesAreByWhenTheRecordWasWritten)
+{
+    const records::Snapshot old = snapshot_of("a");
+    records::Snapshot now = old;
+    now.taken_at += 1'000'000'000;
+    now.records.tdemux.tCounters.nNumReceivedPackets += 500;
+    const views::FieldPlace place = {dictionary::find("tdemux.received_packets")->field, 0};
+    const std::size_t component = place.field->component;
+    EXPECT_EQ(views::Comparison(old, now).rate(place), 500); // nobody knows, so it is by when they were looked at
+
+    // Its host writes every two seconds: what was seen a second apart was written two apart.
+    records::Snapshot known = old;
+    known.written_at[component] = old.taken_at - 1'900'000'000;
+    now.written_at[component] = old.taken_at + 100'000'000;
+    EXPECT_EQ(views::Comparison(old, now).rate(place), 500); // of the older one it is not known
+    EXPECT_EQ(views::Comparison(known, now).rate(place), 250);
+
+    // Without another writing there is none, and none where the clock of the writings was set back.
+    EXPECT_EQ(views::Comparison(now, now).rate(place), std::nullopt);
+    known.written_at[component] = now.written_at[component] + 1;
+    EXPECT_EQ(views::Comparison(known, now).rate(place), std::nullopt);
 }
 
 TEST(NumberText, Products)

@@ -18,6 +18,7 @@
 #include "failure.h"
 #include "live.h"
 #include "options.h"
+#include "series.h"
 #include "signals.h"
 
 namespace commands
@@ -113,37 +114,20 @@ private:
     std::string state_;
 };
 
-/** A source that is looked at again and again. */
-class Looks
+/** Appends what there is now, or tells why there is nothing. */
+void append_look(sources::Series& series, Capture& capture)
 {
-public:
-    explicit Looks(const sources::Source& source) : source_(source)
-    {
-        if (const auto path = sources::find_live(source)) live_.emplace(*path);
-    }
-
-    /** Appends what there is now, or tells why there is nothing. */
-    void append_to(Capture& capture)
-    {
-        if (!live_) return capture.append(sources::take(source_, {}));
-        const published::Look look = live_->look();
-        const published::State state = look.status.state;
-        capture.tell_state(sources::problem_of(look));
-        if (!std::exchange(has_looked_, true) && !published::has_records(state)) fail(look.status.text);
-        if (state == published::State::live && look.snapshot.present.any()) return capture.append(look.snapshot);
-        capture.mark_gap(GapCause::no_source, std::string(state_name(state)));
-    }
-
-private:
-    sources::Source source_;
-    std::optional<sources::LiveDecoder> live_;
-    bool has_looked_ = false;
-};
+    const std::optional<sources::Sight> sight = series.next({});
+    if (!sight) return;
+    capture.tell_state(sight->problem);
+    if (sight->snapshot && sight->snapshot->is_up.value_or(true)) return capture.append(*sight->snapshot);
+    capture.mark_gap(GapCause::no_source, sight->state);
+}
 
 void capture_looks(const Options& options, Capture& capture)
 {
     using std::chrono::steady_clock;
-    Looks looks(options.source);
+    const auto series = sources::open_series(options.source);
     const Signals signals({SIGINT, SIGTERM, SIGHUP});
     Clocks clocks;
     const steady_clock::time_point begin = steady_clock::now();
@@ -156,7 +140,7 @@ void capture_looks(const Options& options, Capture& capture)
             capture.mark_gap(GapCause::clock_changed, "by " + std::to_string(std::chrono::round<std::chrono::seconds>(set).count()) + " s");
         else if (passed > much)
             capture.mark_gap(GapCause::late, "");
-        looks.append_to(capture);
+        append_look(*series, capture);
 
         due += options.every;
         if (due < steady_clock::now()) due = steady_clock::now(); // what has been missed is not made up for
@@ -207,27 +191,26 @@ void run(const Options& options, bool has_times)
 void add_capture(CLI::App& app)
 {
     const auto options = std::make_shared<Options>();
-    CLI::App& command = add_command(app, "capture", "Append the records of a decoder to a capture file, again and again");
+    Command command(app, "capture", "Append the records of a decoder to a capture file, again and again");
     add_source(command, options->source);
-    command.add_option("FILE", options->file, "The capture file; a single word is this")->type_name("");
-    const CLI::Option* const every =
-        add_duration(command, "--every", options->every, std::chrono::milliseconds(1), "How often: 1s without it");
-    const CLI::Option* const lasts = add_duration(command, "--for", options->lasts, {}, "How long; without it, until a signal ends it");
-    const auto check = [](const std::string& value)
+    command.value("FILE", options->file, "The capture file; a single word is this");
+    const Option every = add_duration(command, "--every", options->every, std::chrono::milliseconds(1), "How often: 1s without it");
+    const Option lasts = add_duration(command, "--for", options->lasts, {}, "How long; without it, until a signal ends it");
+    const auto problem = [](const std::string& value)
     { return parse_rotation(value) ? std::string() : "'" + value + "' is neither 'day' nor a size as 64M"; };
-    command.add_option("--rotate", options->rotation, "Begin a new file each day, or when one has a size as 64M")
-        ->check({check, ""})
-        ->type_name("WHEN");
+    command.value("--rotate", options->rotation, "Begin a new file each day, or when one has a size as 64M")
+        .check(problem)
+        .value_name("WHEN");
     add_moment(command, "--from", options->from, "Of a capture file, leave out what is before");
     add_moment(command, "--to", options->to, "Of a capture file, leave out what is after");
-    command.callback(
+    command.run(
         [options, every, lasts]
         {
             if (options->file.empty()) std::swap(options->file, options->source.text);
             if (options->file.empty()) fail("FILE is required; see 'decstats capture --help'");
             try
             {
-                run(*options, every->count() + lasts->count() != 0);
+                run(*options, every.is_given() || lasts.is_given());
             }
             catch (const capture::Error& error)
             {

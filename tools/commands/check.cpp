@@ -59,9 +59,9 @@ void check(const std::string& path)
 void add_check(CLI::App& app)
 {
     const auto file = std::make_shared<std::string>();
-    CLI::App& command = add_command(app, "check", "Check a capture file for damage");
-    command.add_option("FILE", *file, "Capture file")->type_name("")->required();
-    command.callback([file] { check(*file); });
+    Command command(app, "check", "Check a capture file for damage");
+    command.value("FILE", *file, "Capture file").required();
+    command.run([file] { check(*file); });
 }
 
 } // namespace commands

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstdio>
 
+#include <CLI/CLI.hpp>
+
 #include "commands.h"
 #include "failure.h"
 #include "options.h"

@@ -39,12 +39,12 @@ void list_scenarios()
 void add_demo(CLI::App& app, const LibraryFile& library)
 {
     const auto options = std::make_shared<Options>();
-    CLI::App& demo = add_command(app, "demo", "Print the reports of a sample");
-    CLI::Option* const scenario = add_scenario(demo, options->scenario)->capture_default_str();
-    add_level(demo, options->level);
-    add_components(demo, options->components);
-    demo.add_flag("--list", options->list, "List the scenarios instead")->excludes(scenario);
-    demo.callback(
+    Command command(app, "demo", "Print the reports of a sample");
+    const Option scenario = add_scenario(command, options->scenario).usually(options->scenario);
+    add_level(command, options->level);
+    add_components(command, options->components);
+    command.flag("--list", options->list, "List the scenarios instead").excludes(scenario);
+    command.run(
         [options, &library]
         {
             if (options->list) return list_scenarios();

@@ -8,6 +8,7 @@
 
 #include "commands.h"
 #include "description.h"
+#include "diagnosis_metrics.h"
 #include "failure.h"
 #include "field_search.h"
 #include "json.h"
@@ -72,7 +73,9 @@ std::string other_description(const std::string& name)
         const auto is_same = [](unsigned char a, unsigned char b) { return std::tolower(a) == std::tolower(b); };
         return std::ranges::equal(name, other, is_same);
     };
-    for (const views::PresenceFamily& family : views::presence_families)
+    for (const views::DecoderFamily& family : views::presence_families)
+        if (is_called(family.name)) return views::description(family);
+    for (const views::DecoderFamily& family : diagnosis::metric_families)
         if (is_called(family.name)) return views::description(family);
     for (const views::ManualEntry& entry : views::manual_entries())
         if (entry.component == nullptr && is_called(entry.label)) return views::description(entry);
@@ -107,20 +110,14 @@ void describe(const Options& options)
 void add_describe(CLI::App& app)
 {
     const auto options = std::make_shared<Options>();
-    CLI::App& command = add_command(app, "describe", "Print what fields mean");
-    CLI::Option* const names =
-        command
-            .add_option("WHAT", options->names,
-                        "Public names, C members, metrics, labels of report lines or components; all fields without one")
-            ->type_name("");
-    CLI::Option* const format = command.add_option("--format", options->format, "text or json")
-                                    ->check(one_of({"text", "json"}))
-                                    ->type_name("FORMAT")
-                                    ->capture_default_str();
-    command.add_flag("--schema", options->schema, "Print the JSON Schema of what 'decstats show' prints as JSON")
-        ->excludes(names)
-        ->excludes(format);
-    command.callback([options] { describe(*options); });
+    Command command(app, "describe", "Print what fields mean");
+    const Option names = command.values("WHAT", options->names,
+                                        "Public names, C members, metrics, labels of report lines or components; all fields without one");
+    const Option format = add_format(command, options->format, {"text", "json"});
+    command.flag("--schema", options->schema, "Print the JSON Schema of what 'decstats show' prints as JSON")
+        .excludes(names)
+        .excludes(format);
+    command.run([options] { describe(*options); });
 }
 
 } // namespace commands

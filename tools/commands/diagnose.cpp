@@ -13,6 +13,7 @@
 #include "commands.h"
 #include "diagnosis.h"
 #include "diagnosis_json.h"
+#include "diagnosis_metrics.h"
 #include "diagnosis_text.h"
 #include "explanation.h"
 #include "failure.h"
@@ -43,6 +44,7 @@ struct Options
 
     double window_seconds() const { return std::chrono::duration<double>(window).count(); }
     bool is_range() const { return from || to; }
+    bool is_metrics() const { return format == "openmetrics" || format == "prometheus"; }
 };
 
 [[noreturn]] void fail(const std::string& message)
@@ -57,12 +59,24 @@ void explain(const std::string& id)
     files::print(diagnosis::explanation(*rule));
 }
 
+std::string metrics(const Options& options, const diagnosis::Result& result, const records::Snapshot& snapshot)
+{
+    const bool is_openmetrics = options.format == "openmetrics";
+    const views::MetricsFormat format = is_openmetrics ? views::MetricsFormat::openmetrics : views::MetricsFormat::prometheus;
+    const diagnosis::Diagnosed decoder = {.decoder = snapshot.decoder, .result = &result};
+    std::string text;
+    diagnosis::write_metrics(text, {&decoder, 1}, format);
+    return text.append(views::end_of_metrics(format));
+}
+
 int print(const Options& options, const diagnosis::Result& result, const records::Snapshot& snapshot)
 {
     if (options.format == "json")
         files::print(views::indented(diagnosis::json(result, snapshot)) + "\n");
-    else
+    else if (options.format == "text")
         files::print(diagnosis::text(result));
+    else
+        files::print(metrics(options, result, snapshot));
     return diagnosis::exit_status(result);
 }
 
@@ -128,6 +142,7 @@ int diagnose(const Options& options)
     const bool is_live = sources::find_live(options.source).has_value();
     const bool is_captured = !is_live && sources::is_capture(options.source.text);
     if (options.is_range() && !is_captured) fail("--from and --to are for capture files");
+    if (options.is_range() && options.is_metrics()) fail("metrics are of one moment: --from and --to are for --format text and json");
     if (options.is_range() && options.at) fail("--at is one moment, --from and --to are a range: not both");
     if (is_captured) return options.is_range() ? diagnose_range(options) : diagnose_moment(options);
     if (is_live && !options.at) return diagnose_live(options);
@@ -140,23 +155,20 @@ int diagnose(const Options& options)
 void add_diagnose(CLI::App& app, int& status)
 {
     const auto options = std::make_shared<Options>();
-    CLI::App& command = add_command(app, diagnose_name, "Say what is wrong with a decoder, and where");
-    CLI::Option* const source = add_source(command, options->source);
+    Command command(app, diagnose_name, "Say what is wrong with a decoder, and where");
+    const Option source = add_source(command, options->source);
     add_duration(command, "--window", options->window, std::chrono::seconds(1),
                  "How far the moments lie apart that are compared, 10s without it");
     add_at(command, options->at);
     add_moment(command, "--from", options->from, "First moment of a capture file: each finding with its begin and end");
     add_moment(command, "--to", options->to, "Last moment of a capture file");
-    command.add_option("--format", options->format, "text or json")
-        ->check(one_of({"text", "json"}))
-        ->type_name("FORMAT")
-        ->capture_default_str();
-    command.add_option("--explain", options->rule, "Print what a finding is, why its limits are as they are and what to do")
-        ->type_name("ID")
-        ->excludes(source);
+    add_format(command, options->format, {"text", "json", "openmetrics", "prometheus"});
+    command.value("--explain", options->rule, "Print what a finding is, why its limits are as they are and what to do")
+        .value_name("ID")
+        .excludes(source);
     command.footer("Exit status: 0 healthy or idle, 1 warning, 2 critical, 3 cannot tell, whatever the reason.\n"
                    "decstats-findings(5) has all findings.");
-    command.callback(
+    command.run(
         [options, &status]
         {
             if (!options->rule.empty()) return explain(options->rule);

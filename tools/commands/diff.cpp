@@ -45,17 +45,14 @@ void diff(const Options& options)
 void add_diff(CLI::App& app)
 {
     const auto options = std::make_shared<Options>();
-    CLI::App& command = add_command(app, "diff", "Print what has changed between two sources, or two moments of one");
-    command.add_option("OLD", options->old_source, "A SOURCE, as of 'decstats show'")->type_name("")->required();
-    command.add_option("NEW", options->new_source, "The SOURCE that is later; OLD at another moment without it")->type_name("");
+    Command command(app, "diff", "Print what has changed between two sources, or two moments of one");
+    command.value("OLD", options->old_source, "A SOURCE, as of 'decstats show'").required();
+    command.value("NEW", options->new_source, "The SOURCE that is later; OLD at another moment without it");
     add_moment(command, "--from", options->from, "Moment of OLD: RFC 3339, seconds since the epoch, or mtime of a record's file");
     add_moment(command, "--to", options->to, "Moment of NEW");
     add_directory(command, options->directory);
-    command.add_option("--format", options->format, "text, json or ndjson (one line)")
-        ->check(one_of({"text", "json", "ndjson"}))
-        ->type_name("FORMAT")
-        ->capture_default_str();
-    command.callback([options] { diff(*options); });
+    add_format(command, options->format, {"text", "json", "ndjson"});
+    command.run([options] { diff(*options); });
 }
 
 } // namespace commands

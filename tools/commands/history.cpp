@@ -132,9 +132,9 @@ private:
 void add_history(CLI::App& app)
 {
     const auto file = std::make_shared<std::string>();
-    CLI::App& command = add_command(app, "history", "Tell what a capture file spans: restarts, gaps, damage, sizes");
-    command.add_option("FILE", *file, "Capture file")->type_name("")->required();
-    command.callback(
+    Command command(app, "history", "Tell what a capture file spans: restarts, gaps, damage, sizes");
+    command.value("FILE", *file, "Capture file").required();
+    command.run(
         [file]
         {
             sources::Captured captured(*file, {}, {});

@@ -40,13 +40,10 @@ void list(const Options& options)
 void add_list(CLI::App& app)
 {
     const auto options = std::make_shared<Options>();
-    CLI::App& command = add_command(app, "list", "List the live decoders and how they stand");
+    Command command(app, "list", "List the live decoders and how they stand");
     add_directory(command, options->directory);
-    command.add_option("--format", options->format, "text or json")
-        ->check(one_of({"text", "json"}))
-        ->type_name("FORMAT")
-        ->capture_default_str();
-    command.callback([options] { list(*options); });
+    add_format(command, options->format, {"text", "json"});
+    command.run([options] { list(*options); });
 }
 
 } // namespace commands

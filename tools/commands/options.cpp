@@ -14,117 +14,89 @@ namespace commands
 namespace
 {
 
-/** The name of the component that a name or a key, as in JSON, means. What is neither stays as it is. */
-std::string component_name(const std::string& name)
+/** The component that has a name, or a key as in JSON; NULL = none. */
+const records::Component* find_component(const std::string& name)
 {
-    const auto component = std::ranges::find(records::components(), name, &records::Component::key);
-    return component == records::components().end() ? name : std::string(component->name);
+    const auto by_key = std::ranges::find(records::components(), name, &records::Component::key);
+    return by_key == records::components().end() ? records::find_component(name) : &*by_key;
 }
 
 } // namespace
 
-CLI::App& add_command(CLI::App& app, const std::string& name, const std::string& description)
+Option add_format(Command& command, std::string& format, const std::vector<std::string>& formats)
 {
-    CLI::App* const command = app.add_subcommand(name, description);
-    command->set_version_flag("--version", version_line, "Print the version of decstats and exit");
-    return *command;
+    return command.value("--format", format, joined(formats)).one_of(formats).value_name("FORMAT").usually(format);
 }
 
-CLI::Validator one_of(std::vector<std::string> allowed)
-{
-    const auto check = [allowed = std::move(allowed)](const std::string& value)
-    {
-        if (std::ranges::find(allowed, value) != allowed.end()) return std::string();
-        return "'" + value + "' is not known; allowed are " + joined(allowed);
-    };
-    return {check, ""};
-}
-
-void add_level(CLI::App& command, STATS_LEVEL& level)
+void add_level(Command& command, STATS_LEVEL& level)
 {
     const auto set = [&level](const std::string& name) { level = name == "debug" ? STATS_LEVEL_DEBUG : STATS_LEVEL_DEFAULT; };
-    command.add_option_function<std::string>("--level", set, "How much the reports show: default or debug")
-        ->check(one_of({"default", "debug"}))
-        ->type_name("LEVEL")
-        ->default_str("default");
+    command.taken("--level", set, "How much the reports show: default or debug")
+        .one_of({"default", "debug"})
+        .value_name("LEVEL")
+        .usually("default");
 }
 
-void add_components(CLI::App& command, std::bitset<records::component_count>& components)
+void add_components(Command& command, std::bitset<records::component_count>& components)
 {
-    const auto set = [&components](const std::vector<std::string>& names)
+    const auto set = [&components](const std::string& name) { components.set(find_component(name)->index); };
+    const auto problem = [](const std::string& name)
     {
-        for (const std::string& name : names) components.set(records::find_component(name)->index);
+        if (find_component(name) != nullptr) return std::string();
+        return "'" + name + "' is not known; allowed are " + joined(records::component_names());
     };
-    const auto by_name = [](std::string& name)
-    {
-        name = component_name(name);
-        return std::string();
-    };
-    command.add_option_function<std::vector<std::string>>("--component", set, "Print the report of this component only; may be repeated")
-        ->transform({by_name, ""})
-        ->check(one_of(records::component_names()))
-        ->type_name("NAME")
-        ->allow_extra_args(false);
+    command.each_taken("--component", set, "Print the report of this component only; may be repeated").check(problem).value_name("NAME");
     command.footer(component_help());
 }
 
-void add_moment(CLI::App& command, const std::string& name, std::optional<sources::At>& at, const std::string& description)
+void add_moment(Command& command, const std::string& name, std::optional<sources::At>& at, const std::string& description)
 {
-    const auto check = [](const std::string& value)
+    const auto problem = [](const std::string& value)
     {
         if (sources::parse_at(value)) return std::string();
         return "'" + value + "' is no moment; a moment is as 2022-06-06T16:06:55Z, seconds since the epoch, or mtime";
     };
-    command
-        .add_option_function<std::string>(
-            name, [&at](const std::string& value) { at = sources::parse_at(value); }, description)
-        ->check({check, ""})
-        ->type_name("TIME");
+    const auto take = [&at](const std::string& value) { at = sources::parse_at(value); };
+    command.taken(name, take, description).check(problem).value_name("TIME");
 }
 
-void add_at(CLI::App& command, std::optional<sources::At>& at)
+void add_at(Command& command, std::optional<sources::At>& at)
 {
     add_moment(command, "--at", at, "Moment that the ages count to: RFC 3339, seconds since the epoch, or mtime of the file");
 }
 
-void add_fields(CLI::App& command, std::vector<std::string>& names)
+void add_fields(Command& command, std::vector<std::string>& names)
 {
-    command.add_option("--field", names, "Show these fields only, by their public names")->type_name("NAME...");
+    command.values("--field", names, "Show these fields only, by their public names").value_name("NAME...");
 }
 
-CLI::Option* add_source(CLI::App& command, sources::Source& source)
+Option add_source(Command& command, sources::Source& source)
 {
     add_directory(command, source.directory);
-    return command
-        .add_option("SOURCE", source.text,
-                    "A live decoder by name or path, sample:SCENARIO, a capture file, a directory of record files, or a record file, - for "
-                    "standard input; "
-                    "the only live decoder without one")
-        ->type_name("");
+    return command.value("SOURCE", source.text,
+                         "A live decoder by name or path, sample:SCENARIO, a capture file, a directory of record files, or a record file, "
+                         "- for standard input; the only live decoder without one");
 }
 
-void add_directory(CLI::App& command, std::string& directory)
+void add_directory(Command& command, std::string& directory)
 {
-    command.add_option("--directory", directory, "Where live decoders are")
-        ->type_name("DIR")
-        ->envname("DECSTATS_DIRECTORY")
-        ->capture_default_str();
+    command.value("--directory", directory, "Where live decoders are")
+        .value_name("DIR")
+        .from_environment("DECSTATS_DIRECTORY")
+        .usually(directory);
 }
 
-CLI::Option* add_duration(CLI::App& command, const std::string& name, std::chrono::nanoseconds& duration, std::chrono::nanoseconds least,
-                          const std::string& description)
+Option add_duration(Command& command, const std::string& name, std::chrono::nanoseconds& duration, std::chrono::nanoseconds least,
+                    const std::string& description)
 {
-    const auto check = [least](const std::string& value)
+    const auto problem = [least](const std::string& value)
     {
         const auto read = sources::parse_duration(value);
         if (!read) return "'" + value + "' is no duration; a duration is as 500ms, 1.5s, 10m, 2h or 1d";
         return *read < least ? "'" + value + "' is too short" : std::string();
     };
-    return command
-        .add_option_function<std::string>(
-            name, [&duration](const std::string& value) { duration = *sources::parse_duration(value); }, description)
-        ->check({check, ""})
-        ->type_name("TIME");
+    const auto take = [&duration](const std::string& value) { duration = *sources::parse_duration(value); };
+    return command.taken(name, take, description).check(problem).value_name("TIME");
 }
 
 std::vector<dictionary::Found> named_fields(const std::vector<std::string>& names)
@@ -151,11 +123,11 @@ std::string unknown_text(const std::string& name, const std::string& kinds, cons
     return text + (nearest.size() == 1 ? "near it is " : "near it are ") + joined(nearest);
 }
 
-CLI::Option* add_scenario(CLI::App& command, std::string& scenario)
+Option add_scenario(Command& command, std::string& scenario)
 {
     std::vector<std::string> names;
     for (const sources::Scenario& one : sources::scenarios()) names.push_back(one.name);
-    return command.add_option("SCENARIO", scenario, "Scenario of the sample")->check(one_of(names))->type_name("");
+    return command.value("SCENARIO", scenario, "Scenario of the sample").one_of(names);
 }
 
 std::string component_help()

@@ -28,16 +28,13 @@ struct Options
 void add_print(CLI::App& app, const LibraryFile& library)
 {
     const auto options = std::make_shared<Options>();
-    CLI::App& print = add_command(app, "print", "Print the report of a raw record");
-    print.add_option("COMPONENT", options->component, "Component of the record")
-        ->check(one_of(records::component_names()))
-        ->type_name("")
-        ->required();
-    print.add_option("FILE", options->file, "File of the record, - for standard input")->type_name("")->required();
-    add_level(print, options->level);
-    add_at(print, options->at);
-    print.footer(component_help());
-    print.callback(
+    Command command(app, "print", "Print the report of a raw record");
+    command.value("COMPONENT", options->component, "Component of the record").one_of(records::component_names()).required();
+    command.value("FILE", options->file, "File of the record, - for standard input").required();
+    add_level(command, options->level);
+    add_at(command, options->at);
+    command.footer(component_help());
+    command.run(
         [options, &library]
         {
             const records::Component& component = *records::find_component(options->component);

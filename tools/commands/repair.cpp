@@ -40,10 +40,10 @@ catch (const capture::Error& error)
 void add_repair(CLI::App& app)
 {
     const auto options = std::make_shared<Options>();
-    CLI::App& command = add_command(app, "repair", "Write a new capture file of all that can be read of a damaged one");
-    command.add_option("FILE", options->file, "Capture file, which stays as it is")->type_name("")->required();
-    command.add_option("NEW", options->new_file, "The new file, which must not exist")->type_name("")->required();
-    command.callback([options] { repair(*options); });
+    Command command(app, "repair", "Write a new capture file of all that can be read of a damaged one");
+    command.value("FILE", options->file, "Capture file, which stays as it is").required();
+    command.value("NEW", options->new_file, "The new file, which must not exist").required();
+    command.run([options] { repair(*options); });
 }
 
 } // namespace commands

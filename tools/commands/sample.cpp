@@ -27,11 +27,11 @@ struct Options
 void add_sample(CLI::App& app)
 {
     const auto options = std::make_shared<Options>();
-    CLI::App& sample = add_command(app, "sample", "Write the raw records of a sample");
-    add_scenario(sample, options->scenario)->required();
-    sample.add_option("DIR", options->directory, "Existing directory for the files, COMPONENT.rec each")->type_name("")->required();
-    sample.callback([options]
-                    { sources::write_record_files(sources::sample(options->scenario, sources::present_moment()), options->directory); });
+    Command command(app, "sample", "Write the raw records of a sample");
+    add_scenario(command, options->scenario).required();
+    command.value("DIR", options->directory, "Existing directory for the files, COMPONENT.rec each").required();
+    command.run([options]
+                { sources::write_record_files(sources::sample(options->scenario, sources::present_moment()), options->directory); });
 }
 
 } // namespace commands

@@ -32,28 +32,20 @@ constexpr const char* program = "decstats-serve";
     arguments.push_back(nullptr);
     execv(path.c_str(), arguments.data());
     const int number = errno;
-    throw files::Failure(files::ExitStatus::input_failed,
-                         path.string() + ": " + std::strerror(number) +
-                             (number == ENOENT ? "; it is in a package of its own, decstats-serve" : ""));
+    throw files::Failure(files::ExitStatus::input_failed, path.string() + ": " + std::strerror(number) +
+                                                              (number == ENOENT ? "; it is in a package of its own, decstats-serve" : ""));
 }
 
 } // namespace
 
 void add_serve(CLI::App& app, const LibraryFile& library)
 {
-    CLI::App* const command =
-        app.add_subcommand("serve", "Show live decoders and captures to browsers, to Prometheus and to other programs");
-    // Its options are those of the other program, --help among them.
-    command->prefix_command();
-    command->fallthrough(false);
-    command->set_help_flag();
-    command->final_callback(
-        [command, &library]
-        {
-            std::vector<std::string> words = command->remaining();
-            if (library) words.insert(words.begin(), "--library=" + *library);
-            execute(std::move(words));
-        });
+    add_program(app, "serve", "Show live decoders and captures to browsers, to Prometheus and to other programs",
+                [&library](std::vector<std::string> words)
+                {
+                    if (library) words.insert(words.begin(), "--library=" + *library);
+                    execute(std::move(words));
+                });
 }
 
 } // namespace commands

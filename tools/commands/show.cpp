@@ -152,27 +152,24 @@ void show(Options& options, const LibraryFile& library)
 void add_show(CLI::App& app, const LibraryFile& library)
 {
     const auto options = std::make_shared<Options>();
-    CLI::App& command = add_command(app, "show", "Show the records of a decoder as reports, JSON or metrics");
+    Command command(app, "show", "Show the records of a decoder as reports, JSON or metrics");
     add_source(command, options->source);
     add_components(command, options->components);
     add_level(command, options->level);
-    command.add_option("--format", options->format, "text, json, ndjson (one line), openmetrics or prometheus")
-        ->check(one_of({"text", "json", "ndjson", "openmetrics", "prometheus"}))
-        ->type_name("FORMAT")
-        ->default_str(usual_format(*options));
-    command.add_flag("--raw", options->raw, "JSON of all bytes as they stand in the records, nothing interpreted");
+    add_format(command, options->format, {"text", "json", "ndjson", "openmetrics", "prometheus"}).usually(usual_format(*options));
+    command.flag("--raw", options->raw, "JSON of all bytes as they stand in the records, nothing interpreted");
     add_at(command, options->at);
     add_fields(command, options->fields);
     const auto check_decoder = [](const std::string& value)
     { return published::is_name(value) ? std::string() : "'" + value + "' is no name of a decoder"; };
-    command.add_option("--decoder", options->decoder, "Name of the decoder, where the source has none, for JSON and metrics")
-        ->check({check_decoder, ""})
-        ->type_name("NAME");
+    command.value("--decoder", options->decoder, "Name of the decoder, where the source has none, for JSON and metrics")
+        .check(check_decoder)
+        .value_name("NAME");
     const auto check_output = [](const std::string& value) { return value.empty() ? std::string("'' is no file") : std::string(); };
-    command.add_option("--output", options->output, "Write this file, whole at once, instead of standard output")
-        ->check({check_output, ""})
-        ->type_name("FILE");
-    command.callback([options, &library] { show(*options, library); });
+    command.value("--output", options->output, "Write this file, whole at once, instead of standard output")
+        .check(check_output)
+        .value_name("FILE");
+    command.run([options, &library] { show(*options, library); });
 }
 
 } // namespace commands

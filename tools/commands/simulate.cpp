@@ -123,18 +123,17 @@ void simulate(const Options& options)
 void add_simulate(CLI::App& app)
 {
     const auto options = std::make_shared<Options>();
-    CLI::App& command = add_command(app, "simulate", "Publish a living sample, as a host process publishes its decoder");
-    CLI::Option* const scenario = add_scenario(command, options->scenario);
-    command.add_option("--name", options->name, "Name of the decoder, that of the scenario without it")->type_name("NAME");
+    Command command(app, "simulate", "Publish a living sample, as a host process publishes its decoder");
+    const Option scenario = add_scenario(command, options->scenario);
+    command.value("--name", options->name, "Name of the decoder, that of the scenario without it").value_name("NAME");
     add_directory(command, options->directory);
     add_duration(command, "--for", options->lasts, {}, "How long; without it, until a signal ends it");
-    CLI::Option* const fault = command.add_option("--fault", options->fault, "Let this go wrong: a name that --list-faults shows")
-                                   ->check(one_of(fault_names()))
-                                   ->type_name("NAME");
-    add_duration(command, "--after", options->after, {}, "When the fault begins, counted from the start; at once without it")->needs(fault);
-    command.add_flag("--list-faults", options->list_faults, "List the faults, each with the scenario that it is seen in")
-        ->excludes(scenario);
-    command.callback(
+    const Option fault = command.value("--fault", options->fault, "Let this go wrong: a name that --list-faults shows")
+                             .one_of(fault_names())
+                             .value_name("NAME");
+    add_duration(command, "--after", options->after, {}, "When the fault begins, counted from the start; at once without it").needs(fault);
+    command.flag("--list-faults", options->list_faults, "List the faults, each with the scenario that it is seen in").excludes(scenario);
+    command.run(
         [options]
         {
             if (options->list_faults) return list_faults();

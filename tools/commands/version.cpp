@@ -44,9 +44,9 @@ void print_versions(const LibraryFile& library)
 void add_version(CLI::App& app, const LibraryFile& library)
 {
     const auto file = std::make_shared<std::optional<std::string>>();
-    CLI::App& version = add_command(app, "version", "Print the versions of decstats and the report library, or those in a file");
-    version.add_option("FILE", *file, "Library, executable or core image to search, - for standard input")->type_name("");
-    version.callback([file, &library] { *file ? print_version_records(**file) : print_versions(library); });
+    Command command(app, "version", "Print the versions of decstats and the report library, or those in a file");
+    command.value("FILE", *file, "Library, executable or core image to search, - for standard input");
+    command.run([file, &library] { *file ? print_version_records(**file) : print_versions(library); });
 }
 
 } // namespace commands

@@ -3,7 +3,6 @@
  * decstats watch: a decoder as it lives.
  */
 #include <algorithm>
-#include <array>
 #include <csignal>
 #include <limits>
 #include <memory>
@@ -14,14 +13,12 @@
 #include "failure.h"
 #include "json.h"
 #include "live.h"
-#include "number_text.h"
 #include "options.h"
-#include "reports.h"
+#include "screen.h"
 #include "series.h"
 #include "signals.h"
 #include "standard_output.h"
 #include "terminal.h"
-#include "watch_lines.h"
 
 namespace commands
 {
@@ -31,7 +28,6 @@ namespace
 
 using std::chrono::nanoseconds;
 using std::chrono::steady_clock;
-using views::WatchLine;
 
 struct Options
 {
@@ -89,67 +85,15 @@ private:
     steady_clock::time_point due_;
 };
 
-/** The lines of one look after the other. */
-class Lines
-{
-public:
-    Lines(const Options& options, const LibraryFile& library) : options_(options), library_(library), fields_(named_fields(options.fields))
-    {
-    }
-
-    /** The lines of a look, which is the last one for the next. */
-    std::vector<WatchLine> next(sources::Sight sight)
-    {
-        std::vector<WatchLine> lines = {heading(sight)};
-        if (!sight.problem.empty()) lines.push_back({.text = "! " + files::printable(sight.problem), .has_changed = false});
-        if (!sight.snapshot) return lines;
-        std::optional<views::Comparison> comparison;
-        if (last_) comparison.emplace(*last_, *sight.snapshot);
-        append_body(lines, *sight.snapshot, comparison ? &*comparison : nullptr);
-        last_ = std::move(sight.snapshot);
-        return lines;
-    }
-
-private:
-    WatchLine heading(const sources::Sight& sight) const
-    {
-        if (!sight.snapshot) return {.text = sight.state, .has_changed = false};
-        const records::Snapshot& now = *sight.snapshot;
-        const bool is_restarted = last_ && last_->instance != now.instance;
-        std::string text = now.decoder + (now.decoder.empty() ? "" : "  ") + sight.state + (sight.state.empty() ? "" : "  ");
-        text += views::moment_text(now.taken_at);
-        if (is_restarted) text += "  restarted: its counters have begun anew";
-        return {.text = text, .has_changed = is_restarted};
-    }
-
-    void append_body(std::vector<WatchLine>& lines, const records::Snapshot& now, const views::Comparison* comparison)
-    {
-        const auto append = [&](const std::vector<WatchLine>& more) { lines.insert(lines.end(), more.begin(), more.end()); };
-        if (!fields_.empty()) return append(views::field_watch_lines(now, comparison, fields_));
-        for (const records::Component& component : records::components())
-        {
-            if (!now.has(component) || (options_.components.any() && !options_.components[component.index])) continue;
-            const std::string report = views::report_text(now, library_, 1U << component.index, options_.level);
-            std::vector<WatchLine>& before = reports_[component.index];
-            before = views::report_watch_lines(component, report, before, comparison);
-            append(before);
-        }
-    }
-
-    const Options& options_;
-    const LibraryFile& library_;
-    std::vector<dictionary::Found> fields_;
-    std::optional<records::Snapshot> last_;
-    std::array<std::vector<WatchLine>, records::component_count> reports_ = {};
-};
-
 void paint(const Options& options, const LibraryFile& library)
 {
     const auto series = open_series(options);
-    Lines lines(options, library);
-    std::vector<WatchLine> painted;
+    const Watched watched = {
+        .fields = named_fields(options.fields), .components = options.components, .level = options.level, .step = options.step()};
+    Screen screen(watched, library);
+    std::vector<views::WatchLine> painted;
     std::optional<sources::Sight> sight = series->next({});
-    if (sight) painted = lines.next(std::move(*sight)); // what fails at once is told on the shell's screen
+    if (sight) painted = screen.next(std::move(*sight)); // what fails at once is told on the shell's screen
 
     const Signals signals({SIGINT, SIGTERM, SIGHUP, SIGWINCH, SIGTSTP});
     Terminal terminal;
@@ -166,7 +110,7 @@ void paint(const Options& options, const LibraryFile& library)
         }
         pace.take_next();
         sight = series->next(options.step());
-        if (sight) painted = lines.next(std::move(*sight));
+        if (sight) painted = screen.next(std::move(*sight));
     }
 }
 
@@ -211,21 +155,17 @@ void write_lines(const Options& options)
 void add_watch(CLI::App& app, const LibraryFile& library)
 {
     const auto options = std::make_shared<Options>();
-    CLI::App& command = add_command(app, "watch", "Show a decoder again and again, on a terminal in place, else as lines of JSON");
+    Command command(app, "watch", "Show a decoder again and again, on a terminal in place, else as lines of JSON");
     add_source(command, options->source);
     add_duration(command, "--every", options->every, std::chrono::milliseconds(10), "How often: 1s without it");
-    command.add_option("--count", options->count, "How many times; without it, until a signal ends it")
-        ->check(CLI::PositiveNumber)
-        ->type_name("N");
+    command.value("--count", options->count, "How many times; without it, until a signal ends it").positive().value_name("N");
     add_fields(command, options->fields);
     add_components(command, options->components);
     add_level(command, options->level);
-    command.add_option("--speed", options->speed, "Play a capture file back so many times as fast as it was")
-        ->check(CLI::PositiveNumber)
-        ->type_name("N");
+    command.value("--speed", options->speed, "Play a capture file back so many times as fast as it was").positive().value_name("N");
     add_moment(command, "--from", options->from, "Of a capture file, begin at this moment");
     add_moment(command, "--to", options->to, "Of a capture file, end at this moment");
-    command.callback(
+    command.run(
         [options, &library]
         {
             if (can_paint())

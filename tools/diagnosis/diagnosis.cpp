@@ -76,6 +76,7 @@ void Diagnosis::evaluate(const Window& window)
     Found found = find(window, recent);
     result_.findings = std::move(found.findings);
     result_.unseen = std::move(found.unseen);
+    result_.asked = std::move(found.asked);
     const std::vector<Finding> held = hold_back(window);
     settle(held, found.follow, window);
     for (const Finding& finding : held) found.follow.push_back(finding.rule);

@@ -95,6 +95,7 @@ struct Result
     std::array<StageResult, stage_count> stages = {}; /**< in the chain's order */
     std::vector<Finding> findings;                    /**< the most severe first, then causes first */
     std::vector<Unseen> unseen;
+    std::vector<bool> asked; /**< for each of rules(), whether it could look: what was not found is not there; empty = none could */
 };
 
 /** Exit status, as monitoring plugins have it: 0 healthy, 1 warning, 2 critical, 3 cannot tell. */

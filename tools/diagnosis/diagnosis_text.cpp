@@ -86,34 +86,6 @@ std::string value_text(const Proof& proof, std::int64_t now)
     return "";
 }
 
-void append_stage(std::string& all, const StageResult& stage, std::int64_t now)
-{
-    std::array<char, 64> head;
-    std::snprintf(head.data(), head.size(), "  %-16s  %-8s", std::string(stage_title(stage.stage)).c_str(),
-                  std::string(state_title(stage.state)).c_str());
-    all += head.data();
-    const bool flowing = stage.state != StageState::idle && stage.in;
-    if (flowing)
-    {
-        all += "  in " + rate_text(*stage.in) + ", out " + rate_text(*stage.out) + " " + std::string(flow(stage.stage).unit) + "/s";
-        if (stage.lost.value_or(0) > 0) all += ", lost " + std::to_string(*stage.lost);
-    }
-    if (stage.state != StageState::idle && stage.last_good && (!flowing || *stage.out == 0))
-        all += std::string(flowing ? ", " : "  ") + "last " + span_of(now - *stage.last_good) + " ago";
-    while (all.ends_with(' ')) all.pop_back();
-    if (!stage.findings.empty())
-    {
-        all += "  [";
-        for (const std::size_t finding : stage.findings)
-        {
-            if (!all.ends_with('[')) all += ", ";
-            all += std::to_string(finding + 1);
-        }
-        all += "]";
-    }
-    all += "\n";
-}
-
 std::string severity_title(Severity severity)
 {
     std::string title(severity_id(severity));
@@ -168,12 +140,39 @@ std::string text(const Proof& proof, const Result& result)
     return line;
 }
 
+std::string verdict_line(const Result& result)
+{
+    const Verdict& verdict = result.verdict;
+    return verdict.headline + (verdict.place.empty() ? "" : ". " + verdict.place);
+}
+
+std::string stage_line(const Result& result, std::size_t place)
+{
+    const StageResult& stage = result.stages[place];
+    std::array<char, 64> head;
+    std::snprintf(head.data(), head.size(), "  %-16s  %-8s", std::string(stage_title(stage.stage)).c_str(),
+                  std::string(state_title(stage.state)).c_str());
+    std::string line = head.data();
+    const bool flowing = stage.state != StageState::idle && stage.in;
+    if (flowing)
+    {
+        line += "  in " + rate_text(*stage.in) + ", out " + rate_text(*stage.out) + " " + std::string(flow(stage.stage).unit) + "/s";
+        if (stage.lost.value_or(0) > 0) line += ", lost " + std::to_string(*stage.lost);
+    }
+    if (stage.state != StageState::idle && stage.last_good && (!flowing || *stage.out == 0))
+        line += std::string(flowing ? ", " : "  ") + "last " + span_of(result.taken_at / second - *stage.last_good) + " ago";
+    while (line.ends_with(' ')) line.pop_back();
+    std::string numbers;
+    for (const std::size_t finding : stage.findings) numbers += (numbers.empty() ? "" : ", ") + std::to_string(finding + 1);
+    return numbers.empty() ? line : line + "  [" + numbers + "]";
+}
+
 std::string text(const Result& result)
 {
     std::string all = result.verdict.headline + "\n";
     if (!result.verdict.place.empty()) all += wrapped(result.verdict.place, 0, 0) + "\n";
     all += "\n";
-    for (const StageResult& stage : result.stages) append_stage(all, stage, result.taken_at / second);
+    for (std::size_t i = 0; i < result.stages.size(); ++i) all += stage_line(result, i) + "\n";
     for (std::size_t i = 0; i < result.findings.size(); ++i) append_finding(all, result.findings[i], i + 1, result);
     append_unseen(all, result);
     return all;

@@ -16,6 +16,12 @@ namespace diagnosis
 /** A result: the verdict, the chain with a line for each stage, the findings with their evidence and what to do now. */
 std::string text(const Result& result);
 
+/** The verdict in one line: what is lost, and where. */
+std::string verdict_line(const Result& result);
+
+/** A stage in one line, without its newline: its name, how it is, what flows through it, and the numbers of its findings. */
+std::string stage_line(const Result& result, std::size_t place);
+
 /** Findings over time, with their begin and end. */
 std::string text(const std::vector<Episode>& episodes);
 

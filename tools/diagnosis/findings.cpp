@@ -56,18 +56,20 @@ Finding finding_of(const Candidate& candidate, const Window& window)
     return finding;
 }
 
-std::vector<Candidate> ask(const Window& window, std::vector<Unseen>& unseen)
+std::vector<Candidate> ask(const Window& window, Found& found)
 {
+    found.asked.resize(rules().size());
     std::vector<Candidate> candidates;
     for (std::size_t i = 0; i < rules().size(); ++i)
     {
         const Rule& rule = *rules()[i];
         if (const Reading* reading = missing(rule, window); reading != nullptr)
         {
-            unseen.push_back({&rule, reading->name(), !window.snapshot().present[reading->field().component]});
+            found.unseen.push_back({&rule, reading->name(), !window.snapshot().present[reading->field().component]});
             continue;
         }
         if ((rule.needs_window && !window.whole()) || any_cleared(rule, window)) continue;
+        found.asked[i] = true;
         Hit hit;
         if (rule.test(window, hit)) candidates.push_back({i, std::move(hit), candidates.size()});
     }
@@ -86,8 +88,12 @@ bool explains(const Rule& cause, const Rule& effect)
 Found find(const Window& window, const std::vector<bool>& recent)
 {
     Found found;
-    std::vector<Candidate> candidates = ask(window, found.unseen);
-    if (!candidates.empty() && rules()[candidates.front().place]->stage == Stage::host) candidates.resize(1); // all else is old
+    std::vector<Candidate> candidates = ask(window, found);
+    if (!candidates.empty() && rules()[candidates.front().place]->stage == Stage::host)
+    {
+        candidates.resize(1); // all else is old
+        for (std::size_t i = 0; i < found.asked.size(); ++i) found.asked[i] = found.asked[i] && rules()[i]->stage == Stage::host;
+    }
 
     constexpr std::size_t earlier = SIZE_MAX; // something that has passed
     for (std::size_t i = 0; i < candidates.size(); ++i)

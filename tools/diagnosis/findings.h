@@ -20,6 +20,7 @@ struct Found
     std::vector<Finding> findings;   /**< those that nothing else explains, the most severe first */
     std::vector<const Rule*> follow; /**< those that others explain */
     std::vector<Unseen> unseen;
+    std::vector<bool> asked; /**< as Result has it */
 };
 
 /**

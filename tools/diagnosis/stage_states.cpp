@@ -31,6 +31,8 @@ bool is_unused(Stage stage, const Window& window)
         return now == SMGR_CLOCK_TRACKING_DISABLED || now == SMGR_CLOCK_TRACKING_DISABLED_LOCK;
     }
     if (window.value(demuxed) == 0) return false; // it is not known yet what the stream has
+    const auto age = window.age(*flow(stage).last);
+    if (age && *age < window.value(uptime)) return false; // it had something for this stage
     switch (stage)
     {
     case Stage::framer:
@@ -125,8 +127,13 @@ StageResult observe(Stage stage, const Window& window)
     }
     if (!window.whole() || window.cleared(*counted.in) || window.cleared(*counted.out)) return observed;
     const Passed all = passed(counted, window);
-    observed.in = static_cast<double>(all.in) / window.seconds();
-    observed.out = static_cast<double>(all.out) / window.seconds();
+    const auto rate = [&](std::int64_t passed, const Reading& reading)
+    {
+        const double seconds = window.seconds(reading);
+        return seconds > 0 ? static_cast<double>(passed) / seconds : 0;
+    };
+    observed.in = rate(all.in, *counted.in);
+    observed.out = rate(all.out, *counted.out);
     observed.lost = all.lost;
     return observed;
 }

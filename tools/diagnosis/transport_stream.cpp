@@ -1,5 +1,6 @@
-/** @file transport_stream.cpp Rules about the transport stream and its elementary streams. */
-#include "rule.h"
+/** @file transport_stream.cpp Rules about the transport stream. */
+#include "transport_stream.h"
+
 #include "sessmgr_types.h"
 
 namespace diagnosis
@@ -8,12 +9,10 @@ namespace diagnosis
 namespace
 {
 
-constinit const Reading state{"tdemux.state"};
 constinit const Reading received{"tdemux.received_packets"};
 constinit const Reading output{"tdemux.output_packets"};
 constinit const Reading last_output{"tdemux.last_output_packet_time"};
 constinit const Reading dropped{"tdemux.dropped_packets"};
-constinit const Reading dropped_pid{"tdemux.last_dropped_pid"};
 constinit const Reading undecrypted{"tdemux.srt.undecrypted_packets"};
 constinit const Reading encapsulation{"tdemux.encapsulation"};
 constinit const Reading lost{"tdemux.lost_ts_segments"};
@@ -22,95 +21,20 @@ constinit const Reading mismatches{"tdemux.pes_size_mismatches"};
 constinit const Reading late_pts{"tdemux.frames_with_late_pts"};
 constinit const Reading input_overflows{"tdemux.input_packet_list_overflows"};
 constinit const Reading read_overflows{"tdemux.read_packet_list_overflows"};
-constinit const Reading source_type{"tdemux.sources[].type"};
-constinit const Reading source_pid{"tdemux.sources[].pid"};
-constinit const Reading source_received{"tdemux.sources[].received_packets"};
-constinit const Reading source_output{"tdemux.sources[].output_packets"};
-constinit const Reading source_last{"tdemux.sources[].last_received_packet_time"};
 
 constexpr Limit damaged{.least = 2, .of_million = 100};
-constexpr std::int64_t silence = 3; // [s]
 
-/** Whether the decoder decrypts what arrives, or need not. */
-bool clear(const Window& window)
+} // namespace
+
+bool is_clear(const Window& window)
 {
     if (window.value(encapsulation) != SMGR_STREAM_ENCAPSULATION_TS_SRT) return true;
     return window.grown(undecrypted) * 2 < window.grown(received);
 }
 
-/** Streams of a kind that were there and have stopped, while others go on. */
-bool is_missing(const Window& window, Hit& hit, std::int64_t kind)
-{
-    if (window.grown(received) == 0 || window.grown(output) == 0) return false;
-    bool any = false;
-    for (std::size_t i = 0; i < SMGR_TDEMUX_MAX_SOURCES; ++i)
-    {
-        if (window.value(source_type, i) != kind || window.value(source_received, i) == 0) continue;
-        const auto age = window.age(source_last, i);
-        if (window.grown(source_received, i) != 0 || age.value_or(0) < silence) continue;
-        hit.show(source_received, i).show(source_last, i).show(source_pid, i).since(age);
-        any = true;
-    }
-    return any && hit.show(output).found();
-}
-
-} // namespace
-
 const Rules& ts_rules()
 {
-    static const Rules rules = {
-        {
-            .id = "ts.scrambled",
-            .stage = Stage::ts,
-            .severity = Severity::critical,
-            .title = "The elementary streams are scrambled",
-            .when = "The input says that it receives what it cannot decrypt and the link is not to blame; or packets of elementary streams "
-                    "come in the window and not one is passed on.",
-            .reason = "Scrambling within the transport stream is not the link's encryption: this decoder has no means against it.",
-            .remedy = "Have the sender descramble the program, or send it clear. Check that the right program was chosen.",
-            .needs_window = true,
-            .causes = stops,
-            .follows = stops,
-            .reads = {&state, &encapsulation, &undecrypted, &received, &source_received, &source_output, &dropped, &dropped_pid,
-                      &last_output},
-            .test =
-                [](const Window& window, Hit& hit)
-            {
-                if (!clear(window) || window.grown(received) == 0) return false;
-                const bool nothing = window.grown(source_received) >= 5 && window.grown(source_output) == 0;
-                if (!nothing && window.value(state) != SMGR_TDEMUX_STATS_STATE_SCRAMBLED) return false;
-                hit.show(source_received, 0).show(source_output, 0).show(dropped).show(dropped_pid).show(state);
-                return hit.since(window.age(last_output)).found();
-            },
-        },
-        {
-            .id = "ts.video-missing",
-            .stage = Stage::ts,
-            .severity = Severity::critical,
-            .title = "The video is missing from the transport stream",
-            .when = "A video stream was received, and for 3 s or longer nothing of it has come while other streams go on.",
-            .reason = "The slowest video has pictures each 42 ms; 3 s are no pause of an encoder.",
-            .remedy = "Check the encoder's video input, and whether the sender's multiplexer still carries that PID.",
-            .needs_window = true,
-            .causes = stops,
-            .follows = stops,
-            .reads = {&received, &output, &source_type, &source_pid, &source_received, &source_last},
-            .test = [](const Window& window, Hit& hit) { return is_missing(window, hit, SMGR_TDEMUX_DATA_TYPE_VIDEO); },
-        },
-        {
-            .id = "ts.audio-missing",
-            .stage = Stage::ts,
-            .severity = Severity::critical,
-            .title = "The audio is missing from the transport stream",
-            .when = "An audio stream was received, and for 3 s or longer nothing of it has come while other streams go on.",
-            .reason = "Audio frames come each 8 to 36 ms, silence included; 3 s are no pause of an encoder.",
-            .remedy = "Check the encoder's audio input, and whether the sender's multiplexer still carries that PID.",
-            .needs_window = true,
-            .causes = stops,
-            .follows = stops,
-            .reads = {&received, &output, &source_type, &source_pid, &source_received, &source_last},
-            .test = [](const Window& window, Hit& hit) { return is_missing(window, hit, SMGR_TDEMUX_DATA_TYPE_AUDIO); },
-        },
+    static const Rules later = {
         {
             .id = "ts.stopped",
             .stage = Stage::ts,
@@ -128,7 +52,7 @@ const Rules& ts_rules()
             .test =
                 [](const Window& window, Hit& hit)
             {
-                if (!clear(window) || window.grown(received) < 100 || window.grown(output) != 0) return false;
+                if (!is_clear(window) || window.grown(received) < 100 || window.grown(output) != 0) return false;
                 return hit.show(output).show(received).show(last_output).since(window.age(last_output)).found();
             },
         },
@@ -213,6 +137,12 @@ const Rules& ts_rules()
             },
         },
     };
+    static const Rules rules = []
+    {
+        Rules all = program_rules();
+        all.insert(all.end(), later.begin(), later.end());
+        return all;
+    }();
     return rules;
 }
 

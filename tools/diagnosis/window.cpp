@@ -87,6 +87,13 @@ Window::Window(const records::Snapshot* before, const records::Snapshot& now, do
         find_cleared();
 }
 
+double Window::seconds(const Reading& reading) const
+{
+    if (!whole()) return 0;
+    const records::Component& component = dictionary::component_of(reading.field());
+    return std::max(0.0, static_cast<double>(records::time_between(*before_, now_, component)) / static_cast<double>(nanoseconds));
+}
+
 void Window::find_cleared()
 {
     for (const CounterPlace& place : counters())

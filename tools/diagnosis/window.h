@@ -67,6 +67,9 @@ public:
     /** How far the moments lie apart; 0 unless whole(). [s] */
     double seconds() const { return seconds_; }
 
+    /** How far the two writings of a field's record lie apart; 0 unless whole(), and where they are one. [s] */
+    double seconds(const Reading& reading) const;
+
     /** The moment. [epoch s] */
     std::int64_t now() const { return now_seconds_; }
 

@@ -25,7 +25,9 @@ public:
         if (!std::exchange(has_looked_, true) && !published::has_records(state))
             throw files::Failure(files::ExitStatus::input_failed, look.status.text);
         Sight sight = {.snapshot = std::nullopt, .state = std::string(published::state_name(state)), .problem = problem_of(look)};
-        if (look.snapshot.present.any()) sight.snapshot = std::move(look.snapshot);
+        if (!look.snapshot.present.any()) return sight;
+        look.snapshot.is_up = state == published::State::live;
+        sight.snapshot = std::move(look.snapshot);
         return sight;
     }
 

@@ -20,7 +20,7 @@ namespace sources
 /** What there is to see at one moment. */
 struct Sight
 {
-    std::optional<records::Snapshot> snapshot; /**< nothing = there are no records now */
+    std::optional<records::Snapshot> snapshot; /**< nothing = there are no records now; a live decoder's tells whether it is up */
     std::string state;                         /**< how a live decoder stands, as "hung"; empty for other sources */
     std::string problem;                       /**< what is wrong, as a line for people; empty = nothing */
 };

@@ -133,12 +133,13 @@ std::string Comparison::difference(const FieldPlace& place) const
 std::optional<double> Comparison::rate(const FieldPlace& place) const
 {
     const Field& field = *place.field;
-    if (field.kind != Kind::counter || span() <= 0 || reset_[field.component] || !is_continued(place)) return std::nullopt;
+    const std::int64_t apart = records::time_between(old_, now_, dictionary::component_of(field));
+    if (field.kind != Kind::counter || apart <= 0 || reset_[field.component] || !is_continued(place)) return std::nullopt;
     if (!has_value(old_, place) || !has_value(now_, place)) return std::nullopt;
     const auto grown = distance(dictionary::value(field, record_of(old_, field), place.element),
                                 dictionary::value(field, record_of(now_, field), place.element));
     if (!grown) return std::nullopt;
-    return static_cast<double>(grown->size) * 1e9 / static_cast<double>(span());
+    return static_cast<double>(grown->size) * 1e9 / static_cast<double>(apart);
 }
 
 /** Whether a counter is less than it was, though its host has not started anew. */

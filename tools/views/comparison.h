@@ -64,7 +64,7 @@ public:
      */
     std::string difference(const FieldPlace& place) const;
 
-    /** How fast a counter grew on average [1/s]; nothing where that cannot be told or the field is none. */
+    /** How fast a counter grew on average between the two writings of its record [1/s]; nothing where that cannot be told or the field is none. */
     std::optional<double> rate(const FieldPlace& place) const;
 
 private:

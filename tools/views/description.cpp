@@ -199,10 +199,10 @@ std::string description(const Field& field)
     return text;
 }
 
-std::string description(const PresenceFamily& family)
+std::string description(const DecoderFamily& family)
 {
     std::string text = std::string(family.name) + ": " + std::string(family.help) + "\n";
-    append_line(text, "Kind", "gauge");
+    append_line(text, "Kind", std::string(family.type));
     append_line(text, "Unit", std::string(family.unit));
     append_line(text, "Metric", std::string(family.name) + ", of the decoder and not of a field");
     return text;

@@ -22,7 +22,7 @@ std::string description(const dictionary::Field& field);
 std::string description(const ManualEntry& entry);
 
 /** A metric that belongs to no field in lines of text. */
-std::string description(const PresenceFamily& family);
+std::string description(const DecoderFamily& family);
 
 /** Fields as one line of JSON, described in decstats-json(5). @return without the newline at its end */
 std::string descriptions_json(std::span<const dictionary::Field* const> fields);

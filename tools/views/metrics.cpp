@@ -202,10 +202,10 @@ std::string presence(const std::vector<Decoder>& decoders, MetricsFormat format)
 {
     std::string text;
     if (std::ranges::any_of(decoders, [](const Decoder& decoder) { return decoder.is_up().has_value(); }))
-        text = family_metadata(format, up_family.name, "gauge", up_family.unit, up_family.help);
+        text = family_metadata(format, up_family.name, up_family.type, up_family.unit, up_family.help);
     for (const Decoder& decoder : decoders)
         if (decoder.is_up()) text += "decoder_up{" + decoder.labels() + (*decoder.is_up() ? "} 1\n" : "} 0\n");
-    text += family_metadata(format, last_update_family.name, "gauge", last_update_family.unit, last_update_family.help);
+    text += family_metadata(format, last_update_family.name, last_update_family.type, last_update_family.unit, last_update_family.help);
     for (const Decoder& decoder : decoders)
     {
         text += "decoder_last_update_timestamp_seconds{" + decoder.labels() + "} ";
@@ -217,7 +217,7 @@ std::string presence(const std::vector<Decoder>& decoders, MetricsFormat format)
 
 } // namespace
 
-void write_metrics(std::string& text, std::span<const records::Snapshot* const> decoders, MetricsFormat format)
+void write_metrics(std::string& text, std::span<const records::Snapshot* const> decoders, MetricsFormat format, std::string_view further)
 {
     const std::vector<Decoder> all(decoders.begin(), decoders.end());
     TextBuffer buffer(text);
@@ -230,7 +230,13 @@ void write_metrics(std::string& text, std::span<const records::Snapshot* const> 
         for (const Decoder& decoder : all) decoder.append_samples(buffer, family);
         if (buffer.size() == metadata_end) buffer.cut(before);
     }
-    if (format == MetricsFormat::openmetrics) buffer.append("# EOF\n");
+    buffer.append(further);
+    buffer.append(end_of_metrics(format));
+}
+
+std::string_view end_of_metrics(MetricsFormat format)
+{
+    return format == MetricsFormat::openmetrics ? "# EOF\n" : "";
 }
 
 } // namespace views

@@ -27,20 +27,22 @@ inline constexpr std::string_view prometheus_content_type = "text/plain; version
 /** The state in a stateset that is true for a value without an identifier, so that exactly one is. */
 inline constexpr std::string_view other_state = "other";
 
-/** A metric that belongs to no field: a gauge for each decoder. */
-struct PresenceFamily
+/** A metric that belongs to no field, but to the decoder. */
+struct DecoderFamily
 {
     std::string_view name;
+    std::string_view type; /**< as OpenMetrics names it */
     std::string_view unit; /**< empty = none */
     std::string_view help;
 };
 
-inline constexpr PresenceFamily up_family = {"decoder_up", "", "1 = the decoder's records are being updated, 0 = they no longer are"};
-inline constexpr PresenceFamily last_update_family = {"decoder_last_update_timestamp_seconds", "seconds",
-                                                      "when the decoder's records were last taken"};
+inline constexpr DecoderFamily up_family = {"decoder_up", "gauge", "",
+                                            "1 = the decoder's records are being updated, 0 = they no longer are"};
+inline constexpr DecoderFamily last_update_family = {"decoder_last_update_timestamp_seconds", "gauge", "seconds",
+                                                     "when the decoder's records were last taken"};
 
-/** All of them. */
-inline constexpr PresenceFamily presence_families[] = {up_family, last_update_family};
+/** Those that write_metrics() writes. */
+inline constexpr DecoderFamily presence_families[] = {up_family, last_update_family};
 
 /**
  * Writes the metrics of decoders, each with its name in the label `decoder`. What is absent, not measured or does not apply has no
@@ -49,8 +51,13 @@ inline constexpr PresenceFamily presence_families[] = {up_family, last_update_fa
  * are, nothing is said about it.
  * @param text     takes the exposition in place of what it holds; its memory is used again, which saves much of the time
  * @param decoders their last records, no two of a name
+ * @param further  whole families that others have written in the same format, which stand before the exposition's end
  */
-void write_metrics(std::string& text, std::span<const records::Snapshot* const> decoders, MetricsFormat format);
+void write_metrics(std::string& text, std::span<const records::Snapshot* const> decoders, MetricsFormat format,
+                   std::string_view further = {});
+
+/** What the last line of an exposition is, newline included; may be empty. */
+std::string_view end_of_metrics(MetricsFormat format);
 
 } // namespace views
 

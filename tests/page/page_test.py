@@ -1,0 +1,198 @@
+"""The page in a browser: it shows what the server says, moves, and never looks live when it is not."""
+import re
+import signal
+import time
+import unittest
+
+from browser import PageTest, Unit, until
+
+DEAD_SCRIPT = "for (let i = 1; i < 100000; ++i) { clearTimeout(i); clearInterval(i); } window.fetch = () => new Promise(() => {});"
+
+
+class Page(PageTest):
+    @classmethod
+    def setUpClass(cls):
+        super().setUpClass()
+        cls.unit.simulate("alpha")
+        cls.unit.simulate("faulty", "--fault", "srt-wrong-key", "--after", "8s")
+        cls.unit.simulate("extreme", scenario="extreme")
+        cls.unit.simulate("idle", scenario="idle")
+        cls.unit.serve()
+
+    def figure(self, stage, column):
+        """A figure of a row as a number: 0 in, 1 out, 2 lost."""
+        text = self.texts("#stage-%s .cells .n" % stage)[column]
+        self.assertRegex(text, r"^[\d\u202f.]+$")
+        return float(text.replace("\u202f", ""))
+
+    def test_a_healthy_decoder(self):
+        self.open("alpha")
+        until(lambda: self.text("#headline") == "Healthy", "the verdict")
+        self.assertEqual(self.states(), ["Working"] * 10)
+        titles = [stage["title"] for stage in self.unit.ask("decoders/alpha/findings")["stages"]]
+        self.assertEqual(self.texts(".stage .name"), titles)
+        self.assertEqual(self.text("#decoder"), "alpha")
+        self.assertTrue(self.unit.ask("decoders/alpha")["instance"]["id"].startswith(self.text("#instance")))
+        self.assertEqual(self.run_script("return document.title"), "Healthy \u00b7 alpha")
+        # The simulated stream has 12.8 Mbit/s in 1220 packets, and 29.97 pictures a second.
+        until(lambda: all("\u2013" not in one for one in self.texts("#stages .cells div:nth-child(2) .n")), "the rates")
+        self.assertAlmostEqual(self.figure("network", 0), 12.8, delta=0.5)
+        self.assertAlmostEqual(self.figure("link", 1), 1220, delta=60)
+        self.assertAlmostEqual(self.figure("output", 1), 29.97, delta=2)
+        self.assertEqual(self.figure("framer", 2), 0)
+        self.assertIn("RTT", self.text("#words-link"))
+        self.assertIn("1920\u00d71080i29.97", self.text("#words-framer"))
+
+    def test_rates_move_and_plots_grow(self):
+        self.open("alpha")
+        seen, drawn = set(), set()
+
+        def moves():
+            seen.add(self.text("#stage-network .cells .n"))
+            drawn.add(self.run_script("return document.querySelector('#stage-ts .trace')?.getAttribute('d')"))
+            return len(seen) > 2 and len(drawn) > 2
+
+        until(moves, "other rates", 10)
+        path = self.run_script("return document.querySelector('#stage-ts .trace').getAttribute('d')")
+        self.assertRegex(path, r"^M[\d.]+ [\d.]+L[\d.]+ [\d.]+")
+
+    def test_a_fault_appears_within_two_seconds(self):
+        self.open("faulty")
+        found = until(lambda: (self.unit.ask("decoders/faulty/findings") or {}).get("findings"), "a finding", 40)
+        told = time.monotonic()
+        self.assertEqual([one["id"] for one in found], ["link.not-decrypting"])
+        until(lambda: "link.not-decrypting" in self.texts("#findings .code"), "the finding", 5)
+        self.assertLess(time.monotonic() - told, 2)
+        until(lambda: self.text("#stage-link .state b") == "Stopped", "the state", 5)
+        self.assertEqual(self.text("#first-link"), "Link")
+        self.assertEqual(self.text("#action"), "Do now: " + found[0]["action"])
+        self.assertEqual(self.text("#stage-link .state .first"), "First problem")
+        self.assertEqual(self.texts("#stage-link .ref"), ["1"])
+        self.assertTrue(self.run_script("return document.title").startswith("Stopped at Link"))
+        self.assertEqual(self.run_script("return document.querySelectorAll('[data-first]').length"), 1)
+        until(lambda: self.text("#stage-output .state b") == "No input", "what follows", 15)
+
+    def test_numbers_are_exact(self):
+        self.open("extreme")
+        self.run_script("document.querySelector('#fields-block').open = true; const f = document.querySelector('#filter'); f.value = 'tdemux.received_bytes';"
+                        "f.dispatchEvent(new Event('input'))")
+        shown = until(lambda: self.texts("#fieldlist dd:nth-child(2) span:first-child"), "the field")[0]
+        exact = self.unit.ask("decoders/extreme")["components"]["tdemux"]["received_bytes_s"]
+        self.assertEqual(re.sub(r"\D", "", shown), exact)
+        self.assertIn("bytes", self.text("#fieldlist dd:nth-child(3)"))
+
+    def test_an_idle_decoder(self):
+        self.open("idle")
+        until(lambda: self.text("#headline") == "Idle", "the verdict")
+        self.assertEqual(self.states(), ["Idle"] * 10)
+        self.assertEqual(set(self.texts("#stages .cells .n")), {"\u2013"})
+
+    def test_all_decoders(self):
+        self.open()
+        until(lambda: "Healthy" in self.texts("#decoders .d-verdict"), "the verdicts")
+        names = [one["decoder"] for one in self.unit.ask("decoders")["decoders"]]
+        self.assertEqual(self.texts("#decoders .d-name"), names)
+        self.unit.simulate("late-comer", "--for", "3s")
+        until(lambda: "late-comer" in self.texts("#decoders .d-name"), "a decoder that has come", 5)
+        until(lambda: "late-comer" not in self.texts("#decoders .d-name"), "a decoder that has gone", 10)
+        self.run_script("document.querySelector('#decoders a').click()")
+        until(lambda: self.text("#decoder") == names[0], "the decoder")
+
+    def test_hold(self):
+        self.open("alpha")
+        self.run_script("document.querySelector('#hold').click()")
+        self.assertEqual((self.live(), self.text("#notlive-head"), self.text("#hold")), ("held", "HELD", "Resume"))
+        self.assertEqual(set(self.states()), {"was working"})
+        figures = self.texts("#stages .cells")
+        time.sleep(2.2)
+        self.assertEqual(self.texts("#stages .cells"), figures)
+        self.run_script("document.querySelector('#hold').click()")
+        until(lambda: self.live() == "live" and self.texts("#stages .cells") != figures, "it goes on", 5)
+
+    def test_the_report_at_both_levels(self):
+        self.open("alpha")
+        self.run_script("document.querySelector('#report-block').open = true")
+        until(lambda: "Received Packets" in self.text("#report"), "the report", 5)
+        lines = self.text("#report").count("\n")
+        self.run_script("document.querySelector('[value=debug]').click()")
+        until(lambda: self.text("#report").count("\n") > lines, "the debug level", 5)
+
+    def test_a_host_that_ends_hangs_or_restarts(self):
+        host = self.unit.simulate("host")
+        until(lambda: (self.unit.ask("decoders/host/findings") or {}).get("stages"), "the decoder")
+        self.open("host")
+        host.send_signal(signal.SIGSTOP)
+        until(lambda: "hangs" in self.text("#notlive-what"), "that it hangs", 12)
+        self.not_live()
+        host.send_signal(signal.SIGCONT)
+        until(lambda: self.live() == "live", "that it goes on", 8)
+        self.assertEqual(self.text("#notlive"), "")
+        host.kill()
+        host.wait()
+        until(lambda: "stopped publishing" in self.text("#notlive-what"), "that it has ended", 8)
+        self.not_live()
+        until(lambda: re.search(r"no data since \d\d:\d\d:\d\d", self.text("#marks")), "the hatching", 5)
+        time.sleep(1)  # with the time that it took to be seen, more than the longest step between two samples
+        self.unit.simulate("host")
+        until(lambda: self.live() == "live" and "decoder restarted" in self.text("#marks"), "the restart", 8)
+        self.assertRegex(self.text("#marks"), r"no data for \d+s")
+
+    def not_live(self):
+        """What is not live does not look so."""
+        self.assertEqual(self.live(), "gone")
+        self.assertEqual(self.text("#notlive-head"), "NOT LIVE")
+        self.assertEqual(self.text("#fresh b"), "Not live")
+        self.assertTrue(self.run_script("return document.title").startswith("NOT LIVE"))
+        self.assertEqual([one for one in self.states() if not one.startswith(("was ", "had "))], [])
+        self.assertEqual((self.text("#action"), self.text("#hold")), ("", ""))
+        self.assertRegex(self.text("#kicker"), r"^Last known, \d\d:\d\d:\d\d UTC$")
+        colours = self.run_script("return [...new Set([...document.querySelectorAll('.stage .state, .gutter')].map((e) => getComputedStyle(e).color))]")
+        self.assertEqual(len(colours), 1, colours)
+
+    def test_a_server_that_is_gone(self):
+        self.may_fail = ["ERR_CONNECTION_REFUSED"]
+        unit = Unit()
+        self.addCleanup(unit.close)
+        unit.simulate("alpha")
+        unit.serve()
+        self.open(unit=unit)  # one decoder alone is shown at once
+        self.assertEqual(self.text("#decoder"), "alpha")
+        unit.server.kill()
+        unit.server.wait()
+        until(lambda: self.text("#fresh b") == "Late", "that it is late", 6)
+        until(lambda: "No answer from the server" in self.text("#notlive-what"), "that the server is gone", 8)
+        self.not_live()
+        until(lambda: re.search(r"tries again in \d+s", self.text("#notlive-why")), "longer pauses", 8)
+        unit.serve()
+        until(lambda: self.live() == "live", "that it is back", 16)
+
+    def test_a_script_that_dies(self):
+        failsafe = ("return [getComputedStyle(document.querySelector('#expired')).visibility, getComputedStyle(document.querySelector('main')).filter]")
+        self.open("alpha")
+        time.sleep(7)  # longer than the style sheet waits: updates wind it back
+        self.assertIn(self.run_script(failsafe), (["hidden", "none"], ["hidden", "grayscale(0)"]))
+        self.run_script(DEAD_SCRIPT)
+        died = time.monotonic()
+        until(lambda: self.run_script(failsafe) == ["visible", "grayscale(1)"], "the fail-safe", 9)
+        self.assertGreater(time.monotonic() - died, 4)
+        self.assertTrue(self.text("#expired").startswith("NOT LIVE"))
+
+    def test_a_token(self):
+        self.may_fail = ["401"]
+        token = "0123456789abcdef-token"
+        unit = Unit("--token-file", "token")
+        self.addCleanup(unit.close)
+        (unit.directory / "token").write_text(token + "\n")
+        (unit.directory / "token").chmod(0o600)
+        unit.simulate("alpha")
+        unit.serve()
+        self.browser.get(unit.origin + "/")
+        for text, expected in (("wrong", "does not take this token"), (token, "")):
+            until(lambda: self.text("#token-text") != "" or self.run_script("return document.activeElement.id") == "token-text", "the form", 8)
+            self.run_script("document.querySelector('#token-text').value = arguments[0]; document.querySelector('#token-form').requestSubmit()", text)
+            until(lambda: expected in self.text("#token-why") if expected else self.live() == "live", "what follows", 8)
+        until(lambda: self.text("#headline") == "Healthy", "the decoder", 8)
+
+
+if __name__ == "__main__":
+    unittest.main(verbosity=2)

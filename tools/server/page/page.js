@@ -1,0 +1,203 @@
+/**
+ * The page of a decoder: a snapshot and the findings once a second, shown in place; or the list of decoders if there are several.
+ */
+import { listen_to_fields, show_all_fields } from "./all_fields.js";
+import { listen_to_chain, make_chain, show_chain } from "./chain.js";
+import { show_decoders } from "./decoders.js";
+import { by_id, set_text } from "./dom.js";
+import { learn, value_of } from "./fields.js";
+import { brief_of, key_of, show_findings, show_verdict } from "./findings.js";
+import { judge, rewind, show_liveness } from "./liveness.js";
+import { listen_to_labels, show_meaning } from "./meaning.js";
+import { listen_to_report } from "./report.js";
+import { SHOWN, Series } from "./series.js";
+import { Poll, ask, set_token } from "./server.js";
+import { SAMPLED } from "./stages.js";
+import { clock, day, moment, span } from "./text.js";
+import { listen_to_timeline } from "./timeline.js";
+
+const EVERY = 1000; // from one snapshot to the next [ms]
+const MOST_FIELDS = 32; // that the server tells the past of in one answer
+const MISSED = 3;   // without a sample for so long, what the server remembers is asked for again [s]
+
+const series = new Series(SAMPLED);
+const polls = [];
+const answers = {};  // by resource: { answer, asked }
+const failures = {}; // by resource: that of the last try
+let name = new URLSearchParams(location.search).get("decoder");
+let liveness = { word: "late", what: "", why: "" };
+let held, announced;
+
+const path = () => `api/v1/decoders/${encodeURIComponent(name)}`;
+const needed = () => (name === null ? ["list"] : ["snapshot", "findings"]);
+
+/* ---- What is known ---- */
+
+/** How old what is shown is: what the answers are, and what the records were when the server looked [s]. */
+function age() {
+  const { snapshot } = answers, behind = snapshot ? moment(snapshot.answer.now) - moment(snapshot.answer.taken_at) : 0;
+  return silence() + Math.max(0, behind);
+}
+
+/** How long ago the older of the answers was asked for [s]. */
+const silence = () => Math.max(...needed().map((what) => (answers[what] ? (performance.now() - answers[what].asked) / 1000 : Infinity)));
+
+/** What everything on the page is shown from. */
+function known() {
+  const { snapshot, findings } = held ?? answers, taken = moment((snapshot?.answer ?? { taken_at: 0 }).taken_at);
+  const edge = liveness.word === "gone" && snapshot?.answer.state !== "captured" ? taken + age() : taken;
+  return { components: snapshot?.answer.components ?? {}, instance: snapshot?.answer.instance, findings: findings?.answer, taken, edge, series, stale: ["gone", "held"].includes(liveness.word) };
+}
+
+/* ---- Showing it ---- */
+
+function show_header(now) {
+  set_text(by_id("decoder"), name);
+  if (!now.instance) return;
+  const started = moment(now.instance.started_at), uptime = Number(value_of(now.components, "tdemux.uptime") ?? 0);
+  set_text(by_id("instance"), now.instance.id.slice(0, 8));
+  by_id("instance").title = now.instance.id;
+  set_text(by_id("up"), uptime ? span(uptime) : span(now.taken - started));
+  set_text(by_id("started"), uptime ? `${day(now.taken - uptime)} ${clock(now.taken - uptime)} UTC` : `${day(started)} ${clock(started)} UTC`);
+}
+
+function announce(now) {
+  const key = `${liveness.word === "late" ? "live" : liveness.word} ${now.findings ? key_of(now.findings) : ""}`;
+  if (key === announced) return;
+  announced = key;
+  set_text(by_id("announce"), now.stale ? (held ? "Held." : `Not live. ${liveness.what}`) : now.findings ? `${now.findings.verdict.headline}.` : "");
+}
+
+function show() {
+  if (name === null) {
+    set_text(by_id("decoder"), "Decoders");
+    document.title = liveness.word === "gone" ? "NOT LIVE \u00b7 decoders" : "Decoders";
+    if (answers.list) show_decoders(answers.list.answer);
+    return;
+  }
+  const now = known();
+  document.title = `${now.stale ? (held ? "HELD" : "NOT LIVE") : now.findings ? brief_of(now.findings) : "\u2026"} \u00b7 ${name}`;
+  show_header(now);
+  show_verdict(now);
+  announce(now);
+  if (!answers.snapshot) return;
+  show_chain(now);
+  show_findings(now);
+  show_all_fields(now);
+  show_meaning(now);
+}
+
+/** Judges anew whether the page is live, and shows all that depends on it. */
+function tick() {
+  const old = age(), state = (answers.snapshot ?? answers.list)?.answer.state ?? (answers.list ? "live" : undefined);
+  const failure = needed().map((what) => failures[what]).find(Boolean);
+  const before = liveness.word;
+  liveness = held ? { word: "held" } : judge(silence(), old, state, failure);
+  const retry = Math.max(0, ...polls.map((poll) => (poll.next - performance.now()) / 1000));
+  const taken = moment((held ?? answers).snapshot?.answer.taken_at ?? answers.list?.answer.taken_at ?? 0);
+  show_liveness(liveness, held ? 0 : old, taken, retry);
+  if (liveness.word !== before || liveness.word === "gone") show();
+}
+
+/* ---- Asking ---- */
+
+function took(what, answer, asked) {
+  answers[what] = { answer, asked };
+  delete failures[what];
+  if (held) return;
+  if (what === "snapshot") sample(answer);
+  tick();
+  show();
+  rewind();
+}
+
+/** A sample for the plots; what was missed meanwhile, as while people held the page, the server may remember. */
+function sample(snapshot) {
+  const taken = moment(snapshot.taken_at);
+  if (!series.length || taken - series.times.at(-1) > MISSED) load_history(taken);
+  series.append(taken, snapshot.instance?.id, (field) => numeric(value_of(snapshot.components, field)));
+}
+
+const numeric = (value) => (typeof value === "number" || typeof value === "bigint" ? value : null);
+
+function failed(what, failure) {
+  failures[what] = failure;
+  if (failure.status === 401) want_token();
+  tick();
+}
+
+const poll = (what, path_of, every) => polls.push(new Poll(path_of, every, (answer, asked) => took(what, answer, asked), (failure) => failed(what, failure)));
+
+/** What the server remembers of the ten minutes up to a moment, in as many requests as it wants. */
+async function load_history(to) {
+  const parts = [];
+  try {
+    for (let first = 0; first < SAMPLED.length; first += MOST_FIELDS) {
+      const query = new URLSearchParams(SAMPLED.slice(first, first + MOST_FIELDS).map((field) => ["field", field]));
+      query.append("from", (to - SHOWN).toFixed(3));
+      query.append("to", to.toFixed(3));
+      parts.push(await ask(`${path()}/history?${query}`));
+    }
+  } catch {
+    return; // the plots begin now
+  }
+  if (parts.some(({ times }) => times.length !== parts[0].times.length)) return; // it forgot something meanwhile
+  series.load({ ...parts[0], fields: Object.assign({}, ...parts.map(({ fields }) => fields)) });
+  if (!held) show();
+}
+
+/** The server tells which decoders there are; one alone is shown at once. */
+async function begin() {
+  try {
+    const [list, fields] = await Promise.all([ask("api/v1/decoders"), ask("api/v1/fields")]);
+    learn(fields);
+    by_id("token").hidden = true;
+    if (name === null && list.decoders.length === 1) name = list.decoders[0].decoder;
+    by_id("all").hidden = name === null || list.decoders.length < 2;
+    document.body.dataset.view = name === null ? "list" : "decoder";
+    if (name === null) return poll("list", () => "api/v1/decoders", EVERY);
+    listen_to_report(path(), () => held !== undefined);
+    poll("snapshot", path, EVERY);
+    poll("findings", () => `${path()}/findings`, EVERY);
+  } catch (failure) {
+    if (failure.status === 401) return want_token();
+    failures[needed()[0]] = failure;
+    tick();
+    setTimeout(begin, 2 * EVERY);
+  }
+}
+
+function want_token() {
+  if (!by_id("token").hidden) return;
+  by_id("token").hidden = false;
+  set_text(by_id("token-why"), sessionStorage.getItem("token") ? "The server does not take this token." : "The server wants a token.");
+  by_id("token-text").focus();
+}
+
+/* ---- What people do ---- */
+
+by_id("token-form").addEventListener("submit", (event) => {
+  event.preventDefault();
+  set_token(by_id("token-text").value.trim());
+  by_id("token").hidden = true;
+  if (polls.length) for (const each of polls) each.hurry();
+  else begin();
+});
+by_id("hold").addEventListener("click", ({ currentTarget }) => {
+  held = held ? undefined : { ...answers };
+  set_text(currentTarget, held ? "Resume" : "Hold");
+  currentTarget.setAttribute("aria-pressed", String(held !== undefined));
+  tick();
+  show();
+});
+const hurry = () => document.visibilityState === "visible" && polls.forEach((each) => each.hurry());
+addEventListener("online", hurry);
+document.addEventListener("visibilitychange", hurry);
+
+make_chain();
+listen_to_chain();
+listen_to_timeline();
+listen_to_labels();
+listen_to_fields();
+setInterval(tick, 250);
+begin();
