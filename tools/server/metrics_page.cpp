@@ -1,6 +1,7 @@
 #include "metrics_page.h"
 
 #include "bounds.h"
+#include "diagnosis_metrics.h"
 #include "gzip.h"
 #include "negotiation.h"
 
@@ -20,13 +21,28 @@ void MetricsPage::look()
         rendering.plain.reset();
         rendering.compressed.reset();
     }
-    sights_.clear();
+    decoders_seen_.clear();
     for (const auto& decoder : decoders_.all())
     {
         SightPointer sight = decoder->sight();
         // Of a decoder that nobody has seen records of, there is nothing to tell.
-        if (sight->is_listed && sight->snapshot.present.any()) sights_.push_back(std::move(sight));
+        if (!sight->is_listed || sight->snapshot.present.none()) continue;
+        const bool is_up = sight->snapshot.is_up.value_or(false);
+        decoders_seen_.push_back({std::move(sight), is_up ? decoder->diagnosis() : std::nullopt});
     }
+}
+
+void MetricsPage::write(std::string& text, views::MetricsFormat format)
+{
+    std::vector<const records::Snapshot*> snapshots;
+    std::vector<diagnosis::Diagnosed> diagnosed;
+    for (const Seen& seen : decoders_seen_)
+    {
+        snapshots.push_back(&seen.sight->snapshot);
+        if (seen.findings) diagnosed.push_back({seen.sight->listed.name, &*seen.findings});
+    }
+    diagnosis::write_metrics(findings_, diagnosed, format);
+    views::write_metrics(text, snapshots, format, findings_);
 }
 
 const std::shared_ptr<std::string>& MetricsPage::text(views::MetricsFormat format)
@@ -35,9 +51,7 @@ const std::shared_ptr<std::string>& MetricsPage::text(views::MetricsFormat forma
     if (rendering.is_written) return rendering.text;
     // One that is still being sent stays as it is. Its memory is that of the next one, which saves a third of the time.
     if (!rendering.text || rendering.text.use_count() > 1) rendering.text = std::make_shared<std::string>();
-    std::vector<const records::Snapshot*> snapshots;
-    for (const SightPointer& sight : sights_) snapshots.push_back(&sight->snapshot);
-    views::write_metrics(*rendering.text, snapshots, format);
+    write(*rendering.text, format);
     rendering.is_written = true;
     return rendering.text;
 }
@@ -63,7 +77,8 @@ void MetricsPage::rest()
 {
     const std::scoped_lock lock(mutex_);
     if (steady_clock::now() - looked_at_ < metrics_memory) return;
-    sights_.clear();
+    decoders_seen_.clear();
+    findings_ = {};
     renderings_ = {};
 }
 
