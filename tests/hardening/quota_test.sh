@@ -28,7 +28,7 @@ is_sound() { "$tool" check "$1" >"$directory/check" 2>&1 || fail "$1 is damaged:
 # One snapshot is lost, the file is whole, and the gap is told. So it is when some of the snapshot was written already.
 for how in error:$EDQUOT cut:$EDQUOT; do
     rm -f "$file"
-    with pwrite 2 $how capture sample:trouble "$file" --every 20ms --for 90ms
+    with pwrite 2 "$how" capture sample:trouble "$file" --every 20ms --for 90ms
     [ $result = 1 ] && [ "$(cat "$directory/err")" = "$(lost)" ] || fail "expected to lose a snapshot"
     is_sound "$file"
     "$tool" history "$file" | grep -q ": no space\$" || fail "expected a gap: $("$tool" history "$file")"
