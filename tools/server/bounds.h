@@ -34,6 +34,9 @@ inline constexpr nanoseconds look_interval = std::chrono::seconds(1);
 /** A look that is younger is as good as a new one. */
 inline constexpr nanoseconds freshness = std::chrono::milliseconds(200);
 
+/** The memory of the metrics is kept for so long after the last scrape. */
+inline constexpr nanoseconds metrics_memory = std::chrono::minutes(5);
+
 /** How much of a decoder's past stays in memory, and for how long a decoder that has ended is remembered. */
 inline constexpr nanoseconds history_length = std::chrono::minutes(10);
 

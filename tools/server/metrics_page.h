@@ -8,6 +8,7 @@
 #include <array>
 #include <chrono>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -32,22 +33,31 @@ public:
     void rest();
 
 private:
-    void look();
-    void forget();
-    const std::shared_ptr<const std::string>& text(views::MetricsFormat format);
-
     /** What is rendered of one moment in one format. */
     struct Rendering
     {
-        std::shared_ptr<const std::string> text;
+        std::shared_ptr<std::string> text; // kept for its memory, also when it is of an earlier moment
+        bool is_written = false;
         Response plain;
         Response compressed;
     };
 
+    /** A decoder at that moment. */
+    struct Seen
+    {
+        SightPointer sight;
+        std::optional<diagnosis::Result> findings; /**< nothing = nobody can tell */
+    };
+
+    void look();
+    void write(std::string& text, views::MetricsFormat format);
+    const std::shared_ptr<std::string>& text(views::MetricsFormat format);
+
     const Decoders& decoders_;
     std::mutex mutex_;
     std::chrono::steady_clock::time_point looked_at_ = {};
-    std::vector<SightPointer> sights_;
+    std::vector<Seen> decoders_seen_;
+    std::string findings_;                // written before the rest
     std::array<Rendering, 2> renderings_; // by MetricsFormat
 };
 
