@@ -74,7 +74,7 @@ OwnedFile::~OwnedFile()
 bool OwnedFile::open_and_lock(const std::string& path)
 {
     descriptor_ = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0666);
-    if (descriptor_ < 0) throw system_error(Problem::unwritable, path, errno);
+    if (descriptor_ < 0) throw write_error(path, errno);
     const auto fail = [this](const Error& error)
     {
         close(descriptor_);
@@ -134,7 +134,10 @@ void Writer::resume()
         mark_gap(before.is_ended ? GapCause::stopped : GapCause::cut_off, "");
         end_ = before.end;
     }
-    if (ftruncate(file_.descriptor(), static_cast<off_t>(end_)) != 0) throw write_error(path_, errno);
+    struct stat status = {};
+    const auto end = static_cast<off_t>(end_);
+    if (fstat(file_.descriptor(), &status) == 0 && status.st_size == end) return;
+    if (ftruncate(file_.descriptor(), end) != 0) throw write_error(path_, errno);
 }
 
 std::optional<std::int64_t> Writer::last_moment() const

@@ -5,7 +5,7 @@ test_packages="$build_packages clang clang-format clang-tidy libgtest-dev binuti
     lld python3 python3-jsonschema python3-prometheus-client jq strace"
 complete_packages="prometheus" # for promtool
 target_packages="g++-aarch64-linux-gnu qemu-user googletest"
-package_packages="$build_packages build-essential debhelper lintian"
+package_packages="$build_packages build-essential busybox-static debhelper lintian"
 fuzz_packages="$build_packages clang libclang-rt-14-dev"
 softdec_packages="$build_packages libavcodec-dev libavutil-dev libdvbpsi-dev libbitstream-dev libpcap0.8-dev"
 bench_packages="$build_packages libbenchmark-dev libfmt-dev libzstd-dev valgrind nlohmann-json3-dev prometheus-cpp-dev"

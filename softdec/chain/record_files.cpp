@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
 
@@ -12,12 +13,20 @@ namespace softdec
 namespace
 {
 
+/** A path where there is nothing or a regular file: in the place of a device, a FIFO or a link, a file would cut off whoever uses it. */
+std::string replaceable(const std::string& path)
+{
+    struct stat status = {};
+    if (lstat(path.c_str(), &status) != 0 || S_ISREG(status.st_mode)) return path;
+    throw OutputError(path + ": is not a regular file, so it is not replaced");
+}
+
 /** A file under a temporary name, which goes away unless it is published. */
 class PendingFile
 {
 public:
     PendingFile(const std::string& directory, const std::string& name, std::span<const std::byte> bytes)
-        : path_(directory + "/" + name), temporary_(directory + "/." + name + "." + std::to_string(getpid()))
+        : path_(replaceable(directory + "/" + name)), temporary_(directory + "/." + name + "." + std::to_string(getpid()))
     {
         std::FILE* const file = std::fopen(temporary_.c_str(), "wbxe");
         if (file == nullptr) fail();

@@ -128,7 +128,7 @@ class Decoder:
         for _ in range(payload.varint()):
             layout = payload.number("I")
             expect(layout in self.layouts, "entry", f"the layout {layout:08x}, which is lost")
-            name, size, _, rows = published_reader.read_layout(self.layouts[layout], "layout", other_types=True)
+            name, size, _, rows = published_reader.read_layout(self.layouts[layout], "layout")
             unmeasured, total = payload.places(len(rows)), total + size
             expect(name not in self.components and len(self.components) < 64, "entry", "at most 64 components, each once")
             count = len(self.values) + sum(elements for _, _, elements, _, _ in rows.values())

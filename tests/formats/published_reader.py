@@ -55,7 +55,11 @@ def read_slot(file, section, content_size, alive, where):
     return {"slot": "busy"}, None
 
 
-def read_layout(data, where, other_types=False):
+def is_known(width, kind):
+    return kind in (8, 9) or kind in value_formats and width == struct.calcsize(value_formats[kind])
+
+
+def read_layout(data, where):
     size = len(data)
     expect(size >= 48, where, f"at least 48 bytes, not {size}")
     name = text(data[:32], where + ", name")
@@ -68,9 +72,7 @@ def read_layout(data, where, other_types=False):
         public = data[name_at : name_at + name_size].decode("latin-1")
         expect(len(public) == name_size and c_at + c_size <= size, row, "names within the section")
         expect(re.fullmatch("[!-~]+", public) and public not in rows, row, f"a name of its own in printable ASCII, not {public!r}")
-        expect(1 <= kind <= 9 or other_types, row, f"a type from 1 to 9, not {kind}")
-        sized = kind in value_formats and not other_types
-        expect(width >= 1 and (not sized or width == struct.calcsize(value_formats[kind])), row, f"the size of its type, not {width}")
+        expect(width >= 1, row, "a value of a byte or more")
         expect(elements >= 1 and (stride >= width or stride == 0 and elements == 1), row, "an array's elements with their size")
         expect(offset + (elements - 1) * stride + width <= record_size, row, f"a place in the record of {record_size} bytes")
         rows[public] = offset, width, elements, stride, kind
@@ -132,7 +134,8 @@ def read_file(file):
         components[name] = component
         if record is not None:
             component["age_s"] = (now - component["moment"]) / 1e9
-            component["fields"] = {n: None if bits >> first + i & 1 else field(record, *rows[n]) for i, n in enumerate(rows)}
+            known = [(i, n, row) for i, (n, row) in enumerate(rows.items()) if is_known(row[1], row[4])]
+            component["fields"] = {n: None if bits >> first + i & 1 else field(record, *row) for i, n, row in known}
     age = (time.monotonic_ns() - struct.unpack("<q", beat)[0]) / 1e6 if beat else 0
     starting = all(component["slot"] == "never written" for component in components.values())
     state = "stale" if not alive else "hung" if age > 5 * interval else "starting" if starting else "live"

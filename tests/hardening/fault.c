@@ -4,6 +4,7 @@
  *
  *     FAULT=signal:NUMBER   the process gets the signal right before the call
  *     FAULT=error:NUMBER    the call fails with this error number and does nothing else
+ *     FAULT=cut:NUMBER      the call transfers one byte, and the next one fails with this error number
  *     FAULT=short           a read or write transfers one byte
  *     FAULT=none            the call succeeds and does nothing
  */
@@ -12,6 +13,7 @@
 #include <errno.h>
 #include <fcntl.h>
 #include <signal.h>
+#include <stdarg.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
@@ -35,7 +37,15 @@ static enum Fault FaultOf(const char* pFunction, int bChangesFiles)
     const char* pFault = getenv("FAULT");
     if (!pIn || !pAt || !pFault) return FAULT_NOT_HERE;
     if (strcmp(pIn, pFunction) != 0 && !(bChangesFiles && strcmp(pIn, "files") == 0)) return FAULT_NOT_HERE;
-    if (++nCalls != atoi(pAt)) return FAULT_NOT_HERE;
+    ++nCalls;
+    const int bCut = strncmp(pFault, "cut:", 4) == 0;
+    if (bCut && nCalls == atoi(pAt) + 1)
+    {
+        errno = atoi(pFault + 4);
+        return FAULT_ERROR;
+    }
+    if (nCalls != atoi(pAt)) return FAULT_NOT_HERE;
+    if (bCut) return FAULT_SHORT;
 
     if (strncmp(pFault, "signal:", 7) == 0) raise(atoi(pFault + 7));
     if (strncmp(pFault, "error:", 6) == 0)
@@ -66,8 +76,31 @@ WRAPPED(int, mkostemp, 1, (char* pTemplate, int nFlags), (pTemplate, nFlags), (p
 WRAPPED(ssize_t, write, 1, (int nFile, const void* pData, size_t nSize), (nFile, pData, nSize), (nFile, pData, 1))
 WRAPPED(int, fchmod, 1, (int nFile, mode_t nMode), (nFile, nMode), (nFile, nMode))
 WRAPPED(int, rename, 1, (const char* pOld, const char* pNew), (pOld, pNew), (pOld, pNew))
-WRAPPED(int, open, 0, (const char* pPath, int nFlags, ...), (pPath, nFlags), (pPath, nFlags))
+WRAPPED(ssize_t, pwrite, 0, (int nFile, const void* pData, size_t nSize, off_t nAt), (nFile, pData, nSize, nAt), (nFile, pData, 1, nAt))
+WRAPPED(int, ftruncate, 0, (int nFile, off_t nSize), (nFile, nSize), (nFile, nSize))
+WRAPPED(int, fsync, 0, (int nFile), (nFile), (nFile))
 WRAPPED(ssize_t, read, 0, (int nFile, void* pData, size_t nSize), (nFile, pData, nSize), (nFile, pData, 1))
 WRAPPED(int, close, 0, (int nFile), (nFile), (nFile))
 WRAPPED(int, flock, 0, (int nFile, int nOperation), (nFile, nOperation), (nFile, nOperation))
+
+/* Without a mode nothing is created, and then none is looked at. */
+int open(const char* pPath, int nFlags, ...)
+{
+    int (*next)(const char*, int, ...);
+    *(void**)&next = dlsym(RTLD_NEXT, "open");
+    va_list args;
+    va_start(args, nFlags);
+    const mode_t nMode = (nFlags & O_CREAT) != 0 ? va_arg(args, mode_t) : 0;
+    va_end(args);
+    return FaultOf("open", 0) == FAULT_ERROR ? -1 : next(pPath, nFlags, nMode);
+}
+
+/* It returns the error number. */
+int posix_fallocate(int nFile, off_t nFrom, off_t nSize)
+{
+    int (*next)(int, off_t, off_t);
+    *(void**)&next = dlsym(RTLD_NEXT, "posix_fallocate");
+    return FaultOf("posix_fallocate", 0) == FAULT_ERROR ? errno : next(nFile, nFrom, nSize);
+}
+
 WRAPPED(int, fclose, 0, (FILE * pFile), (pFile), (pFile))

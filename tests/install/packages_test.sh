@@ -32,8 +32,9 @@ fi
 
 root=$folder/root
 rm -rf "$root"
-mkdir -p "$root/var/lib/dpkg/info" "$root/var/lib/dpkg/updates"
+mkdir -p "$root/var/lib/dpkg/info" "$root/var/lib/dpkg/updates" "$root/bin"
 touch "$root/var/lib/dpkg/status"
+cp /bin/busybox "$root/bin/sh" # for the packages' scripts
 # The libraries of the system, which they depend on, are not in this root.
 in_root() { dpkg --root="$root" --log="$folder/dpkg.log" --force-depends "$@" >"$folder/dpkg.out" 2>&1 || { cat "$folder/dpkg.out"; exit 1; }; }
 archives=

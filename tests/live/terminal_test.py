@@ -10,7 +10,7 @@ import termios
 import time
 import unittest
 
-from host import DECSTATS, LiveTest, environment
+from host import TOOL, LiveTest, environment
 
 OWN_SCREEN = "\x1b[?1049h"
 SHELL_SCREEN = "\x1b[?1049l"
@@ -27,7 +27,7 @@ class Session:
         if self.pid == 0:
             # The size is there before it is looked at.
             fcntl.ioctl(1, termios.TIOCSWINSZ, struct.pack("HHHH", rows, 80, 0, 0))
-            os.execve(DECSTATS, [DECSTATS, *arguments], environment(directory, **{"TERM": "xterm", **variables}))
+            os.execve(TOOL[0], [*TOOL, *arguments], environment(directory, **{"TERM": "xterm", **variables}))
 
     def resize(self, rows):
         fcntl.ioctl(self.terminal, termios.TIOCSWINSZ, struct.pack("HHHH", rows, 80, 0, 0))

@@ -7,6 +7,7 @@ import unittest
 from browser import PageTest, Unit, until
 
 DEAD_SCRIPT = "for (let i = 1; i < 100000; ++i) { clearTimeout(i); clearInterval(i); } window.fetch = () => new Promise(() => {});"
+FAILSAFE = "return [getComputedStyle(document.querySelector('#expired')).visibility, getComputedStyle(document.querySelector('main')).filter]"
 
 
 class Page(PageTest):
@@ -14,7 +15,7 @@ class Page(PageTest):
     def setUpClass(cls):
         super().setUpClass()
         cls.unit.simulate("alpha")
-        cls.unit.simulate("faulty", "--fault", "srt-wrong-key", "--after", "8s")
+        cls.unit.simulate("faulty", "--fault", "srt-wrong-key", "--after", "6s")
         cls.unit.simulate("extreme", scenario="extreme")
         cls.unit.simulate("idle", scenario="idle")
         cls.unit.serve()
@@ -50,7 +51,7 @@ class Page(PageTest):
         def moves():
             seen.add(self.text("#stage-network .cells .n"))
             drawn.add(self.run_script("return document.querySelector('#stage-ts .trace')?.getAttribute('d')"))
-            return len(seen) > 2 and len(drawn) > 2
+            return len(seen) > 1 and len(drawn) > 1
 
         until(moves, "other rates", 10)
         path = self.run_script("return document.querySelector('#stage-ts .trace').getAttribute('d')")
@@ -58,6 +59,7 @@ class Page(PageTest):
 
     def test_a_fault_appears_within_two_seconds(self):
         self.open("faulty")
+        opened = time.monotonic()
         found = until(lambda: (self.unit.ask("decoders/faulty/findings") or {}).get("findings"), "a finding", 40)
         told = time.monotonic()
         self.assertEqual([one["id"] for one in found], ["link.not-decrypting"])
@@ -71,6 +73,8 @@ class Page(PageTest):
         self.assertTrue(self.run_script("return document.title").startswith("Stopped at Link"))
         self.assertEqual(self.run_script("return document.querySelectorAll('[data-first]').length"), 1)
         until(lambda: self.text("#stage-output .state b") == "No input", "what follows", 15)
+        time.sleep(max(0, opened + 7 - time.monotonic()))
+        self.assertEqual(self.run_script(FAILSAFE)[0], "hidden")  # longer than the style sheet waits: updates wind it back
 
     def test_numbers_are_exact(self):
         self.open("extreme")
@@ -167,13 +171,11 @@ class Page(PageTest):
         until(lambda: self.live() == "live", "that it is back", 16)
 
     def test_a_script_that_dies(self):
-        failsafe = ("return [getComputedStyle(document.querySelector('#expired')).visibility, getComputedStyle(document.querySelector('main')).filter]")
         self.open("alpha")
-        time.sleep(7)  # longer than the style sheet waits: updates wind it back
-        self.assertIn(self.run_script(failsafe), (["hidden", "none"], ["hidden", "grayscale(0)"]))
+        self.assertIn(self.run_script(FAILSAFE), (["hidden", "none"], ["hidden", "grayscale(0)"]))
         self.run_script(DEAD_SCRIPT)
         died = time.monotonic()
-        until(lambda: self.run_script(failsafe) == ["visible", "grayscale(1)"], "the fail-safe", 9)
+        until(lambda: self.run_script(FAILSAFE) == ["visible", "grayscale(1)"], "the fail-safe", 9)
         self.assertGreater(time.monotonic() - died, 4)
         self.assertTrue(self.text("#expired").startswith("NOT LIVE"))
 

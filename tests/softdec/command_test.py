@@ -1,6 +1,7 @@
 """The command softdec as people run it: what it prints and writes, and how it refuses what it cannot take."""
 import os
 import pathlib
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -50,6 +51,20 @@ class Command(unittest.TestCase):
         self.assertEqual(list(first), ["audio.rec", "buffering.rec", "clock-recovery.rec", "metadata.rec", "tdemux.rec", "usage.rec",
                                        "vdecoder.rec", "vframer.rec"])
         self.assertEqual(first, records("second"))
+
+    def test_what_is_no_regular_file_is_not_replaced(self):
+        places = pathlib.Path(self.directory.name, "records")
+        for make in (lambda path: os.mkfifo(path), lambda path: path.symlink_to("/nowhere"), lambda path: path.symlink_to(__file__)):
+            places.mkdir()
+            place = places / "usage.rec"
+            (places / "audio.rec").write_text("old")
+            make(place)
+            before = place.lstat()
+            self.refuse(1, f"{place}: is not a regular file", CAPTURE, "--records", str(places))
+            self.assertEqual((place.lstat().st_ino, place.lstat().st_mode), (before.st_ino, before.st_mode))
+            self.assertEqual(sorted(path.name for path in places.iterdir()), ["audio.rec", "usage.rec"])
+            self.assertEqual((places / "audio.rec").read_text(), "old")
+            shutil.rmtree(places)
 
     def test_a_reader_sees_the_published_decoder_while_it_runs(self):
         with subprocess.Popen([SOFTDEC, CAPTURE, "--speed", "live", "--name", "one", "--directory", self.directory.name]) as process:

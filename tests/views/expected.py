@@ -170,6 +170,10 @@ def json_problem(records, field, value, block):
         return None if found is bool(value) else "is %r, not %r" % (found, bool(value))
     if found != value or isinstance(found, bool):
         return "is %r, not %r" % (found, value)
+    if key.endswith("version"):
+        known = 0 <= value <= 0xFFFFFF
+        wanted = "%d.%d.%d" % (value >> 16, value >> 8 & 255, value & 255) if known else "Unknown (%d)" % value
+        return None if block.get(key + "_text") == wanted else "has %r, not %r, beside it" % (block.get(key + "_text"), wanted)
     exact = block.get(key + "_s")
     wanted = str(value) if isinstance(value, int) and abs(value) > 2**53 - 1 else None
     return None if exact == wanted else "has %r, not %r, beside it" % (exact, wanted)

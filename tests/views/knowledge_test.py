@@ -19,6 +19,11 @@ def run(*arguments):
     return subprocess.run([DECSTATS, *arguments], stdout=subprocess.PIPE, check=True, text=True).stdout
 
 
+def stands_beside(key, others):
+    """Whether a member says what another one says, for readers who want a text."""
+    return any(key.endswith(end) and key.removesuffix(end) in others for end in ("_s", "_text"))
+
+
 def json_names(value, name):
     """The names of the members of interpreted JSON, as public names are written."""
     if isinstance(value, list):
@@ -26,8 +31,7 @@ def json_names(value, name):
             yield from json_names(element, name + "[]")
     elif isinstance(value, dict) and not {"value", "name", "text"} <= set(value):
         for key, member in value.items():
-            exact = key.endswith("_s") and key[:-2] in value
-            if not exact and not (name.endswith("[]") and key == "index"):
+            if not stands_beside(key, value) and not (name.endswith("[]") and key == "index"):
                 yield from json_names(member, name + "." + key if name else key)
     else:
         yield name
@@ -85,8 +89,7 @@ class Knowledge(unittest.TestCase):
                 yield from names(schema["items"], name + "[]")
             elif "properties" in schema:
                 for key, member in schema["properties"].items():
-                    exact = key.endswith("_s") and key[:-2] in schema["properties"]
-                    if not exact and not (name.endswith("[]") and key == "index"):
+                    if not stands_beside(key, schema["properties"]) and not (name.endswith("[]") and key == "index"):
                         yield from names(member, name + "." + key)
             else:
                 yield name

@@ -136,7 +136,7 @@ class Outputs(unittest.TestCase):
                 count += 1
             elif isinstance(value, dict):
                 count += self.count_values(value)
-            elif key != "index" and not (key.endswith("_s") and key[:-2] in block):
+            elif key != "index" and not any(key.endswith(end) and key.removesuffix(end) in block for end in ("_s", "_text")):
                 count += 1
         return count
 

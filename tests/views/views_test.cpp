@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <malloc.h>
 #include <string>
@@ -242,6 +243,26 @@ TEST(FieldSearch, TheNearestNamesComeFirst)
     EXPECT_EQ(views::nearest_field_names("tdemux.sources[7].pidd").front(), "tdemux.sources[].pid");
     EXPECT_TRUE(views::nearest_names("").empty());
     EXPECT_TRUE(views::nearest_names("qqqqqqqq").empty());
+}
+
+TEST(Json, StatesWithoutATextOfTheReportsHaveTheWordsOfTheirIdentifier)
+{
+    records::Snapshot snapshot = snapshot_of("a");
+    snapshot.records.tdemux.enEncapsulation = SMGR_STREAM_ENCAPSULATION_TS_SRT;
+    snapshot.records.tdemux.Xport.SRT.iKeyState = SMGR_STREAM_SRT_KM_S_BADSECRET;
+    EXPECT_TRUE(has(views::json(snapshot), R"("key_state":{"value":4,"name":"bad_secret","text":"bad secret"})"));
+    snapshot.records.tdemux.Xport.SRT.iKeyState = 99;
+    EXPECT_TRUE(has(views::json(snapshot), R"("key_state":{"value":99,"name":null,"text":null})"));
+}
+
+TEST(Json, VersionsHaveTheirPartsBesideThem)
+{
+    records::Snapshot snapshot = snapshot_of("a");
+    snapshot.records.tdemux.enEncapsulation = SMGR_STREAM_ENCAPSULATION_TS_SRT;
+    snapshot.records.tdemux.Xport.SRT.iVersion = 0x010404;
+    EXPECT_TRUE(has(views::json(snapshot), R"("version":66564,"version_text":"1.4.4","peer_version":null)"));
+    const std::array fields = {*dictionary::find("tdemux.srt.version"), *dictionary::find("tdemux.srt.peer_version")};
+    EXPECT_EQ(views::field_lines(snapshot, fields), "tdemux.srt.version 66564 1.4.4\ntdemux.srt.peer_version -\n");
 }
 
 TEST(Comparison, RatesAreByWhenTheRecordWasWritten)

@@ -5,6 +5,7 @@
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
+#include <utility>
 
 #include "capture_error.h"
 #include "capture_reader.h"
@@ -80,18 +81,42 @@ bool CaptureFiles::is_filled(std::int64_t moment) const
 }
 
 /** The file stays locked until it has its other name, so that nobody else captures into it meanwhile. */
-void CaptureFiles::rotate()
+void CaptureFiles::put_away()
 {
     writer_->finish();
     if (std::rename(path_.c_str(), filled_path(path_).c_str()) != 0) throw system_error(capture::Problem::unwritable, path_, errno);
     filled_ += writer_->size();
+    writer_.reset();
+}
+
+void CaptureFiles::begin()
+try
+{
     writer_ = std::make_unique<capture::Writer>(path_);
+    if (std::exchange(was_full_, false)) writer_->mark_gap(capture::GapCause::no_space, "");
+}
+catch (const capture::Error& error)
+{
+    was_full_ = error.problem() == capture::Problem::full;
+    throw;
 }
 
 void CaptureFiles::append(const records::Snapshot& snapshot)
 {
-    if (is_filled(snapshot.taken_at)) rotate();
+    if (writer_ && is_filled(snapshot.taken_at)) put_away();
+    if (!writer_) begin();
     writer_->append(snapshot);
+}
+
+/** Where there is no file, space is missing: that says it all. */
+void CaptureFiles::mark_gap(capture::GapCause cause, std::string_view text)
+{
+    if (writer_) writer_->mark_gap(cause, text);
+}
+
+void CaptureFiles::finish()
+{
+    if (writer_) writer_->finish();
 }
 
 } // namespace commands

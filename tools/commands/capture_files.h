@@ -37,19 +37,21 @@ public:
     CaptureFiles(const std::string& path, const Rotation& rotation);
 
     void append(const records::Snapshot& snapshot);
-    void mark_gap(capture::GapCause cause, std::string_view text) { writer_->mark_gap(cause, text); }
-    void finish() { writer_->finish(); }
+    void mark_gap(capture::GapCause cause, std::string_view text);
+    void finish();
 
     /** Size of all that this capture has written into [bytes]. */
-    std::uint64_t size() const { return filled_ + writer_->size(); }
+    std::uint64_t size() const { return filled_ + (writer_ ? writer_->size() : 0); }
 
 private:
     bool is_filled(std::int64_t moment) const;
-    void rotate();
+    void put_away();
+    void begin();
 
     std::string path_;
     Rotation rotation_;
-    std::unique_ptr<capture::Writer> writer_;
+    std::unique_ptr<capture::Writer> writer_; /**< NULL = the last file is put away, and there was no space for another yet */
+    bool was_full_ = false;
     std::uint64_t filled_ = 0;
 };
 

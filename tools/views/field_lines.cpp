@@ -19,6 +19,7 @@ void append_line(std::string& text, const records::Snapshot& snapshot, const Fie
     text += ' ';
     text += dictionary::applies(field, record, element) && has_value(snapshot, field, record, element) ? value_text(field, record, element)
                                                                                                        : "-";
+    if (is_version(field) && has_value(snapshot, field, record, element)) text.append(" ").append(version_text(field, record));
     if (!field.unit.empty()) text += ' ';
     text += field.unit;
     text += '\n';

@@ -5,6 +5,7 @@
 #include "json.h"
 #include "json_schema_values.h"
 #include "json_writer.h"
+#include "value_text.h"
 
 namespace views
 {
@@ -179,6 +180,7 @@ private:
                              else
                                  write_value_schema(w_, field);
                          });
+        if (!raw && is_version(field)) w_.object_member(std::string(child.name) + "_text", [this] { w_.member("type", "string"); });
         const bool is_wide = field.type == Type::i64 || field.type == Type::u64 || field.type == Type::timespec;
         if (is_wide && (!raw || field.type != Type::timespec) && (raw || field.kind != Kind::state))
             reference(std::string(child.name) + "_s", "digits");

@@ -1,5 +1,6 @@
 #include "json_values.h"
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
 
@@ -61,7 +62,13 @@ void state_member(JsonWriter& writer, std::string_view name, const Field& field,
     writer.start_object();
     integer_member(writer, "value", value);
     text_or_null("name", identifier.empty() ? std::nullopt : std::optional(identifier));
-    text_or_null("text", state_text(field, code));
+    std::optional<std::string> text = state_text(field, code);
+    if (!text && !identifier.empty())
+    {
+        text = identifier; // no service has a text for it, and its words say the same
+        std::ranges::replace(*text, '_', ' ');
+    }
+    text_or_null("text", text);
     writer.end_object();
 }
 
@@ -106,6 +113,7 @@ void write_member(JsonWriter& writer, std::string_view name, const records::Snap
     }
     else
         integer_member(writer, name, value);
+    if (is_version(field)) writer.member(std::string(name) + "_text", version_text(field, record));
 }
 
 void write_raw_member(JsonWriter& writer, std::string_view name, const Field& field, Record record, std::size_t element)

@@ -115,6 +115,17 @@ std::optional<std::string> state_text(const dictionary::Field& field, std::int64
     return service->name(static_cast<int>(code), buffer.data(), buffer.size());
 }
 
+bool is_version(const dictionary::Field& field)
+{
+    return field.kind == dictionary::Kind::identity && field.full_name.ends_with("version");
+}
+
+std::string version_text(const dictionary::Field& field, std::span<const std::byte> record)
+{
+    std::array<char, 64> buffer;
+    return SessMgr_GetSRTVersionString(static_cast<int>(dictionary::integer(field, record)), buffer.data(), buffer.size());
+}
+
 std::string bytes_text(const dictionary::Field& field, std::span<const std::byte> record)
 {
     const auto bytes = record.subspan(field.offset(), field.size);

@@ -20,6 +20,12 @@ namespace views
 /** What the reports call a state's value. @param code as dictionary::integer reads it @return nothing = no service names it */
 std::optional<std::string> state_text(const dictionary::Field& field, std::int64_t code);
 
+/** Whether a field is the number of an SRT version, which people know by its parts. */
+bool is_version(const dictionary::Field& field);
+
+/** A version in its parts: "1.4.4". @param field one that is_version() */
+std::string version_text(const dictionary::Field& field, std::span<const std::byte> record);
+
 /**
  * An identity of bytes. An address reads 192.0.2.10 or 2001:db8::1 (RFC 5952) by the family beside it, anything else as two
  * hexadecimal digits for each byte.

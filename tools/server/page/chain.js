@@ -6,7 +6,7 @@ import { field_of, value_of, value_text } from "./fields.js";
 import { draw_gutter } from "./gutter.js";
 import { show_fields } from "./meaning.js";
 import { SHOWN } from "./series.js";
-import { STAGES, counters_of } from "./stages.js";
+import { STAGES, behind } from "./stages.js";
 import { clock, grouped, rated, span } from "./text.js";
 import { add_plot, show_timeline } from "./timeline.js";
 
@@ -114,11 +114,13 @@ function show_references(list, now, stage) {
 }
 
 function show_more(now, stage, more) {
-  if (!more.children.length) more.append(el("h4", {}, "Behind the figures of this row, since the start"), el("dl", { class: "fields rates" }), el("h4", {}, "Fields"), el("dl", { class: "fields" }));
+  if (!more.children.length)
+    more.append(el("h4", {}, "Behind the figures of this row, since the start"), el("dl", { class: "fields rates" }),
+      el("h4", {}, "Fields"), el("dl", { class: "fields" }));
   const there = (name) => field_of(name) && value_of(now.components, name) !== undefined;
-  const behind = [["In", counters_of(stage.in)], ["Out", counters_of(stage.out)], ["Lost", stage.lost]];
+  const counted = [["In", behind(stage.in)], ["Out", behind(stage.out)], ["Lost", stage.lost]];
   const [rates, fields] = more.querySelectorAll("dl");
-  show_fields(rates, behind.flatMap(([what, names]) => names.filter(there).map((name) => ({ what, name }))), now);
+  show_fields(rates, counted.flatMap(([what, names]) => names.filter(there).map((name) => ({ what, name }))), now);
   show_fields(fields, stage.fields.filter(there).map((name) => ({ name })), now);
 }
 

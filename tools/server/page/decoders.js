@@ -11,7 +11,8 @@ const verdicts = new Map(); // by name: { poll, verdict }
 
 function make_row({ decoder }) {
   const link = el("a", { href: `?decoder=${encodeURIComponent(decoder)}` }, decoder);
-  return el("li", {}, sign("unknown"), el("p", { class: "d-name" }, link), el("p", { class: "d-verdict" }), el("p", { class: "d-state" }), el("p", { class: "d-since" }));
+  const part = (name, ...children) => el("p", { class: `d-${name}` }, ...children);
+  return el("li", {}, sign("unknown"), part("name", link), part("verdict"), part("state"), part("since"));
 }
 
 function show_row(row, { decoder, state, instance, problem }) {
@@ -35,9 +36,10 @@ function judge(decoders) {
     }
   for (const name of names) {
     if (verdicts.has(name)) continue;
-    const entry = {};
+    const entry = {}, path = `api/v1/decoders/${encodeURIComponent(name)}/findings`;
     verdicts.set(name, entry);
-    entry.poll = new Poll(() => `api/v1/decoders/${encodeURIComponent(name)}/findings`, 2000, (findings) => (entry.verdict = findings.verdict), () => (entry.verdict = undefined));
+    const set = (findings) => (entry.verdict = findings?.verdict);
+    entry.poll = new Poll(() => path, 2000, set, () => set());
   }
 }
 

@@ -16,8 +16,8 @@ function link_to(findings, id) {
 
 /** The verdict in a few words, for the title of the tab. */
 export function brief_of(findings) {
-  const { state, stage, headline } = findings.verdict;
-  return stage && (state === "stopped" || state === "degraded") ? `${state === "stopped" ? "Stopped" : "Degraded"} at ${title_of(findings, stage)}` : headline;
+  const { state, stage, headline } = findings.verdict, word = { stopped: "Stopped", degraded: "Degraded" }[state];
+  return stage && word ? `${word} at ${title_of(findings, stage)}` : headline;
 }
 
 /** What has to change so that assistive technology is told anew: not the seconds in the headline. */
@@ -25,7 +25,8 @@ export const key_of = (findings) => [findings.verdict.state, findings.verdict.st
 
 /** Brings the verdict up to date. */
 export function show_verdict(now) {
-  const { findings } = now, box = by_id("verdict"), verdict = findings?.verdict ?? { state: "unknown", headline: "Waiting for the first data", place: "" };
+  const { findings } = now, box = by_id("verdict");
+  const verdict = findings?.verdict ?? { state: "unknown", headline: "Waiting for the first data", place: "" };
   box.dataset.state = verdict.state;
   set_sign(box, verdict.state);
   set_text(by_id("headline"), verdict.headline);
@@ -61,11 +62,14 @@ function make_finding() {
   return row;
 }
 
+function growth_text(grown, rate, window) {
+  if (grown === 0) return " \u00b7 stands still";
+  return ` \u00b7 ${grouped(grown)} in ${span(Math.round(window))}${rate ? `, ${rated(rate)}/s` : ""}`;
+}
+
 function evidence_of(finding, window) {
-  return finding.evidence.map(({ field, value, value_s, grown, rate }) => {
-    const growth = grown === undefined ? undefined : grown === 0 ? "stands still" : `${grouped(grown)} in ${span(Math.round(window))}${rate ? `, ${rated(rate)}/s` : ""}`;
-    return { name: field, value: value_s ? BigInt(value_s) : value, extra: growth && ` \u00b7 ${growth}` };
-  });
+  return finding.evidence.map(({ field, value, value_s, grown, rate }) => (
+    { name: field, value: value_s ? BigInt(value_s) : value, extra: grown === undefined ? undefined : growth_text(grown, rate, window) }));
 }
 
 function show_finding(row, finding, index, now) {
@@ -103,8 +107,8 @@ function show_episode(row, episode, now) {
   const [when, what] = row.children, begin = moment(episode.begin_time), end = moment(episode.end_time);
   const ago = now.taken - end;
   set_text(when, now.stale || ago > 86400 ? `${ago > 86400 ? `${day(end)} ` : ""}${clock(end)}` : `${span(ago)} ago`);
-  const lasted = end > begin ? `, for ${span(end - begin)}` : "";
-  set_text(what, `${title_of(now.findings, episode.stage)}: ${episode.title}${episode.detail ? `: ${episode.detail}` : ""}${lasted} (${SEVERITIES[episode.severity][0].toLowerCase()}, from ${clock(begin)})`);
+  const title = episode.title + (episode.detail ? `: ${episode.detail}` : ""), lasted = end > begin ? `, for ${span(end - begin)}` : "";
+  set_text(what, `${title_of(now.findings, episode.stage)}: ${title}${lasted} (${SEVERITIES[episode.severity][0].toLowerCase()}, from ${clock(begin)})`);
 }
 
 /** Brings the findings up to date. */
@@ -117,5 +121,6 @@ export function show_findings(now) {
   set_text(by_id("no-findings"), nothing_text(findings));
   const over = (findings.episodes ?? []).filter(({ end_time }) => end_time).sort((a, b) => moment(b.end_time) - moment(a.end_time)).slice(0, 20);
   by_id("earlier-head").hidden = !over.length;
-  keep_list(by_id("earlier"), over, ({ id, begin_time }) => `${id} ${begin_time}`, () => el("li", {}, el("time", {}), el("span", {})), (row, episode) => show_episode(row, episode, now));
+  const make_episode = () => el("li", {}, el("time", {}), el("span", {}));
+  keep_list(by_id("earlier"), over, ({ id, begin_time }) => `${id} ${begin_time}`, make_episode, (row, episode) => show_episode(row, episode, now));
 }

@@ -12,7 +12,10 @@ const ENDED_STATES = ["stale", "closed", "missing"];
 
 const LOOK = "Look at the picture itself, then check";
 const SERVER_AWAY = "The decoder may be fine: look at the picture itself, then check the network of this device, and the server.";
-const HOST_AWAY = `The server answers; the host process of the decoder does not. The output may be gone too. ${LOOK} power and host process of the unit.`;
+const HOST_AWAY = "The server answers; the host process of the decoder does not. The output may be gone too. " +
+  `${LOOK} power and host process of the unit.`;
+const HOST_HANGS = `Its host process is there, but does not update its records any more. ${LOOK} what the log of the process says last.`;
+const LAST_KNOWN = "Everything below is of the last moment that is known.";
 
 /**
  * Judges from the server's side how fresh the data is: whether its answers come, and what it says about the decoder. How often the host
@@ -24,13 +27,16 @@ const HOST_AWAY = `The server answers; the host process of the decoder does not.
  */
 export function judge(silence, age, state, failure) {
   const gone = (what, why) => ({ word: "gone", what, why }), since = Number.isFinite(silence) ? ` for ${span(silence)}` : "";
-  if (failure?.status === 404) return Number.isFinite(age) ? gone(`The decoder stopped publishing ${span(age)} ago.`, HOST_AWAY) : gone("No decoder of this name is published here.", HOST_AWAY);
-  if (silence >= GONE && (failure || state !== undefined))
-    return failure?.status ? gone(`The server answers with an error${since} (${failure.message}).`, `${LOOK} the server.`) : gone(`No answer from the server${since}.`, SERVER_AWAY);
-  if (ENDED_STATES.includes(state)) return gone(`The decoder stopped publishing ${span(age)} ago.`, HOST_AWAY);
-  if (state === "hung") return gone(`The decoder hangs: no sign of life for ${span(age)}.`, `Its host process is there, but does not update its records any more. ${LOOK} what the log of the process says last.`);
-  if (state === "captured") return gone("These are records out of a capture file.", "Everything below is of the last moment in the file.");
-  if (state !== undefined && !LIVE_STATES.includes(state)) return gone(`The decoder cannot be read: ${state}.`, "The server says so. Everything below is of the last moment that is known.");
+  const is_missing = failure?.status === 404;
+  if (is_missing && !Number.isFinite(age)) return gone("No decoder of this name is published here.", HOST_AWAY);
+  if (!is_missing && silence >= GONE && (failure || state !== undefined)) {
+    if (failure?.status) return gone(`The server answers with an error${since} (${failure.message}).`, `${LOOK} the server.`);
+    return gone(`No answer from the server${since}.`, SERVER_AWAY);
+  }
+  if (is_missing || ENDED_STATES.includes(state)) return gone(`The decoder stopped publishing ${span(age)} ago.`, HOST_AWAY);
+  if (state === "hung") return gone(`The decoder hangs: no sign of life for ${span(age)}.`, HOST_HANGS);
+  if (state === "captured") return gone("These are records out of a capture file.", LAST_KNOWN);
+  if (state !== undefined && !LIVE_STATES.includes(state)) return gone(`The decoder cannot be read: ${state}.`, LAST_KNOWN);
   return { word: silence >= LATE ? "late" : "live", what: "", why: "" };
 }
 
@@ -41,14 +47,16 @@ export function show_liveness(liveness, age, taken, retry) {
   const box = by_id("fresh"), known = Number.isFinite(age);
   set_sign(box, { live: "working", late: "degraded", gone: "notlive", held: "hold" }[word]);
   set_text(box.querySelector("b"), { live: "Live", late: known ? "Late" : "Waiting", gone: "Not live", held: "Held" }[word]);
-  set_text(box.querySelector("span"), !known ? "no data yet" : held ? `at ${clock(taken)}` : word === "gone" ? `${span(age)} old` : `${age.toFixed(1)}s old`);
+  const old = { held: () => `at ${clock(taken)}`, gone: () => `${span(age)} old` }[word] ?? (() => `${age.toFixed(1)}s old`);
+  set_text(box.querySelector("span"), known ? old() : "no data yet");
   by_id("notlive").hidden = !stale;
   by_id("hold").hidden = word === "gone";
   if (!stale) return;
   const last = known ? ` Last data ${clock(taken)} UTC.` : "";
   set_text(by_id("notlive-head"), held ? "HELD" : "NOT LIVE");
   set_text(by_id("notlive-what"), held ? `You stopped this page at ${clock(taken)} UTC.` : liveness.what + last);
-  set_text(by_id("notlive-why"), held ? "Everything below is of that moment. Press Resume to go on." : `${liveness.why} This page tries again ${retry > 1.5 ? `in ${Math.round(retry)}s` : "every second"}.`);
+  const tries = `This page tries again ${retry > 1.5 ? `in ${Math.round(retry)}s` : "every second"}.`;
+  set_text(by_id("notlive-why"), held ? "Everything below is of that moment. Press Resume to go on." : `${liveness.why} ${tries}`);
 }
 
 /** Winds the fail-safe of the style sheet back. Called when an update has been shown, and only then. */

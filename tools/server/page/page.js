@@ -46,7 +46,11 @@ const silence = () => Math.max(...needed().map((what) => (answers[what] ? (perfo
 function known() {
   const { snapshot, findings } = held ?? answers, taken = moment((snapshot?.answer ?? { taken_at: 0 }).taken_at);
   const edge = liveness.word === "gone" && snapshot?.answer.state !== "captured" ? taken + age() : taken;
-  return { components: snapshot?.answer.components ?? {}, instance: snapshot?.answer.instance, findings: findings?.answer, taken, edge, series, stale: ["gone", "held"].includes(liveness.word) };
+  return {
+    components: snapshot?.answer.components ?? {}, instance: snapshot?.answer.instance, taken, // the moment that ages count to
+    findings: findings?.answer, series, edge, // the moment at the right of the plots
+    stale: liveness.word === "gone" || liveness.word === "held",
+  };
 }
 
 /* ---- Showing it ---- */
@@ -89,7 +93,8 @@ function show() {
 
 /** Judges anew whether the page is live, and shows all that depends on it. */
 function tick() {
-  const old = age(), state = (answers.snapshot ?? answers.list)?.answer.state ?? (answers.list ? "live" : undefined);
+  const old = age(), is_told = needed().every((what) => answers[what]);
+  const state = is_told ? answers.snapshot?.answer.state ?? "live" : undefined;
   const failure = needed().map((what) => failures[what]).find(Boolean);
   const before = liveness.word;
   liveness = held ? { word: "held" } : judge(silence(), old, state, failure);
@@ -121,12 +126,16 @@ function sample(snapshot) {
 const numeric = (value) => (typeof value === "number" || typeof value === "bigint" ? value : null);
 
 function failed(what, failure) {
-  failures[what] = failure;
+  // A decoder that is there may have nothing to judge yet; whether it is there, the snapshot tells.
+  if (what === "findings" && failure.status === 404) answers.findings = { asked: performance.now() };
+  else failures[what] = failure;
   if (failure.status === 401) want_token();
   tick();
 }
 
-const poll = (what, path_of, every) => polls.push(new Poll(path_of, every, (answer, asked) => took(what, answer, asked), (failure) => failed(what, failure)));
+function poll(what, path_of) {
+  polls.push(new Poll(path_of, EVERY, (answer, asked) => took(what, answer, asked), (failure) => failed(what, failure)));
+}
 
 /** What the server remembers of the ten minutes up to a moment, in as many requests as it wants. */
 async function load_history(to) {
@@ -155,10 +164,10 @@ async function begin() {
     if (name === null && list.decoders.length === 1) name = list.decoders[0].decoder;
     by_id("all").hidden = name === null || list.decoders.length < 2;
     document.body.dataset.view = name === null ? "list" : "decoder";
-    if (name === null) return poll("list", () => "api/v1/decoders", EVERY);
+    if (name === null) return poll("list", () => "api/v1/decoders");
     listen_to_report(path(), () => held !== undefined);
-    poll("snapshot", path, EVERY);
-    poll("findings", () => `${path()}/findings`, EVERY);
+    poll("snapshot", path);
+    poll("findings", () => `${path()}/findings`);
   } catch (failure) {
     if (failure.status === 401) return want_token();
     failures[needed()[0]] = failure;

@@ -85,11 +85,14 @@ export class Plot {
     s.append(svg("path", { class: "base", d: `M0 ${h - 0.5}H${w}` }));
     for (const gap of scene.gaps) {
       const a = Math.max(0, x(gap.from)), b = Math.max(a + 3, Math.min(w, x(gap.to)));
-      if (x(gap.to) > 0) s.append(svg("rect", { class: "gap", x: px(a), width: px(b - a), y: 0, height: h }), svg("path", { class: "gap-edge", d: `M${px(a)} 0V${h}M${px(b)} 0V${h}` }));
+      if (x(gap.to) <= 0) continue; // before the plot
+      s.append(svg("rect", { class: "gap", x: px(a), width: px(b - a), y: 0, height: h }),
+        svg("path", { class: "gap-edge", d: `M${px(a)} 0V${h}M${px(b)} 0V${h}` }));
     }
     if (plot.bars) this.bars_(scene, values, x, y, high, w, h);
     else this.trace_(scene, values, x, y);
-    if (needed > known.at(-1)) s.append(svg("path", { class: "ref-line", d: `M0 ${px(y(needed))}H${w}` }), svg("text", { x: 2, y: px(Math.max(10, y(needed) - 3)) }, `needed ${needed}`));
+    if (needed > known.at(-1))
+      s.append(svg("path", { class: "ref-line", d: `M0 ${px(y(needed))}H${w}` }), svg("text", { x: 2, y: px(Math.max(10, y(needed) - 3)) }, `needed ${needed}`));
     for (const mark of scene.marks) s.append(svg("path", { class: mark.restart ? "mark" : "mark change", d: `M${px(x(mark.at))} 0V${h}` }));
     if (!known.length) s.append(svg("text", { x: 6, y: h / 2 + 4 }, "nothing measured"));
     else if (plot.bars && !known.some(Boolean)) s.append(svg("text", { x: 2, y: h - 5 }, "none"));
@@ -122,8 +125,8 @@ export class Plot {
     });
     this.svg_.append(svg("path", { class: "bars", d: bars }), svg("path", { class: "bars over", d: over }));
     if (first < 0) return;
-    const left = first > 48;
-    this.svg_.append(svg("text", { class: "over-text", x: px(left ? first - 4 : Math.min(first + 4, w)), y: 12, "text-anchor": left ? "end" : "start" }, grouped(Math.round(most))));
+    const left = first > 48, at = left ? first - 4 : Math.min(first + 4, w);
+    this.svg_.append(svg("text", { class: "over-text", x: px(at), y: 12, "text-anchor": left ? "end" : "start" }, grouped(Math.round(most))));
   }
 
   cursor_(scene, values, x, y, h) {

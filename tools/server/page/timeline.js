@@ -60,7 +60,8 @@ export function show_timeline(now) {
   const { series } = now;
   const open = now.edge - now.taken > 2 ? [{ from: now.taken, to: now.edge, open: true }] : [];
   shown = now;
-  scene = { times: series.times, broken: series.times.map((_, i) => series.is_break(i)), edge: now.edge, gaps: [...series.gaps(), ...open], marks: marks_of(now) };
+  const broken = series.times.map((_, i) => series.is_break(i));
+  scene = { times: series.times, broken, edge: now.edge, gaps: [...series.gaps(), ...open], marks: marks_of(now) };
   if (cursor !== null) by_id("time").value = Math.round(cursor - scene.edge); // it stays at its moment, which moves into the past
   draw();
   show_marks(now);
