@@ -9,7 +9,8 @@ import time
 import unittest
 import warnings
 
-from serving import DECSTATS, PATIENCE, Server, ServingTest, StillHost, environment
+from host import TOOL, environment
+from serving import PATIENCE, Server, ServingTest
 
 
 class Access(ServingTest):
@@ -151,7 +152,7 @@ class Access(ServingTest):
                 os.dup2(listening.fileno(), 3, inheritable=True)
                 os.environ["LISTEN_PID"] = str(os.getpid())
             launcher = "LISTEN_PID=$$ exec \"$@\""
-            return subprocess.Popen(["/bin/sh", "-c", launcher, "sh", DECSTATS, "serve", *arguments], env={**environment(self.live), "LISTEN_FDS": "1"},
+            return subprocess.Popen(["/bin/sh", "-c", launcher, "sh", *TOOL, "serve", *arguments], env={**environment(self.live), "LISTEN_FDS": "1"},
                                     stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True, pass_fds=(3,),
                                     preexec_fn=prepare, cwd=self.directory)
 

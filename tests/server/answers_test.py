@@ -3,7 +3,7 @@ import gzip
 import json
 import unittest
 
-from serving import DECSTATS, ServingTest, StillHost
+from serving import ServingTest, StillHost
 
 
 def without_update(exposition):
@@ -130,7 +130,7 @@ class Answers(ServingTest):
         self.simulate("idle", "gamma")
         self.until(lambda: self.state(server, "gamma") == "live", 5)
         self.refused("serve", "beta", self.path("beta"), part="two sources")
-        self.refused("serve", DECSTATS, part="neither a decoder's name nor a capture file")
+        self.refused("serve", __file__, part="neither a decoder's name nor a capture file")
         self.refused("serve", "sample:idle", part="neither")
 
 

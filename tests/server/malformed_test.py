@@ -5,7 +5,7 @@ import socket
 import sys
 import unittest
 
-from serving import PATIENCE, ServingTest, StillHost
+from serving import PATIENCE, ServingTest
 
 COUNT = 3000
 SEEDS = (
@@ -62,7 +62,7 @@ class Malformed(ServingTest):
         return answer
 
     def test_malformed_requests(self):
-        StillHost(self, "still")
+        self.simulate("live-srt-1080i", "still")
         server = self.serve()
         self.assertEqual(self.get(server, "/metrics").status, 200)
         self.json(server, "/api/v1/fields")

@@ -10,7 +10,7 @@ import re
 import select
 import subprocess
 
-from host import DECSTATS, LiveTest, OwnHost, environment
+from host import LiveTest, OwnHost
 
 Answer = collections.namedtuple("Answer", "status headers body")
 
@@ -35,7 +35,7 @@ class StillHost(OwnHost):
     """A live decoder whose records do not change, with one heartbeat that lasts for long."""
 
     def __init__(self, test, name, scenario="live-srt-1080i", heartbeat=3600000):
-        self.publisher = ctypes.c_void_p(self.library.STATS_PublishOpen(name.encode(), str(test.live).encode(), b"a test", heartbeat, None))
+        super().__init__(name, test.live, heartbeat=heartbeat)
         folder = pathlib.Path(test.directory / ("records-" + name))
         folder.mkdir()
         test.run_tool("sample", scenario, str(folder))
@@ -49,11 +49,6 @@ class StillHost(OwnHost):
 
     def beat(self):
         self.library.STATS_PublishHeartbeat(self.publisher)
-
-    def close(self):
-        if self.publisher:
-            super().close()
-        self.publisher = None
 
 
 class ServingTest(LiveTest):

@@ -3,7 +3,7 @@ import socket
 import time
 import unittest
 
-from serving import PATIENCE, ServingTest, StillHost
+from serving import PATIENCE, ServingTest
 
 LONGEST = 30  # [s] a request may take, after which it may take a moment to be noticed
 SOON = 5
@@ -11,7 +11,6 @@ SOON = 5
 
 class Unending(ServingTest):
     def test_a_header_that_trickles_and_a_reader_who_does(self):
-        StillHost(self, "still")
         server = self.serve()
         before = server.descriptors()
         sender = socket.create_connection(("127.0.0.1", server.port), PATIENCE)
