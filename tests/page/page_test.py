@@ -57,6 +57,19 @@ class Page(PageTest):
         path = self.run_script("return document.querySelector('#stage-ts .trace').getAttribute('d')")
         self.assertRegex(path, r"^M[\d.]+ [\d.]+L[\d.]+ [\d.]+")
 
+    def test_the_past_is_there_at_once(self):
+        def remembered():
+            now = time.time()
+            history = self.unit.ask("decoders/alpha/history?field=tdemux.bit_rate&from=%.0f&to=%.0f" % (now - 600, now))
+            return len(history["times"]) if history else 0
+
+        until(lambda: remembered() >= 12, "a past", 20)
+        self.open("alpha")
+        opened = time.monotonic()
+        trace = "return document.querySelector('#stage-network .trace')?.getAttribute('d') ?? ''"
+        until(lambda: len(re.findall("[ML]", self.run_script(trace))) >= 12, "the past", 3)
+        self.assertLess(time.monotonic() - opened, 4)  # of its own, the page has a sample a second
+
     def test_a_fault_appears_within_two_seconds(self):
         self.open("faulty")
         opened = time.monotonic()
