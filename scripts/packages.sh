@@ -3,7 +3,7 @@
 build_packages="g++ cmake ninja-build pkg-config libcli11-dev rapidjson-dev libmicrohttpd-dev zlib1g-dev"
 test_packages="$build_packages clang clang-format clang-tidy libgtest-dev binutils locales valgrind abigail-tools groff-base
     lld python3 python3-jsonschema python3-prometheus-client jq strace"
-complete_packages="prometheus" # for promtool
+complete_packages="prometheus chromium chromium-driver python3-selenium" # for promtool, and for the page
 target_packages="g++-aarch64-linux-gnu qemu-user googletest"
 package_packages="$build_packages build-essential busybox-static debhelper lintian"
 fuzz_packages="$build_packages clang libclang-rt-14-dev"

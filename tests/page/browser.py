@@ -158,3 +158,15 @@ class PageTest(unittest.TestCase):
     def states(self):
         """The word of the state of each stage."""
         return self.texts(".stage .state b")
+
+    def not_live(self):
+        """What is not live does not look so."""
+        self.assertEqual(self.live(), "gone")
+        self.assertEqual(self.text("#notlive-head"), "NOT LIVE")
+        self.assertEqual(self.text("#fresh b"), "Not live")
+        self.assertTrue(self.run_script("return document.title").startswith("NOT LIVE"))
+        self.assertEqual([one for one in self.states() if not one.startswith(("was ", "had "))], [])
+        self.assertEqual((self.text("#action"), self.text("#hold")), ("", ""))
+        self.assertRegex(self.text("#kicker"), r"^Last known, \d\d:\d\d:\d\d UTC$")
+        colours = self.run_script("return [...new Set([...document.querySelectorAll('.stage .state, .gutter')].map((e) => getComputedStyle(e).color))]")
+        self.assertEqual(len(colours), 1, colours)

@@ -28,6 +28,7 @@ constexpr const char* program = "decstats-serve";
     const std::filesystem::path path = std::filesystem::read_symlink("/proc/self/exe", ignored).replace_filename(program);
     words.insert(words.begin(), program);
     std::vector<char*> arguments;
+    arguments.reserve(words.size() + 1);
     for (std::string& word : words) arguments.push_back(word.data());
     arguments.push_back(nullptr);
     execv(path.c_str(), arguments.data());

@@ -65,12 +65,12 @@ function set_figure(dd, { n, u }, cls) {
 }
 
 /** The words of a row: what its worst finding says, or what the fields say. */
-function words(now, stage, finding) {
+function words(now, stage, state, finding) {
   if (finding) return [finding.title, finding.detail ? `: ${finding.detail}` : ""];
   const exact = (name) => value_of(now.components, name);
   const v = (name) => (typeof exact(name) === "bigint" ? Number(exact(name)) : exact(name));
   const [brief, rest = ""] = stage.words(v, (name) => value_text(name, exact(name), now.taken));
-  const cause = now.findings?.findings.findIndex(({ explains }) => explains.some((id) => id.startsWith(`${stage.id}.`))) ?? -1;
+  const cause = state !== "degraded" ? -1 : now.findings.findings.findIndex(({ explains }) => explains.some((id) => id.startsWith(`${stage.id}.`)));
   return [brief, cause < 0 ? rest : `${rest} \u00b7 follows from finding ${cause + 1}`];
 }
 
@@ -89,7 +89,7 @@ function show_row(now, { stage, row }, i, states) {
   set_text(q(".since"), since && !now.stale && now.taken - since >= 1 ? span(now.taken - since, 2) : "");
   for (const tag of row.querySelectorAll(".first")) tag.hidden = !first;
   show_references(q(".refs"), now, stage);
-  const [brief, rest] = words(now, stage, ["stopped", "degraded"].includes(state) ? own[0] : undefined);
+  const [brief, rest] = words(now, stage, state, ["stopped", "degraded"].includes(state) ? own[0] : undefined);
   set_text(q(".brief"), brief);
   set_text(q(".rest"), rest);
   set_attribute(q(".words"), "title", brief + rest);

@@ -30,7 +30,7 @@ export function label_of(name) {
   const field = field_of(name), element = name.match(/\[(\d+)\]/);
   const lines = field?.report_lines ?? [];
   const own = name.replace(/^\w+\.(\w+\[\d+\]\.)?/, "").replaceAll(/[._]/g, " ").replace(ACRONYMS, (word) => word.toUpperCase().replace("PCRS", "PCRs"));
-  const stands_alone = lines.length === 1 && sharers.get(label_key(field, lines[0].label)) === field.name;
+  const stands_alone = lines.length === 1 && lines[0].label.length > 2 && sharers.get(label_key(field, lines[0].label)) === field.name;
   const label = stands_alone ? lines[0].label : own[0].toUpperCase() + own.slice(1);
   return element ? `${label} ${Number(element[1]) + 1}` : label;
 }

@@ -30,7 +30,7 @@ export function judge(silence, age, state, failure) {
   const is_missing = failure?.status === 404;
   if (is_missing && !Number.isFinite(age)) return gone("No decoder of this name is published here.", HOST_AWAY);
   if (!is_missing && silence >= GONE && (failure || state !== undefined)) {
-    if (failure?.status) return gone(`The server answers with an error${since} (${failure.message}).`, `${LOOK} the server.`);
+    if (failure?.status) return gone(`The server answers with an error${since}. ${failure.message}.`, `${LOOK} the server.`);
     return gone(`No answer from the server${since}.`, SERVER_AWAY);
   }
   if (is_missing || ENDED_STATES.includes(state)) return gone(`The decoder stopped publishing ${span(age)} ago.`, HOST_AWAY);

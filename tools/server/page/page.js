@@ -9,16 +9,15 @@ import { learn, value_of } from "./fields.js";
 import { brief_of, key_of, show_findings, show_verdict } from "./findings.js";
 import { judge, rewind, show_liveness } from "./liveness.js";
 import { listen_to_labels, show_meaning } from "./meaning.js";
+import { complete } from "./past.js";
 import { listen_to_report } from "./report.js";
-import { SHOWN, Series } from "./series.js";
+import { Series } from "./series.js";
 import { Poll, ask, set_token } from "./server.js";
 import { SAMPLED } from "./stages.js";
 import { clock, day, moment, span } from "./text.js";
 import { listen_to_timeline } from "./timeline.js";
 
 const EVERY = 1000; // from one snapshot to the next [ms]
-const MOST_FIELDS = 32; // that the server tells the past of in one answer
-const MISSED = 3;   // without a sample for so long, what the server remembers is asked for again [s]
 
 const series = new Series(SAMPLED);
 const polls = [];
@@ -116,10 +115,10 @@ function took(what, answer, asked) {
   rewind();
 }
 
-/** A sample for the plots; what was missed meanwhile, as while people held the page, the server may remember. */
+/** A sample for the plots. */
 function sample(snapshot) {
   const taken = moment(snapshot.taken_at);
-  if (!series.length || taken - series.times.at(-1) > MISSED) load_history(taken);
+  complete(series, path(), taken, () => held || show());
   series.append(taken, snapshot.instance?.id, (field) => numeric(value_of(snapshot.components, field)));
 }
 
@@ -135,24 +134,6 @@ function failed(what, failure) {
 
 function poll(what, path_of) {
   polls.push(new Poll(path_of, EVERY, (answer, asked) => took(what, answer, asked), (failure) => failed(what, failure)));
-}
-
-/** What the server remembers of the ten minutes up to a moment, in as many requests as it wants. */
-async function load_history(to) {
-  const parts = [];
-  try {
-    for (let first = 0; first < SAMPLED.length; first += MOST_FIELDS) {
-      const query = new URLSearchParams(SAMPLED.slice(first, first + MOST_FIELDS).map((field) => ["field", field]));
-      query.append("from", (to - SHOWN).toFixed(3));
-      query.append("to", to.toFixed(3));
-      parts.push(await ask(`${path()}/history?${query}`));
-    }
-  } catch {
-    return; // the plots begin now
-  }
-  if (parts.some(({ times }) => times.length !== parts[0].times.length)) return; // it forgot something meanwhile
-  series.load({ ...parts[0], fields: Object.assign({}, ...parts.map(({ fields }) => fields)) });
-  if (!held) show();
 }
 
 /** The server tells which decoders there are; one alone is shown at once. */

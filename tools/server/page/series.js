@@ -41,7 +41,11 @@ export class Series {
     const ids = times.map((time) => history.instances.findLast(({ at }) => moment(at) <= time + 0.001)?.id ?? history.instances[0]?.id);
     const merge = (old, theirs) => [...before.map(({ i }) => old[i]), ...theirs, ...after.map(({ i }) => old[i])];
     this.instances = merge(this.instances, ids);
-    for (const name of this.names) this.values.set(name, merge(this.values.get(name), history.fields[name] ?? times.map(() => null)));
+    const nothing = times.map(() => null);
+    for (const name of this.names) {
+      const theirs = history.fields[name];
+      this.values.set(name, merge(this.values.get(name), theirs?.length === times.length ? theirs : nothing)); // it may forget between two answers
+    }
     this.times = merge(this.times, times);
     this.gaps_ = (history.gaps ?? []).map(({ from, to }) => ({ from: moment(from), to: moment(to) }));
     const steps = times.slice(1).map((time, i) => time - times[i]).sort((a, b) => a - b);

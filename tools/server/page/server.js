@@ -28,7 +28,10 @@ export async function ask(path) {
     response = await fetch(path, {
       headers: token ? { Authorization: `Bearer ${token}` } : {}, cache: "no-store", credentials: "omit", signal: AbortSignal.timeout(PATIENCE),
     });
-    if (!response.ok) throw new Failure(response.status, `HTTP ${response.status}`);
+    if (!response.ok) {
+      const reason = await response.json().then(({ error }) => `: ${error}`, () => "");
+      throw new Failure(response.status, `HTTP ${response.status}${reason}`);
+    }
     return await (response.headers.get("Content-Type")?.startsWith("application/json") ? response.json() : response.text());
   } catch (error) {
     if (error instanceof Failure) throw error;

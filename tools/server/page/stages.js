@@ -57,7 +57,7 @@ export const STAGES = [
     in: rate_of(["clock_recovery.pcr_updates"]),
     out: { gauge: "clock_recovery.stc_deviation_ppm", unit: "PPM", factor: 1, digits: 0, signed: true },
     lost: ["clock_recovery.late_pcrs", "clock_recovery.pcr_jitter_errors"],
-    plot: { label: "Deviation", unit: "PPM", gauge: "clock_recovery.stc_deviation_ppm", factor: 1, digits: 0, band: [-5, 5], least: 8 },
+    plot: { label: "Deviation", unit: "PPM", gauge: "clock_recovery.stc_deviation_ppm", factor: 1, digits: 0, band: [-5, 5], least: 10 },
     fields: fields_of("clock_recovery", `tracking_mode pll_unsettled average_stc_frequency stc_frequency resyncs max_pcr_gap max_pcr_jitter
       pll_settling_duration pcr`),
   },
