@@ -91,7 +91,7 @@ TEST(RunningDiagnosis, FindsInTheEndWhatALongWindowFinds)
 
 TEST(RunningDiagnosis, TellsWithinTwoSecondsThatSomethingHasStopped)
 {
-    for (const char* fault : {"network-silent", "decoder-stalled", "framer-stalled"})
+    for (const char* fault : {"decoder-stalled", "framer-stalled", "ts-stopped"})
     {
         Watched decoder("live-srt-1080i");
         decoder.watch(15);
