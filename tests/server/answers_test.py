@@ -1,8 +1,12 @@
 """What decstats serve answers: the same as the other commands print; the page; what it refuses."""
 import gzip
 import json
+import shutil
+import subprocess
+import time
 import unittest
 
+from host import TOOL
 from serving import ServingTest, StillHost
 
 
@@ -104,6 +108,7 @@ class Answers(ServingTest):
         for path in ("/api", "/api/v1/", "/api/v1/decoders/", "/api/v1/decoders//", "/api/v1/decoders/none", decoder + "/", decoder + "/reports",
                      decoder + "/report/x", "/metrics/", "//metrics", "/../etc/passwd", "/%2e%2e/etc/passwd", "/api/v1/decoders/%2e%2e%2fstill"):
             self.refusal(server, path, 404)
+        plain = [field["name"] for field in self.json(server, "/api/v1/fields")["fields"] if "[]" not in field["name"]]
         for path, parts in ((decoder + "?row", ("row", "raw")), (decoder + "?raw=1", ("raw=1", "no value")),
                             (decoder + "/report?level=loud", ("level=loud", "default or debug")),
                             (decoder + "/report?level=debug&level=debug", ("level", "twice")),
@@ -116,9 +121,17 @@ class Answers(ServingTest):
                             (decoder + "/history?field=tdemux.state&from=yesterday", ("from=yesterday", "seconds")),
                             (decoder + "/history?field=tdemux.state&from=0", ("from", "3600 seconds")),
                             (decoder + "/history?field=tdemux.state&from=20&to=10", ("to", "before from")),
-                            (decoder + "/history?from=0" + "&field=tdemux.state" * 33, ("32",)),
+                            (decoder + "/history?from=0" + "".join("&field=" + name for name in plain[:33]), ("32",)),
                             ("/api/v1/decoders?x=1", ("x",)), ("/api/v1/fields?x=1", ("x",))):
             self.refusal(server, path, 400, *parts)
+        past = self.json(server, decoder + "/history?from=%d&field=tdemux.state&field=tdemux.state" % time.time())
+        self.assertEqual(list(past["fields"]), ["tdemux.state"])
+
+    def test_without_the_server(self):
+        alone = shutil.copy(TOOL[-1], self.directory / "decstats")
+        ran = subprocess.run([alone, "serve"], capture_output=True, text=True, check=False)
+        self.assertEqual((ran.returncode, ran.stdout), (2, ""))
+        self.assertIn("decstats-serve: No such file or directory; it is in a package of its own, decstats-serve", ran.stderr)
 
     def test_sources_that_are_named(self):
         self.simulate("idle", "alpha")

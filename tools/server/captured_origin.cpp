@@ -6,6 +6,7 @@
 #include "bounds.h"
 #include "capture_reader.h"
 #include "capture_source.h"
+#include "name.h"
 #include "origin.h"
 
 namespace server
@@ -28,13 +29,14 @@ public:
     explicit CapturedOrigin(std::string path) : path_(std::move(path))
     {
         open();
-        if (last_.decoder.empty())
-            throw files::Failure(files::ExitStatus::input_failed, files::shown(path_) + ": does not tell the name of its decoder");
+        name_ = last_.decoder;
+        if (!published::is_name(name_))
+            throw files::Failure(files::ExitStatus::input_failed, files::shown(path_) + ": has no name of a decoder to serve it by");
     }
 
     Sight look() override
     {
-        Sight sight = {.listed = {.name = last_.decoder, .path = path_, .status = {}}, .state = captured_state, .snapshot = last_};
+        Sight sight = {.listed = {.name = name_, .path = path_, .status = {}}, .state = captured_state, .snapshot = last_};
         sight.looked_at = last_.taken_at;
         published::Status& status = sight.listed.status;
         status.state = published::State::live; // what is listed of a file that can be read
@@ -88,6 +90,7 @@ private:
     }
 
     std::string path_;
+    std::string name_;
     std::optional<capture::Reader> reader_;
     std::pair<dev_t, ino_t> identity_;
     records::Snapshot last_;

@@ -103,7 +103,7 @@ std::vector<NamedField> fields(const Request& request)
     std::vector<NamedField> fields;
     for (const auto& [key, value] : request.query)
     {
-        if (key != "field") continue;
+        if (key != "field" || std::ranges::find(fields, value, &NamedField::name) != fields.end()) continue;
         if (fields.size() == most_history_fields)
             throw Refusal(400, "field: " + std::to_string(most_history_fields) + " of them at most are expected");
         fields.push_back(field(value));
