@@ -31,12 +31,12 @@ _decstats()
     COMPREPLY=()
     local words='' files=''
     case $option:$command:$arguments in
-    --library:* | --output:*) files=default ;;
+    --library:* | --output:* | --tls-cert:* | --tls-key:* | --token-file:*) files=default ;;
     --level:*) words='default debug' ;;
     --rotate:*) words=day ;;
     --from:capture:* | --to:capture:*) ;;
     --at:* | --from:* | --to:*) words=mtime ;;
-    --directory:*) files=dirnames ;;
+    --directory:* | --captures:*) files=dirnames ;;
     --format:describe:* | --format:list:*) words='text json' ;;
     --format:diagnose:*) words='text json openmetrics prometheus' ;;
     --format:diff:*) words='text json ndjson' ;;
@@ -44,13 +44,14 @@ _decstats()
     --field:*) words=$("${COMP_WORDS[0]}" describe --format json 2>/dev/null | sed -n 's/^      "name": "\(.*\)",$/\1/p') ;;
     --component:*) words=$components ;;
     --fault:*) words=$("${COMP_WORDS[0]}" simulate --list-faults 2>/dev/null | cut -d ' ' -f 1) ;;
-    ::*) words='show list watch diff diagnose capture history check repair describe demo print sample simulate version' ;;
+    ::*) words='show list watch diff diagnose capture history check repair describe demo print sample serve simulate version' ;;
     :demo:0 | :simulate:0) [[ $list ]] || words=$("${COMP_WORDS[0]}" demo --list 2>/dev/null | cut -d ' ' -f 1) ;;
     :sample:0) words=$("${COMP_WORDS[0]}" demo --list 2>/dev/null | cut -d ' ' -f 1) ;;
     :sample:1) files=dirnames ;;
     :print:0) words=$components ;;
     :describe:*) words=$components ;;
     :print:1 | :version:0 | :capture:1 | :history:0 | :check:0 | :repair:[01]) files=default ;;
+    :serve:*) files=default words=$(_decstats_names "${COMP_WORDS[0]}") ;;
     :show:0 | :watch:0 | :diagnose:0 | :diff:[01] | :capture:0) files=default words=$(_decstats_names "${COMP_WORDS[0]}") ;;
     esac
 
@@ -64,6 +65,7 @@ _decstats()
         capture) words+=' --directory --every --for --rotate --from --to' ;;
         diff) words+=' --from --to --directory --format' ;;
         diagnose) words+=' --directory --window --at --from --to --format --explain' ;;
+        serve) words+=' --listen --directory --captures --host --tls-cert --tls-key --token-file' ;;
         simulate) words+=' --name --directory --for --fault --after'; ((arguments)) || words+=' --list-faults' ;;
         describe) words+=' --format --schema' ;;
         demo) words+=' --level --component'; ((arguments)) || words+=' --list' ;;

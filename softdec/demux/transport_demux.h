@@ -53,6 +53,9 @@ public:
     std::uint64_t packets() const { return packets_; }
 
 private:
+    /** Without a PCR for this long, frames have no clock. ISO/IEC 13818-1 asks for one each tenth of a second. */
+    static constexpr Nanoseconds pcr_gone = second;
+
     /** A stream that is followed. */
     struct Followed
     {

@@ -11,7 +11,7 @@ namespace
 {
 
 const std::string command_list =
-    "show, list, watch, diff, diagnose, capture, history, check, repair, describe, demo, print, sample, simulate, version";
+    "show, list, watch, diff, diagnose, capture, history, check, repair, describe, demo, print, sample, serve, simulate, version";
 const std::string component_list = "tdemux, vframer, vdecoder, audio, metadata, buffering, clock-recovery, usage";
 
 std::string scenario_list()

@@ -6,7 +6,6 @@
  *
  * PACKETS is what it has received before: a host that runs for long has many, one that was just started has none.
  */
-#define _POSIX_C_SOURCE 200809L // clock_gettime
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>

@@ -31,14 +31,14 @@ offers()
     fi
 }
 
-offers 'show list watch diff diagnose capture history check repair describe demo print sample simulate version' ''
+offers 'show list watch diff diagnose capture history check repair describe demo print sample serve simulate version' ''
 offers 'diff diagnose describe demo' d
 offers '' x
 offers '--library --help --version' -
 offers '<default>' --library ''
 offers '<default>' --library = ''
-offers 'show list watch diff diagnose capture history check repair describe demo print sample simulate version' --library libstats.so ''
-offers 'show list watch diff diagnose capture history check repair describe demo print sample simulate version' --library = libstats.so ''
+offers 'show list watch diff diagnose capture history check repair describe demo print sample serve simulate version' --library libstats.so ''
+offers 'show list watch diff diagnose capture history check repair describe demo print sample serve simulate version' --library = libstats.so ''
 
 offers "$scenarios" demo ''
 offers "$scenarios" --library libstats.so demo ''

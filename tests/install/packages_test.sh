@@ -12,7 +12,7 @@ fail() { echo "$*" >&2; status=1; }
 version=$(sed -n '1s/.*(\(.*\)).*/\1/p' "$source/packaging/debian/changelog")
 epoch=$(sed -n 's/^#define RELEASE_EPOCH *\([0-9]*\).*/\1/p' "$source/src/release.h")
 multiarch=$(dpkg-architecture -q DEB_HOST_MULTIARCH)
-names="libstats1 libhostsvc1 libstatspublish1 libstats-dev decstats"
+names="libstats1 libhostsvc1 libstatspublish1 libstats-dev decstats decstats-serve"
 
 # The archives hold no moment but the release's, and no folder of this machine.
 for package in "$folder"/*.deb; do
@@ -59,6 +59,7 @@ libraries=$root/usr/lib/$multiarch examples=$root/usr/share/doc/libstats-dev/exa
 decstats() { LD_LIBRARY_PATH=$libraries "$root/usr/bin/decstats" "$@"; }
 decstats demo idle --component clock-recovery >"$folder/actual"
 printf 'Clock Recovery\n  Tracking Mode         : DISABLE \n' | diff - "$folder/actual" || fail "decstats prints something else"
+LD_LIBRARY_PATH=$libraries "$root/usr/bin/decstats" serve --version | grep -q "^decstats-serve " || fail "decstats does not run its server"
 decstats version >"$folder/actual"
 for line in "Library    : $(readlink -f "$libraries/libstats.so.1")" "Date       : $(LC_ALL=C date -u -d "@$epoch" '+%b %e %Y')" \
     "Time       : $(date -u -d "@$epoch" +%T)"; do

@@ -81,12 +81,12 @@ class LiveTest(unittest.TestCase):
 class OwnHost:
     """This process as a host that publishes nothing. Where it cannot load the library, the test is skipped."""
 
-    def __init__(self, name, directory, host=b"a test"):
+    def __init__(self, name, directory, host=b"a test", heartbeat=0):
         if "STATSPUBLISH" not in os.environ:
             raise unittest.SkipTest("this process is of another build than the library")
         self.library = ctypes.CDLL(os.environ["STATSPUBLISH"])
         self.library.STATS_PublishOpen.restype = ctypes.c_void_p
-        self.publisher = ctypes.c_void_p(self.library.STATS_PublishOpen(name.encode(), str(directory).encode(), host, 0, None))
+        self.publisher = ctypes.c_void_p(self.library.STATS_PublishOpen(name.encode(), str(directory).encode(), host, heartbeat, None))
         if not self.publisher:
             raise RuntimeError("cannot publish " + name)
 

@@ -41,6 +41,7 @@ void History::add(const records::Snapshot& snapshot)
     {
         if (!segments_.empty()) segments_.back().values.bytes().shrink_to_fit();
         segments_.push_back({.decoder = snapshot.decoder,
+                             .host = snapshot.host,
                              .instance = snapshot.instance,
                              .present = snapshot.present,
                              .not_measured = snapshot.not_measured,
@@ -73,6 +74,7 @@ void History::read(std::int64_t from, std::int64_t to, const std::function<void(
     {
         if (segment.moments.back() < from || segment.moments.front() > to) continue;
         snapshot.decoder = segment.decoder;
+        snapshot.host = segment.host;
         snapshot.instance = segment.instance;
         snapshot.present = segment.present;
         snapshot.not_measured = segment.not_measured;

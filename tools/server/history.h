@@ -47,6 +47,7 @@ private:
     struct Segment
     {
         std::string decoder;
+        std::string host;
         std::optional<records::Instance> instance;
         std::bitset<records::component_count> present;
         std::bitset<1024> not_measured;

@@ -29,7 +29,8 @@ Span span_of(const Request& request, std::int64_t now)
 {
     const auto from = moment(request, "from");
     if (!from) throw Refusal(400, "from: a moment in seconds since 1970 is expected, and is missing");
-    const std::int64_t to = moment(request, "to").value_or(now);
+    // Answers have moments to the millisecond, so what was in its millisecond is asked for by it.
+    const std::int64_t to = moment(request, "to").value_or(now) + 999'999;
     if (to < *from) throw Refusal(400, "to: is before from");
     if (to - *from > std::chrono::nanoseconds(longest_history_request).count())
         throw Refusal(400, "from: " + std::to_string(longest_history_request.count()) + " seconds before to at most");
