@@ -61,5 +61,5 @@ export function show_liveness(liveness, age, taken, retry) {
 
 /** Winds the fail-safe of the style sheet back. Called when an update has been shown, and only then. */
 export function rewind() {
-  for (const animation of document.getAnimations()) if (["expire", "grey"].includes(animation.animationName)) animation.currentTime = 0;
+  for (const animation of document.getAnimations()) if (["expire", "vanish", "grey"].includes(animation.animationName)) animation.currentTime = 0;
 }
