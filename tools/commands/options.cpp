@@ -89,7 +89,7 @@ void add_at(CLI::App& command, std::optional<sources::At>& at)
 
 void add_fields(CLI::App& command, std::vector<std::string>& names)
 {
-    command.add_option("--field", names, "Show these fields only, by their public names")->type_name("NAME...");
+    command.add_option("--field", names, "Show these fields only, by their public names")->type_name("NAME");
 }
 
 CLI::Option* add_source(CLI::App& command, sources::Source& source)
