@@ -52,7 +52,8 @@ inline constexpr nanoseconds episode_memory = std::chrono::hours(24);
 inline constexpr std::size_t most_episodes = 200;
 
 /** How far the moments lie apart that are compared for findings [s]. */
-inline constexpr double diagnosis_window = 1;
+inline constexpr double short_window = 1;
+inline constexpr double long_window = 10;
 
 } // namespace server
 

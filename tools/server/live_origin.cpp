@@ -45,7 +45,11 @@ public:
 
     void follow(const Sight& sight, const std::function<void(const records::Snapshot&)>& take) override
     {
-        if (sight.snapshot.is_up == true && sight.snapshot.present.any()) take(sight.snapshot);
+        const State state = sight.listed.status.state;
+        if ((state != State::live && state != State::hung) || sight.snapshot.present.none()) return;
+        records::Snapshot snapshot = sight.snapshot;
+        snapshot.taken_at = sight.looked_at; // the host has the same records now
+        take(snapshot);
     }
 
     std::string capture_file() const override { return capture_file_; }

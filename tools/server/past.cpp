@@ -68,13 +68,14 @@ std::string past_json(WatchedDecoder& decoder, const Request& request)
     const bool is_captured = sight->state == captured_state;
     const Span span = span_of(request, is_captured ? sight->looked_at : sources::present_moment());
 
-    const std::int64_t remembered = decoder.first_moment().value_or(span.to + 1);
+    // A capture file knows its own gaps, so all of it is read there.
+    const std::int64_t remembered = is_captured ? span.to + 1 : decoder.first_moment().value_or(span.to + 1);
     const std::string file = decoder.capture_file();
     if (span.from < remembered && !file.empty()) read_file(series, file, {span.from, std::min(span.to, remembered - 1)});
     const auto take = [&](const records::Snapshot& snapshot)
     {
         const auto last = series.last_moment();
-        if (last && !is_captured && snapshot.taken_at - *last > longest_step) series.take_gap(*last, snapshot.taken_at);
+        if (last && snapshot.taken_at - *last > longest_step) series.take_gap(*last, snapshot.taken_at);
         series.take(snapshot);
     };
     decoder.read_history(std::max(span.from, remembered), span.to, take);

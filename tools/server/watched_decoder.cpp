@@ -3,14 +3,13 @@
 #include <utility>
 
 #include "bounds.h"
-#include "diagnosis_json.h"
 
 namespace server
 {
 
 using std::chrono::steady_clock;
 
-WatchedDecoder::WatchedDecoder(std::unique_ptr<Origin> origin) : origin_(std::move(origin)), diagnosis_({.window = diagnosis_window}) {}
+WatchedDecoder::WatchedDecoder(std::unique_ptr<Origin> origin) : origin_(std::move(origin)) {}
 
 const SightPointer& WatchedDecoder::refresh(std::chrono::nanoseconds age)
 {
@@ -39,16 +38,12 @@ void WatchedDecoder::look(std::size_t history_share)
     const auto take = [&](const records::Snapshot& snapshot)
     {
         last = snapshot.taken_at;
-        history_.add(snapshot);
-        if (!diagnosis_.take(snapshot)) return;
-        is_judged_ = true;
-        judged_.decoder = snapshot.decoder;
-        judged_.instance = snapshot.instance;
-        judged_.taken_at = snapshot.taken_at;
+        // Of a host that hangs there is nothing new to remember, but something to say.
+        if (sight->state != published::state_name(published::State::hung)) history_.add(snapshot);
+        diagnosis_.take(snapshot);
     };
     origin_->follow(*sight, take);
     history_.trim(last - history_length.count(), history_share);
-    diagnosis_.forget(last - episode_memory.count(), most_episodes);
 }
 
 std::optional<steady_clock::time_point> WatchedDecoder::gone_since() const
@@ -60,13 +55,13 @@ std::optional<steady_clock::time_point> WatchedDecoder::gone_since() const
 std::string WatchedDecoder::findings() const
 {
     const std::scoped_lock lock(mutex_);
-    return is_judged_ ? diagnosis::json(diagnosis_.result(), diagnosis_.episodes(), judged_) : std::string();
+    return diagnosis_.json();
 }
 
 std::optional<diagnosis::Result> WatchedDecoder::diagnosis() const
 {
     const std::scoped_lock lock(mutex_);
-    return is_judged_ ? std::optional(diagnosis_.result()) : std::nullopt;
+    return diagnosis_.result();
 }
 
 void WatchedDecoder::read_history(std::int64_t from, std::int64_t to, const std::function<void(const records::Snapshot&)>& take) const

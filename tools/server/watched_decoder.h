@@ -13,9 +13,9 @@
 #include <optional>
 #include <string>
 
-#include "diagnosis.h"
 #include "history.h"
 #include "origin.h"
+#include "running_diagnosis.h"
 #include "sight.h"
 
 namespace server
@@ -59,9 +59,7 @@ private:
     SightPointer sight_;
     std::chrono::steady_clock::time_point seen_at_;
     std::optional<std::chrono::steady_clock::time_point> gone_since_;
-    diagnosis::Diagnosis diagnosis_;
-    records::Snapshot judged_; // the last one that the diagnosis judged, without its records
-    bool is_judged_ = false;
+    RunningDiagnosis diagnosis_;
     History history_;
 };
 
