@@ -76,7 +76,7 @@ class Command(unittest.TestCase):
     def test_a_capture_has_a_snapshot_each_second(self):
         path = os.path.join(self.directory.name, "one.dcap")
         self.assertEqual(run(CAPTURE, "--name", "one", "--directory", self.directory.name, "--capture", path).returncode, 0)
-        shown = subprocess.run([DECSTATS, "watch", path, "--speed", "1000"], capture_output=True, text=True, timeout=60)
+        shown = subprocess.run([DECSTATS, "watch", path, "--speed", "5", "--every", "10ms"], capture_output=True, text=True, timeout=60)
         moments = [json.loads(line)["taken_at"] for line in shown.stdout.splitlines()]
         self.assertGreaterEqual(len(moments), 8)
         whole = [datetime.datetime.fromisoformat(re.sub(r"(\.0+)?Z$", "+00:00", moment)) for moment in moments[:-1]]
@@ -85,7 +85,7 @@ class Command(unittest.TestCase):
         self.assertEqual((facts["Decoder"], facts["Gaps"], facts["Damage"]), ("one", "0", "0"))
         # The last of them is the records at the end.
         field = subprocess.run([DECSTATS, "show", path, "--field", "tdemux.received_packets"], capture_output=True, text=True, timeout=60)
-        self.assertEqual(field.stdout.split()[-1], "212")
+        self.assertIn("212 packets", field.stdout)
 
     def test_a_capture_is_appended_to(self):
         path = os.path.join(self.directory.name, "one.dcap")
