@@ -109,6 +109,19 @@ TEST(Samples, AWindowThatIsTooShortForARuleDoesNotAskIt)
     EXPECT_EQ(asked("buffering-stalled", "buffering.stopped", 2s), (Answer{false, Doubt::undecided}));
 }
 
+TEST(Samples, AHostThatHangsIsNotTakenForASilentNetwork)
+{
+    for (const auto window : {1s, 2s, 4s, 10s})
+    {
+        Simulation simulation("live-srt-1080i", 1, start);
+        simulation.inject("host-hung");
+        simulation.advance(20s);
+        const auto [before, now] = pair_of(simulation, window);
+        const auto found = ids(diagnosis::diagnose(before, now));
+        EXPECT_EQ(found, window < 3s ? std::vector<std::string>() : std::vector<std::string>{"host.hung"}) << window.count() << " s";
+    }
+}
+
 TEST(Samples, ResolvingStopsAtTheNetwork)
 {
     Simulation simulation("resolving", 1, start);
