@@ -159,33 +159,39 @@ std::span<const std::byte> FrameReader::frame_at(std::uint64_t offset)
     return frame;
 }
 
+/** The first whole frame that begins behind an offset and before another. @return its offset, or the end where there is none */
+std::uint64_t FrameReader::find_frame(std::uint64_t offset, std::uint64_t end)
+{
+    if (const auto known = found_.find(offset); known != found_.end()) return std::min(known->second, end);
+    bool is_easy = true;
+    std::uint64_t next = offset + 1;
+    for (; next < end && next + frame_overhead <= size_; ++next)
+    {
+        ++stepped_;
+        const std::size_t size = supposed_frame(next);
+        if (size == 0 || checked_ + size > longest_frame + checks_a_byte * next) continue;
+        const std::span<const std::byte> frame = frame_at(next);
+        if (!frame.empty() && frame_crc(word_in(frame, 0), frame.subspan(frame_head, size - frame_overhead)) == word_in(frame, 4)) break;
+        checked_ += size;
+        is_easy = false;
+    }
+    const bool is_found = next < end && next + frame_overhead <= size_;
+    if (!is_found) next = end;
+    if (!is_easy && (is_found || end < size_)) found_.emplace(offset, next); // the end of a file may become another
+    return next;
+}
+
 /** What is lost between an offset and the next whole frame. Without one it may be a frame that is being written. */
 FrameReader::Part FrameReader::search(std::uint64_t offset)
 {
     size_ = file_size();
     const Part end = {.kind = Part::Kind::end, .offset = offset, .size = size_ - std::min(offset, size_)};
     if (offset == fruitless_ && size_ == fruitless_size_) return end;
-    const auto lost_to = [&](std::uint64_t found)
+    const std::uint64_t found = find_frame(offset, size_);
+    if (found < size_)
     {
         offset_ = found;
-        return Part{.kind = Part::Kind::lost, .offset = offset, .size = found - offset};
-    };
-    if (const auto known = found_.find(offset); known != found_.end()) return lost_to(known->second);
-
-    bool is_easy = true;
-    for (std::uint64_t next = offset + 1; next + frame_overhead <= size_; ++next)
-    {
-        ++stepped_;
-        const std::size_t size = supposed_frame(next);
-        if (size == 0 || checked_ + size > longest_frame + checks_a_byte * next) continue;
-        const std::span<const std::byte> frame = frame_at(next);
-        if (!frame.empty() && frame_crc(word_in(frame, 0), frame.subspan(frame_head, size - frame_overhead)) == word_in(frame, 4))
-        {
-            if (!is_easy) found_.emplace(offset, next);
-            return lost_to(next);
-        }
-        checked_ += size;
-        is_easy = false;
+        return {.kind = Part::Kind::lost, .offset = offset, .size = found - offset};
     }
     buffered_ = 0; // what stands there may change
     fruitless_ = offset;
@@ -210,8 +216,15 @@ FrameReader::Part FrameReader::next(Check check)
                  .bytes = frame};
     offset_ += frame.size();
     if (check == Check::index && part.type == FrameType::change) return part;
-    if (frame_crc(word, part.payload) != part.crc) part.kind = Part::Kind::lost;
-    return part;
+    if (frame_crc(word, part.payload) == part.crc) return part;
+
+    // Frames are alike: where bytes are missing, the second word may be that of another frame, and whole ones stand in between.
+    size_ = file_size();
+    const std::uint64_t inside = find_frame(offset, offset_);
+    Part lost = {.kind = Part::Kind::lost, .offset = offset, .size = inside - offset};
+    if (inside == offset_) lost.type = part.type;
+    offset_ = inside;
+    return lost;
 }
 
 Start FrameReader::start()

@@ -102,6 +102,7 @@ private:
     std::size_t read(std::uint64_t offset, std::span<std::byte> bytes) const;
     std::span<const std::byte> frame_at(std::uint64_t offset);
     std::size_t supposed_frame(std::uint64_t offset);
+    std::uint64_t find_frame(std::uint64_t offset, std::uint64_t end);
     Part search(std::uint64_t offset);
 
     std::string path_;
@@ -113,7 +114,7 @@ private:
     std::size_t buffered_ = 0;
     std::uint64_t stepped_ = 0;
     std::uint64_t checked_ = 0;
-    std::map<std::uint64_t, std::uint64_t> found_; // where a search from there ended, of those that were not easy
+    std::map<std::uint64_t, std::uint64_t> found_; // where looking from there ended, where it was not easy
     std::uint64_t fruitless_ = 0;                  // from there to the end there was no frame,
     std::uint64_t fruitless_size_ = 0;             // when the file had this size
 };

@@ -12,6 +12,8 @@
 
 #include <CLI/CLI.hpp>
 
+#include "capture_error.h"
+#include "chain/capture.h"
 #include "chain/chain.h"
 #include "chain/publication.h"
 #include "chain/record_files.h"
@@ -39,6 +41,7 @@ struct Request
     std::string name;
     std::string directory;
     std::string records;
+    std::string capture;
     bool report = false;
     std::string level = "default";
     bool no_decode = false;
@@ -91,9 +94,10 @@ void run(const Request& request)
     const bool live = input.live || paced;
     softdec::Chain chain({.has_arrivals = source.has_arrivals(), .decode = !request.no_decode, .live = live, .start = wall_clock()});
     std::optional<softdec::Publication> publication;
-    if (!request.name.empty())
-        publication.emplace(request.name, request.directory,
-                            softdec::Abilities{.has_arrivals = source.has_arrivals(), .decode = !request.no_decode, .live = live});
+    const softdec::Abilities abilities{.has_arrivals = source.has_arrivals(), .decode = !request.no_decode, .live = live};
+    if (!request.name.empty()) publication.emplace(request.name, request.directory, abilities);
+    std::optional<softdec::Capture> capture;
+    if (!request.capture.empty()) capture.emplace(request.capture, request.name, abilities);
     Pace pace;
     softdec::Datagram datagram;
     while (stop_requested == 0)
@@ -102,17 +106,25 @@ void run(const Request& request)
         if (result == softdec::Source::Result::end) break;
         if (result == softdec::Source::Result::nothing)
         {
+            if (capture) capture->reach(chain, wall_clock());
             chain.run_to(wall_clock());
         }
         else
         {
             if (paced) pace.wait_for(datagram.arrival.value_or(chain.clock().now()));
+            if (capture && datagram.arrival) capture->reach(chain, *datagram.arrival);
             chain.take(datagram, source.status());
+            if (capture) capture->reach(chain, chain.clock().now());
         }
         if (publication) publication->offer(chain);
     }
-    chain.finish();
+    chain.finish(
+        [&]
+        {
+            if (capture) capture->reach(chain, chain.clock().now());
+        });
     if (publication) publication->publish(chain);
+    if (capture) capture->finish(chain);
 
     const records::Records& records = chain.records();
     if (!request.records.empty()) softdec::write_record_files(records, request.records);
@@ -134,6 +146,8 @@ int parse_and_run(int argc, char** argv)
         ->needs(name);
     app.add_option("--records", request.records, "At the end, write the records into this existing directory, COMPONENT.rec each")
         ->type_name("DIR");
+    app.add_option("--capture", request.capture, "Append the records to this capture file, each second of the stream's time")
+        ->type_name("FILE");
     app.add_flag("--report", request.report, "At the end, print the reports");
     app.add_option("--level", request.level, "How much the reports show: default or debug")
         ->check(CLI::IsMember({"default", "debug"}))
@@ -177,6 +191,11 @@ int main(int argc, char** argv)
     try
     {
         status = parse_and_run(argc, argv);
+    }
+    catch (const capture::Error& error)
+    {
+        std::fprintf(stderr, "softdec: %s\n", error.what());
+        return output_failed;
     }
     catch (const softdec::OutputError& error)
     {

@@ -8,8 +8,14 @@ namespace softdec
 namespace
 {
 
-/** The chain moves on this finely, so that what is due is not done late because no datagram came [ns]. */
+/** The chain moves on this finely, so that what is due is not done late because no datagram came. Steps end at whole multiples,
+ *  so that looking at the records at a whole second changes nothing [ns]. */
 constexpr Nanoseconds step_length = 5 * millisecond;
+
+Nanoseconds next_step(Nanoseconds moment)
+{
+    return moment - moment % step_length + step_length;
+}
 
 /** A silence is lived through as far as what is buffered lasts; the rest of it passes at once. */
 constexpr Nanoseconds longest_silence = 20 * second;
@@ -60,7 +66,7 @@ void Chain::run_to(Nanoseconds moment)
     const Nanoseconds end = std::min(moment, clock_.now() + longest_silence);
     while (clock_.now() < end)
     {
-        clock_.advance_to(std::min(clock_.now() + step_length, end));
+        clock_.advance_to(std::min(next_step(clock_.now()), end));
         step();
     }
     clock_.advance_to(moment);
@@ -153,7 +159,7 @@ void Chain::show(const DecodedPicture& picture)
     output_.take(picture.pts, picture.period, stc);
 }
 
-void Chain::finish()
+void Chain::finish(const std::function<void()>& look)
 {
     reception_.finish();
     demux_.finish();
@@ -176,12 +182,17 @@ void Chain::finish()
         for (const auto& pair : audio_)
             if (pair) pair->finish(buffering_.stc());
     };
-    for (end_streams(); !buffering_.empty(); end_streams()) run_to(clock_.now() + step_length);
+    const auto go_on = [&]
+    {
+        run_to(next_step(clock_.now()));
+        look();
+    };
+    for (end_streams(); !buffering_.empty(); end_streams()) go_on();
     const auto waiting = [this] {
         return !output_.empty() || !metadata_.empty() ||
                std::ranges::any_of(audio_, [](const auto& pair) { return pair && !pair->empty(); });
     };
-    while (waiting()) run_to(clock_.now() + step_length);
+    while (waiting()) go_on();
 }
 
 void Chain::sum_up_audio()

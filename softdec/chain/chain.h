@@ -6,6 +6,7 @@
 #define SOFTDEC_CHAIN_CHAIN_H
 
 #include <array>
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -42,8 +43,8 @@ public:
     /** Goes on to a moment without input. */
     void run_to(Nanoseconds moment);
 
-    /** The input has ended: what is on its way comes to its end. */
-    void finish();
+    /** The input has ended: what is on its way comes to its end. @param look called after each step of the clock */
+    void finish(const std::function<void()>& look = [] {});
 
     /** The records as of now. */
     const records::Records& records();

@@ -299,14 +299,45 @@ TEST(Hostile, LookingForMomentsInDamagedFilesShowsWhatWasCaptured)
     }
 }
 
-/* ---- files that make work: counted, as a clock tells of the machine ---- */
-
-using Kind = FrameReader::Part::Kind;
-
 std::string as_text(capture::Output& out)
 {
     return {reinterpret_cast<const char*>(out.bytes().data()), out.bytes().size()};
 }
+
+/** Of a frame only the beginning is left, and where it would end, the next one has the same word: they are alike. */
+TEST(Hostile, WholeFramesWithinOneThatLacksBytesAreRead)
+{
+    const ScratchDirectory directory;
+    const auto texts = {"one", "two", "six"};
+    capture::Output out;
+    out.put(capture::file_header());
+    for (const char* text : texts) capture::put_frame(out, FrameType::end, std::as_bytes(std::span(text, 3)));
+    const std::size_t frame = capture::frame_overhead + 3;
+    // The word of a frame of two frames and a half: its second word would stand in the third.
+    const std::uint32_t word = capture::frame_word(FrameType::gap, 2 * frame);
+    std::string bytes = as_text(out);
+    std::string cut(reinterpret_cast<const char*>(&word), sizeof word);
+    cut.append(4, 'x');
+    bytes.insert(sizeof(capture::FileHeader), cut);
+    bytes.insert(sizeof(capture::FileHeader) + capture::frame_head + 2 * frame, cut.substr(0, 4));
+    directory.write("a", bytes);
+
+    FrameReader frames(directory / "a");
+    ASSERT_EQ(frames.start(), capture::Start::good);
+    std::vector<std::string> read;
+    std::uint64_t lost = 0;
+    for (auto part = frames.next(); part.kind != FrameReader::Part::Kind::end; part = frames.next())
+    {
+        if (part.kind == FrameReader::Part::Kind::lost) lost += part.size;
+        if (part.kind == FrameReader::Part::Kind::frame) read.emplace_back(reinterpret_cast<const char*>(part.payload.data()), 3);
+    }
+    EXPECT_EQ(read, (std::vector<std::string>{"one", "two", "six"}));
+    EXPECT_EQ(lost, cut.size() + sizeof word);
+}
+
+/* ---- files that make work: counted, as a clock tells of the machine ---- */
+
+using Kind = FrameReader::Part::Kind;
 
 /** A file whose every fourth byte begins what looks like one of the longest frames, with a frame behind. */
 TEST(Hostile, SearchingCostsSomeTimesTheFileAtMost)

@@ -89,6 +89,39 @@ TEST(Samples, IdleIsNoFault)
     }
 }
 
+TEST(Samples, AWindowThatIsTooShortForARuleDoesNotAskIt)
+{
+    const auto asked = [](const char* fault, const char* id, std::chrono::seconds window)
+    {
+        Simulation simulation("live-srt-1080i", 1, start);
+        simulation.inject(fault);
+        simulation.advance(20s);
+        const auto [before, now] = pair_of(simulation, window);
+        const Result result = diagnosis::diagnose(before, now);
+        for (std::size_t i = 0; i < diagnosis::rules().size(); ++i)
+            if (diagnosis::rules()[i]->id == id) return std::pair(bool(result.asked[i]), result.verdict.doubt);
+        throw std::invalid_argument(id);
+    };
+    using Answer = std::pair<bool, Doubt>;
+    EXPECT_EQ(asked("host-hung", "host.hung", 4s), (Answer{true, Doubt::none}));
+    EXPECT_FALSE(asked("host-hung", "host.hung", 2s).first);
+    EXPECT_EQ(asked("buffering-stalled", "buffering.stopped", 6s), (Answer{true, Doubt::none}));
+    EXPECT_EQ(asked("buffering-stalled", "buffering.stopped", 2s), (Answer{false, Doubt::undecided}));
+}
+
+TEST(Samples, AHostThatHangsIsNotTakenForASilentNetwork)
+{
+    for (const auto window : {1s, 2s, 4s, 10s})
+    {
+        Simulation simulation("live-srt-1080i", 1, start);
+        simulation.inject("host-hung");
+        simulation.advance(20s);
+        const auto [before, now] = pair_of(simulation, window);
+        const auto found = ids(diagnosis::diagnose(before, now));
+        EXPECT_EQ(found, window < 3s ? std::vector<std::string>() : std::vector<std::string>{"host.hung"}) << window.count() << " s";
+    }
+}
+
 TEST(Samples, ResolvingStopsAtTheNetwork)
 {
     Simulation simulation("resolving", 1, start);

@@ -170,6 +170,8 @@ def frames(data, at, lost):
             continue
         kind, crc, payload, at = found
         if payload is None:
+            within = ((place, frame(data, place)) for place in range(begin + 1, at))
+            at = next((place for place, other in within if other and other[2] is not None and 1 <= other[0] <= 6), at)
             lost(f"the frame at {begin} of type {kind} is damaged")
         else:
             yield begin, kind, crc, payload

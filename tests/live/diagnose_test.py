@@ -43,6 +43,12 @@ class Diagnose(LiveTest):
         self.assertEqual(self.ids(result), ["host.hung"])
         self.assertEqual({stage["state"] for stage in result["stages"]}, {"unknown"})
 
+    def test_a_host_that_has_ended(self):
+        host = self.simulate()
+        host.kill()
+        host.wait()
+        self.refused("diagnose", "alpha", "--window", "1s", part="ended", status=2)
+
     def test_no_decoder_is_refused(self):
         self.refused("diagnose", "nobody", part="nobody", status=3)
         self.refused("diagnose", part="live", status=3)

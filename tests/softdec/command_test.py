@@ -1,13 +1,16 @@
 """The command softdec as people run it: what it prints and writes, and how it refuses what it cannot take."""
+import datetime
+import json
 import os
 import pathlib
+import re
 import shutil
 import subprocess
 import sys
 import tempfile
 import unittest
 
-SOFTDEC, STREAMS = sys.argv.pop(1), sys.argv.pop(1)
+SOFTDEC, STREAMS, DECSTATS = sys.argv.pop(1), sys.argv.pop(1), sys.argv.pop(1)
 CAPTURE = os.path.join(STREAMS, "rtp-fec.pcap")
 
 
@@ -51,6 +54,59 @@ class Command(unittest.TestCase):
         self.assertEqual(list(first), ["audio.rec", "buffering.rec", "clock-recovery.rec", "metadata.rec", "tdemux.rec", "usage.rec",
                                        "vdecoder.rec", "vframer.rec"])
         self.assertEqual(first, records("second"))
+
+    def history(self, path):
+        result = subprocess.run([DECSTATS, "history", path], capture_output=True, text=True, timeout=60)
+        self.assertEqual((result.returncode, result.stderr), (0, ""))
+        return dict(re.findall(r"^(\w+) *: (.*)$", result.stdout, re.M))
+
+    def test_a_capture_is_the_same_each_time_and_changes_no_record(self):
+        paths = [os.path.join(self.directory.name, name) for name in ("one.dcap", "two.dcap")]
+        for path in paths:
+            os.mkdir(path + ".records")
+            result = run(CAPTURE, "--capture", path, "--records", path + ".records")
+            self.assertEqual((result.returncode, result.stdout, result.stderr), (0, "", ""))
+        self.assertEqual(pathlib.Path(paths[0]).read_bytes(), pathlib.Path(paths[1]).read_bytes())
+        plain = pathlib.Path(self.directory.name, "plain")
+        plain.mkdir()
+        self.assertEqual(run(CAPTURE, "--records", str(plain)).returncode, 0)
+        for file in plain.iterdir():
+            self.assertEqual(file.read_bytes(), pathlib.Path(paths[0] + ".records", file.name).read_bytes(), file.name)
+
+    def test_a_capture_has_a_snapshot_each_second(self):
+        path = os.path.join(self.directory.name, "one.dcap")
+        self.assertEqual(run(CAPTURE, "--name", "one", "--directory", self.directory.name, "--capture", path).returncode, 0)
+        shown = subprocess.run([DECSTATS, "watch", path, "--speed", "5", "--every", "10ms"], capture_output=True, text=True, timeout=60)
+        moments = [json.loads(line)["taken_at"] for line in shown.stdout.splitlines()]
+        self.assertGreaterEqual(len(moments), 8)
+        whole = [datetime.datetime.fromisoformat(re.sub(r"(\.0+)?Z$", "+00:00", moment)) for moment in moments[:-1]]
+        self.assertEqual([(after - before).total_seconds() for before, after in zip(whole, whole[1:])], [1.0] * (len(whole) - 1))
+        facts = self.history(path)
+        self.assertEqual((facts["Decoder"], facts["Gaps"], facts["Damage"]), ("one", "0", "0"))
+        # The last of them is the records at the end.
+        field = subprocess.run([DECSTATS, "show", path, "--field", "tdemux.received_packets"], capture_output=True, text=True, timeout=60)
+        self.assertIn("212 packets", field.stdout)
+
+    def test_a_capture_is_appended_to(self):
+        path = os.path.join(self.directory.name, "one.dcap")
+        for times in (1, 2):
+            self.assertEqual(run(CAPTURE, "--capture", path).returncode, 0)
+            facts = self.history(path)
+            if times == 1:
+                first = int(facts["Snapshots"])
+            self.assertEqual((int(facts["Snapshots"]), facts["Damage"], facts["Gaps"]), (first * times, "0", str(times - 1)))
+        before = pathlib.Path(path).read_bytes()
+        self.refuse(1, f"{path}: holds the snapshots of ", CAPTURE, "--capture", path, "--name", "other", "--directory", self.directory.name)
+        self.assertEqual(pathlib.Path(path).read_bytes(), before)
+
+    def test_what_is_no_capture_is_not_appended_to(self):
+        other = self.write("other", b"something else" * 100)
+        self.refuse(1, f"{other}: ", CAPTURE, "--capture", other)
+        self.assertEqual(pathlib.Path(other).read_bytes(), b"something else" * 100)
+        self.refuse(1, "/nowhere/one.dcap: ", CAPTURE, "--capture", "/nowhere/one.dcap")
+        path = os.path.join(self.directory.name, "one.dcap")
+        self.refuse(2, "/nowhere.ts: ", "/nowhere.ts", "--capture", path)
+        self.assertFalse(os.path.exists(path))
 
     def test_what_is_no_regular_file_is_not_replaced(self):
         places = pathlib.Path(self.directory.name, "records")

@@ -1,11 +1,8 @@
 /* The stage that the diagnosis names first is the one that the fault was put into; on clean streams it names none. */
 #include <gtest/gtest.h>
 
-#include <bitset>
-
-#include "chain/not_measured.h"
+#include "chain/chain_snapshot.h"
 #include "diagnosis.h"
-#include "dictionary.h"
 #include "injector.h"
 
 namespace softdec_tests
@@ -16,15 +13,9 @@ namespace
 
 records::Snapshot snapshot_of(softdec::Chain& chain)
 {
-    records::Snapshot snapshot;
+    records::Snapshot snapshot = softdec::snapshot_of(chain, {.has_arrivals = true, .decode = true, .live = false});
     snapshot.decoder = "test";
     snapshot.instance = records::Instance{.id = {1}, .started_at = beginning};
-    snapshot.taken_at = chain.clock().now();
-    snapshot.present.set();
-    snapshot.records = chain.records();
-    for (const char* name : softdec::fields_not_measured({.has_arrivals = true, .decode = true, .live = false}))
-        for (const dictionary::Field& field : dictionary::fields())
-            if (field.full_name == name) snapshot.not_measured.set(field.index);
     return snapshot;
 }
 

@@ -3,7 +3,6 @@
 #include <array>
 #include <fstream>
 #include <iterator>
-#include <map>
 #include <stdexcept>
 
 #include "input/pcap_source.h"
@@ -19,29 +18,40 @@ Bytes read_stream(const std::string& name)
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-Bytes repeat(const Bytes& stream, int times)
+Passes::Passes(Bytes stream) : stream_(std::move(stream))
 {
     // The length of a pass is what its first and last PCR and the packets between say of a constant rate.
-    const auto clocks = find_packets(stream, [](const std::uint8_t* packet) { return pcr_of(packet).has_value(); });
-    const auto pcr_at = [&stream](std::size_t packet) { return static_cast<double>(*pcr_of(&stream[packet * ts_size])); };
+    const auto clocks = find_packets(stream_, [](const std::uint8_t* packet) { return pcr_of(packet).has_value(); });
+    if (clocks.size() < 2) throw std::runtime_error("a stream without PCR cannot be repeated");
+    const auto pcr_at = [this](std::size_t packet) { return static_cast<double>(*pcr_of(&stream_[packet * ts_size])); };
     const double rate = (pcr_at(clocks.back()) - pcr_at(clocks.front())) / static_cast<double>(clocks.back() - clocks.front());
     // Whole frame periods of 25 and 30 frames/s, so that pictures follow on each other.
-    const std::int64_t pass = static_cast<std::int64_t>(rate * static_cast<double>(stream.size() / ts_size) / 300 / 18000 + 0.5) * 18000;
+    length_ = static_cast<std::int64_t>(rate * static_cast<double>(stream_.size() / ts_size) / 300 / 18000 + 0.5) * 18000;
+}
 
+Bytes Passes::next()
+{
+    Bytes pass = stream_;
+    for (std::size_t at = 0; at < pass.size(); at += ts_size)
+    {
+        shift_clock(&pass[at], count_ * length_);
+        if (!has_payload(&pass[at])) continue;
+        unsigned& counter = counters_.try_emplace(pid_of(&pass[at]), pass[at + 3] & 15U).first->second;
+        pass[at + 3] = static_cast<std::uint8_t>((pass[at + 3] & 0xf0U) | counter);
+        counter = (counter + 1) % 16;
+    }
+    ++count_;
+    return pass;
+}
+
+Bytes repeat(const Bytes& stream, int times)
+{
     Bytes result;
-    std::map<unsigned, unsigned> counters;
+    Passes passes(stream);
     for (int i = 0; i < times; ++i)
     {
-        Bytes copy = stream;
-        for (std::size_t at = 0; at < copy.size(); at += ts_size)
-        {
-            shift_clock(&copy[at], i * pass);
-            if (!has_payload(&copy[at])) continue;
-            unsigned& counter = counters.try_emplace(pid_of(&copy[at]), copy[at + 3] & 15U).first->second;
-            copy[at + 3] = static_cast<std::uint8_t>((copy[at + 3] & 0xf0U) | counter);
-            counter = (counter + 1) % 16;
-        }
-        result.insert(result.end(), copy.begin(), copy.end());
+        const Bytes pass = passes.next();
+        result.insert(result.end(), pass.begin(), pass.end());
     }
     return result;
 }

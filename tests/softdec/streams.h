@@ -6,6 +6,7 @@
 #define TESTS_SOFTDEC_STREAMS_H
 
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -32,7 +33,25 @@ inline constexpr softdec::Nanoseconds beginning = 1'700'000'000 * softdec::secon
 /** The bytes of a test stream. */
 Bytes read_stream(const std::string& name);
 
-/** A transport stream repeated, with its clock, time stamps and continuity counters going on. */
+/** A transport stream again and again, with its clock, time stamps and continuity counters going on. */
+class Passes
+{
+public:
+    explicit Passes(Bytes stream);
+
+    Bytes next();
+
+    /** How long a pass takes [90 kHz ticks]. */
+    std::int64_t length() const { return length_; }
+
+private:
+    Bytes stream_;
+    std::int64_t length_;
+    std::int64_t count_ = 0;
+    std::map<unsigned, unsigned> counters_;
+};
+
+/** Some passes of a transport stream. */
 Bytes repeat(const Bytes& stream, int times);
 
 /** Packs a transport stream with a PCR into UDP datagrams, each arriving when the sender's clock, nominal, has come to it. */

@@ -1,6 +1,7 @@
 #include "command.h"
 
 #include <algorithm>
+#include <charconv>
 #include <utility>
 
 #include <CLI/CLI.hpp>
@@ -40,8 +41,14 @@ Option& Option::check(const std::function<std::string(const std::string& value)>
 
 Option& Option::positive()
 {
-    option_->check(CLI::PositiveNumber);
-    return *this;
+    const auto problem = [](const std::string& value)
+    {
+        double number = 0;
+        const auto read = std::from_chars(value.data(), value.data() + value.size(), number);
+        const bool is_number = read.ec == std::errc() && read.ptr == value.data() + value.size();
+        return is_number && number > 0 ? std::string() : "'" + value + "' is no number above 0";
+    };
+    return check(problem);
 }
 
 Option& Option::from_environment(const std::string& variable)

@@ -47,6 +47,8 @@ struct Options
     bool is_metrics() const { return format == "openmetrics" || format == "prometheus"; }
 };
 
+constexpr int critical = 2; // exit status
+
 [[noreturn]] void fail(const std::string& message)
 {
     throw files::Failure(files::ExitStatus::cannot_tell, message);
@@ -86,11 +88,14 @@ int diagnose_live(const Options& options)
     const auto series = sources::open_series(options.source);
     diagnosis::Diagnosis diagnosis({.window = options.window_seconds()});
     records::Snapshot snapshot;
+    std::string problem;
     for (int looks = 0; looks < 2 || (looks < 3 && diagnosis.result().verdict.doubt == diagnosis::Doubt::onset); ++looks)
     {
         if (looks > 0) std::this_thread::sleep_for(options.window);
         std::optional<sources::Sight> sight = series->next(options.window);
-        if (sight && !sight->problem.empty()) std::fprintf(stderr, "decstats: %s\n", files::printable(sight->problem).c_str());
+        if (sight && !sight->problem.empty() && std::exchange(problem, sight->problem) != sight->problem) files::warn(problem);
+        // Of a host that has ended there is nothing more to come, whatever its last records say.
+        if (sight && sight->state == published::state_name(published::State::stale)) return critical;
         if (!sight || !sight->snapshot) fail("there are no records to look at");
         snapshot = std::move(*sight->snapshot);
         diagnosis.take(snapshot);

@@ -67,7 +67,7 @@ void add_at(Command& command, std::optional<sources::At>& at)
 
 void add_fields(Command& command, std::vector<std::string>& names)
 {
-    command.values("--field", names, "Show these fields only, by their public names").value_name("NAME...");
+    command.values("--field", names, "Show these fields only, by their public names").value_name("NAME");
 }
 
 Option add_source(Command& command, sources::Source& source)

@@ -95,13 +95,14 @@ const Rules& buffering_rules()
             .reason = "The largest delay that can be set is a few seconds, and the buffer is full of packets that are due.",
             .remedy = "Stop and start the stream. Keep a capture: this is a fault of the decoder.",
             .needs_window = true,
+            .shortest_window = 5,
             .causes = stops,
             .follows = stops,
             .reads = {&received, &output, &last_output},
             .test =
                 [](const Window& window, Hit& hit)
             {
-                if (window.seconds() < 5 || window.grown(received) < 10 || window.grown(output) != 0) return false;
+                if (window.grown(received) < 10 || window.grown(output) != 0) return false;
                 return hit.show(received).show(output).show(last_output).since(window.age(last_output)).found();
             },
         },

@@ -73,6 +73,7 @@ enum class Doubt : std::uint8_t
     onset,     /**< something has just begun: the next window tells where */
     cleared,   /**< counters were cleared within the window, of some components at least */
     missing,   /**< records are missing */
+    undecided, /**< a stage passes on nothing, and the window is too short to tell why */
 };
 
 /** The answer in one line and what follows from it. */

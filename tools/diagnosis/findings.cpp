@@ -68,7 +68,8 @@ std::vector<Candidate> ask(const Window& window, Found& found)
             found.unseen.push_back({&rule, reading->name(), !window.snapshot().present[reading->field().component]});
             continue;
         }
-        if ((rule.needs_window && !window.whole()) || any_cleared(rule, window)) continue;
+        if (rule.needs_window && (!window.whole() || window.seconds() < rule.shortest_window)) continue;
+        if (any_cleared(rule, window)) continue;
         found.asked[i] = true;
         Hit hit;
         if (rule.test(window, hit)) candidates.push_back({i, std::move(hit), candidates.size()});

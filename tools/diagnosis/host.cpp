@@ -12,8 +12,6 @@ constinit const Reading uptime{"tdemux.uptime"};
 constinit const Reading received{"tdemux.received_packets"};
 constinit const Reading displayed{"vdecoder.displayed_frames"};
 
-constexpr double longest_pause = 3; // [s]
-
 } // namespace
 
 const Rules& host_rules()
@@ -30,13 +28,14 @@ const Rules& host_rules()
             .remedy = "Everything else that is shown is old. Look whether the host process runs and what its log says last; take a core "
                       "image before you start it again.",
             .needs_window = true,
+            .shortest_window = 3,
             .causes = stops | loses | delays,
             .follows = no_effect,
             .reads = {&started, &uptime, &received, &displayed},
             .test =
                 [](const Window& window, Hit& hit)
             {
-                if (window.value(started) == 0 || window.seconds() < longest_pause) return false;
+                if (window.value(started) == 0) return false;
                 if (window.changed(uptime)) return false;
                 if (window.grown(received) != 0 || window.grown(displayed) != 0) return false;
                 return hit.show(uptime).show(received).found();

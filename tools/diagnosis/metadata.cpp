@@ -29,13 +29,13 @@ const Rules& metadata_rules()
             .reason = "Packets wait for their moment as long as pictures do, which is less than 3 s.",
             .remedy = "See that the output of that kind of metadata is on and that the video runs, whose lines carry it.",
             .needs_window = true,
+            .shortest_window = 3,
             .causes = stops,
             .follows = stops,
             .reads = {&received, &output, &last_output, &waiting},
             .test =
                 [](const Window& window, Hit& hit)
             {
-                if (window.seconds() < 3) return false;
                 bool any = false;
                 for (std::size_t i = 0; i < SMGR_METADATADEC_MAX_CHANNELS; ++i)
                 {

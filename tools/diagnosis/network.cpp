@@ -96,7 +96,7 @@ const Rules& network_rules()
                 if (window.value(received) == 0 || age.value_or(0) < silence) return false;
                 // A host that hangs looks the same, but for its up time.
                 const auto ran = window.difference(uptime);
-                if (ran && static_cast<double>(*ran) < window.seconds() - 1.5) return false;
+                if (ran && (*ran == 0 || static_cast<double>(*ran) < window.seconds() - 1.5)) return false;
                 return hit.show(last_received).show(received).show(state).since(age).found();
             },
         },

@@ -94,6 +94,7 @@ struct Rule
     std::string_view reason;           /**< why the limits are as they are */
     std::string_view remedy;           /**< what to do now */
     bool needs_window;                 /**< one moment is not enough */
+    double shortest_window = 0;        /**< within less it cannot be looked for [s] */
     std::uint8_t causes;               /**< what it does to what lies behind, Effect bits */
     std::uint8_t follows;              /**< the effects of earlier faults that explain it, Effect bits */
     std::vector<const Reading*> reads; /**< every field that it looks at */

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "flow.h"
 #include "hostsvc.h"
 
 namespace diagnosis
@@ -81,6 +82,7 @@ Verdict doubtful(Doubt doubt)
     case Doubt::onset: verdict.place = "Something has just begun. The next window tells where."; break;
     case Doubt::cleared: verdict.place = "Counters were cleared within the window."; break;
     case Doubt::missing: verdict.place = "The records of some components are missing."; break;
+    case Doubt::undecided: verdict.place = "A stage passes on nothing. A longer window tells why."; break;
     case Doubt::single:
     case Doubt::none: break;
     }
@@ -116,9 +118,10 @@ Verdict conclude(const Result& result, const Window& window)
         return verdict;
     }
     // The clock may be undecided for minutes without anything being wrong.
-    const bool known = std::ranges::none_of(result.stages, [](const StageResult& stage)
-                                            { return stage.state == StageState::unknown && stage.stage != Stage::clock; });
-    if (!known) return doubtful(Doubt::missing);
+    const auto is_open = [](const StageResult& stage) { return stage.state == StageState::unknown && stage.stage != Stage::clock; };
+    const bool known = std::ranges::none_of(result.stages, is_open);
+    const auto is_measured = [&](const StageInfo& stage) { return measured(flow(stage.stage), window); };
+    if (!known) return doubtful(std::ranges::all_of(chain(), is_measured) ? Doubt::undecided : Doubt::missing);
     verdict.state = StageState::working;
     verdict.headline = "Healthy";
     verdict.place = window.whole() ? "Every stage passes on what it gets." : "As far as one moment tells: rates cannot be seen.";

@@ -25,8 +25,8 @@ void MetricsPage::look()
     for (const auto& decoder : decoders_.all())
     {
         SightPointer sight = decoder->sight();
-        // Of a decoder that nobody has seen records of, there is nothing to tell.
-        if (!sight->is_listed || sight->snapshot.present.none()) continue;
+        // Of a decoder that nobody has seen records of, there is nothing to tell, and what was captured is not of now.
+        if (!sight->is_listed || sight->state == captured_state || sight->snapshot.present.none()) continue;
         const bool is_up = sight->snapshot.is_up.value_or(false);
         decoders_seen_.push_back({std::move(sight), is_up ? decoder->diagnosis() : std::nullopt});
     }

@@ -71,7 +71,7 @@ function words(now, stage, state, finding) {
   const v = (name) => (typeof exact(name) === "bigint" ? Number(exact(name)) : exact(name));
   const [brief, rest = ""] = stage.words(v, (name) => value_text(name, exact(name), now.taken));
   const cause = state !== "degraded" ? -1 : now.findings.findings.findIndex(({ explains }) => explains.some((id) => id.startsWith(`${stage.id}.`)));
-  return [brief, cause < 0 ? rest : `${rest} \u00b7 follows from finding ${cause + 1}`];
+  return [brief, cause < 0 ? rest : ` \u00b7 follows from finding ${cause + 1}${rest}`];
 }
 
 function show_row(now, { stage, row }, i, states) {

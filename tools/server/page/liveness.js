@@ -35,7 +35,7 @@ export function judge(silence, age, state, failure) {
   }
   if (is_missing || ENDED_STATES.includes(state)) return gone(`The decoder stopped publishing ${span(age)} ago.`, HOST_AWAY);
   if (state === "hung") return gone(`The decoder hangs: no sign of life for ${span(age)}.`, HOST_HANGS);
-  if (state === "captured") return gone("These are records out of a capture file.", LAST_KNOWN);
+  if (state === "captured") return gone("These are records out of a capture file.", LAST_KNOWN); // which may grow
   if (state !== undefined && !LIVE_STATES.includes(state)) return gone(`The decoder cannot be read: ${state}.`, LAST_KNOWN);
   return { word: silence >= LATE ? "late" : "live", what: "", why: "" };
 }
@@ -61,5 +61,5 @@ export function show_liveness(liveness, age, taken, retry) {
 
 /** Winds the fail-safe of the style sheet back. Called when an update has been shown, and only then. */
 export function rewind() {
-  for (const animation of document.getAnimations()) if (["expire", "grey"].includes(animation.animationName)) animation.currentTime = 0;
+  for (const animation of document.getAnimations()) if (["expire", "vanish", "grey"].includes(animation.animationName)) animation.currentTime = 0;
 }

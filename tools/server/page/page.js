@@ -12,7 +12,7 @@ import { listen_to_labels, show_meaning } from "./meaning.js";
 import { complete } from "./past.js";
 import { listen_to_report } from "./report.js";
 import { Series } from "./series.js";
-import { Poll, ask, set_token } from "./server.js";
+import { Poll, ask, has_token, set_token } from "./server.js";
 import { SAMPLED } from "./stages.js";
 import { clock, day, moment, span } from "./text.js";
 import { listen_to_timeline } from "./timeline.js";
@@ -160,7 +160,7 @@ async function begin() {
 function want_token() {
   if (!by_id("token").hidden) return;
   by_id("token").hidden = false;
-  set_text(by_id("token-why"), sessionStorage.getItem("token") ? "The server does not take this token." : "The server wants a token.");
+  set_text(by_id("token-why"), has_token() ? "The server does not take this token." : "The server wants a token.");
   by_id("token-text").focus();
 }
 

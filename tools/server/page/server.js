@@ -6,12 +6,20 @@
 const PATIENCE = 4000;      // an answer that takes longer is none [ms]
 const LONGEST_PAUSE = 15000; // between two tries [ms]
 
-let token = sessionStorage.getItem("token");
-
-export function set_token(text) {
-  token = text;
-  sessionStorage.setItem("token", text);
+/** What the tab keeps, unless the browser keeps nothing. */
+function kept(text) {
+  try {
+    if (text !== undefined) sessionStorage.setItem("token", text);
+    return sessionStorage.getItem("token");
+  } catch {
+    return text ?? null;
+  }
 }
+
+let token = kept();
+
+export const has_token = () => token !== null;
+export const set_token = (text) => (token = kept(text));
 
 /** What came instead of an answer: `status` is that of HTTP, or 0 if the server did not answer at all. */
 export class Failure extends Error {
