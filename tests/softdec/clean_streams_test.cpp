@@ -208,7 +208,7 @@ TEST(CleanSlowStream, HasNoFaultAndNoFinding)
     }
     std::erase_if(arrivals, [](const Arrival& arrival) { return arrival.bytes.empty(); });
     const double seconds = static_cast<double>(arrivals.back().moment - arrivals.front().moment) / 1e9;
-    EXPECT_LT(static_cast<double>(bytes) * 8 / seconds, 340e3);
+    EXPECT_LT(static_cast<double>(bytes) * 8 / seconds, 305e3);
 
     softdec::Chain chain({.has_arrivals = true, .decode = true, .live = false, .start = 0});
     std::optional<records::Snapshot> before;
