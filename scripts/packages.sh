@@ -7,7 +7,8 @@ complete_packages="prometheus chromium chromium-driver python3-selenium" # for p
 target_packages="g++-aarch64-linux-gnu qemu-user googletest"
 package_packages="$build_packages build-essential busybox-static debhelper lintian"
 fuzz_packages="$build_packages clang libclang-rt-14-dev"
-softdec_packages="$build_packages libavcodec-dev libavutil-dev libdvbpsi-dev libbitstream-dev libpcap0.8-dev"
+softdec_packages="$build_packages libavcodec-dev libavutil-dev libdvbpsi-dev libbitstream-dev libpcap0.8-dev
+    tstools"
 bench_packages="$build_packages libbenchmark-dev libfmt-dev libzstd-dev valgrind nlohmann-json3-dev prometheus-cpp-dev"
 
 # install_packages PACKAGE...
