@@ -79,12 +79,33 @@ double seconds_of_thread()
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) / 1e9;
 }
 
+/** Null packets between the datagrams, evenly, as often as they are needed to come to a rate. */
+std::vector<Arrival> filled(const std::vector<Arrival>& arrivals, int times)
+{
+    Bytes null(7 * ts_size, 0xff);
+    for (std::size_t at = 0; at < null.size(); at += ts_size)
+    {
+        constexpr std::uint8_t header[] = {0x47, 0x1f, 0xff, 0x10};
+        std::ranges::copy(header, null.begin() + static_cast<std::ptrdiff_t>(at));
+    }
+    std::vector<Arrival> all;
+    for (std::size_t i = 0; i + 1 < arrivals.size(); ++i)
+    {
+        all.push_back(arrivals[i]);
+        for (int k = 1; k < times; ++k)
+            all.push_back({.channel = softdec::Channel::media,
+                           .moment = arrivals[i].moment + (arrivals[i + 1].moment - arrivals[i].moment) * k / times,
+                           .bytes = null});
+    }
+    return all;
+}
+
 /** Receives a stream from this machine's own UDP port, sent by another thread at its rate. Without decoding. */
-void measure_live(const char* name)
+void measure_live(const char* name, int times)
 {
     constexpr int passes = 2;
     constexpr std::uint16_t port = 51234;
-    const auto arrivals = datagrams(repeat(read_stream(name), passes));
+    const auto arrivals = filled(datagrams(repeat(read_stream(name), passes)), times);
     softdec::SocketSource source("127.0.0.1:" + std::to_string(port), false);
     std::atomic<bool> ended = false;
     std::thread sender(
@@ -122,8 +143,9 @@ void measure_live(const char* name)
 
 int main()
 {
-    measure_live("h264-aac.ts");
-    measure_live("h264i-mp2.ts");
+    measure_live("h264i-mp2.ts", 1);
+    measure_live("h264-aac.ts", 10);
+    std::fflush(stdout);
     measure("h264-aac.ts", SMGR_TDEMUX_COMPRESSION_TYPE_H264, SMGR_TDEMUX_COMPRESSION_TYPE_AAC_ADTS);
     measure("h265-ac3.ts", SMGR_TDEMUX_COMPRESSION_TYPE_H265, SMGR_TDEMUX_COMPRESSION_TYPE_AC3);
     measure("h264i-mp2.ts", SMGR_TDEMUX_COMPRESSION_TYPE_H264, SMGR_TDEMUX_COMPRESSION_TYPE_MP2);
