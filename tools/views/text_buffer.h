@@ -33,7 +33,10 @@ public:
     }
     void written_to(const char* end) { size_ = static_cast<std::size_t>(end - text_.data()); }
 
-    void append(std::string_view piece) { written_to(put(room(piece.size()), piece)); }
+    void append(std::string_view piece)
+    {
+        if (!piece.empty()) written_to(put(room(piece.size()), piece)); // one that is empty may have no address
+    }
 
     /** Takes back what was written since. @param size of the text then */
     void cut(std::size_t size) { size_ = size; }
