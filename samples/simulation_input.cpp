@@ -105,7 +105,7 @@ long Simulation::srt(const Disturbance& d, long sent, double seconds)
     link.Dir.Rx.nRecvKbps = static_cast<unsigned long>(counters.nBitsPerSecond / 1000);
 
     link.iRTT = static_cast<int>(was.iRTT * d.round_trip * (1 + 0.01 * static_cast<double>(noise(4))));
-    const long buffered = sent > 0 ? std::max(0L, was.iBufPkts + noise(static_cast<long>(was.iBufPkts / 12 + 1))) : 0;
+    const long buffered = sent > 0 ? std::max(0L, was.iBufPkts + noise(was.iBufPkts / 12L + 1)) : 0;
     link.iBufPkts = static_cast<int>(buffered);
     link.iBufBytes = static_cast<int>(static_cast<double>(buffered) * datagram_bytes_);
     link.iBufTimespan = sent > 0 ? was.iBufTimespan : 0;

@@ -23,11 +23,18 @@ class Session:
     def __init__(self, directory, arguments, rows=24, **variables):
         self.output = ""
         self.status = None
+        is_seen, see = os.pipe()
         self.pid, self.terminal = pty.fork()
         if self.pid == 0:
+            os.read(is_seen, 1)
             # The size is there before it is looked at.
             fcntl.ioctl(1, termios.TIOCSWINSZ, struct.pack("HHHH", rows, 80, 0, 0))
             os.execve(TOOL[0], [*TOOL, *arguments], environment(directory, **{"TERM": "xterm", **variables}))
+
+        self.first_settings = self.settings()
+        os.write(see, b".")
+        os.close(is_seen)
+        os.close(see)
 
     def resize(self, rows):
         fcntl.ioctl(self.terminal, termios.TIOCSWINSZ, struct.pack("HHHH", rows, 80, 0, 0))
@@ -103,7 +110,7 @@ class Terminal(LiveTest):
     def test_ctrl_c_gives_the_terminal_back(self):
         self.simulate()
         session = self.watch("alpha", "--every", "100ms", "--field", "tdemux.state")
-        before = session.settings()
+        before = session.first_settings
         session.until(lambda: len(session.frames()) >= 2)
         self.assertFalse(session.settings()[3] & termios.ECHO)
         os.write(session.terminal, b"\x03")
@@ -155,7 +162,7 @@ class Terminal(LiveTest):
     def test_ctrl_z(self):
         self.simulate()
         session = self.watch("alpha", "--every", "100ms", "--field", "tdemux.state")
-        before = session.settings()
+        before = session.first_settings
         session.until(session.frames)
         os.write(session.terminal, b"\x1a")
         session.until(lambda: SHELL_SCREEN in session.output)
