@@ -12,7 +12,7 @@ using std::chrono::steady_clock;
 OpenConnection* Connections::open(int descriptor)
 {
     const std::scoped_lock lock(mutex_);
-    return &open_.emplace_back(descriptor, steady_clock::now());
+    return &open_.emplace_back(descriptor);
 }
 
 void Connections::close(OpenConnection* connection)

@@ -17,6 +17,8 @@ namespace server
 /** A connection. */
 struct OpenConnection
 {
+    explicit OpenConnection(int opened) : descriptor(opened), since(std::chrono::steady_clock::now()) {}
+
     int descriptor;
     std::atomic<std::chrono::steady_clock::time_point> since; /**< it was opened, or its last request was answered */
 };

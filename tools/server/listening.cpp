@@ -109,7 +109,8 @@ bool Listening::is_inherited()
 
 Listening Listening::inherited()
 {
-    if (std::string_view(std::getenv("LISTEN_FDS")) != "1") fail("more than one socket was handed over, and there is use for one");
+    const char* const count = std::getenv("LISTEN_FDS");
+    if (count == nullptr || std::string_view(count) != "1") fail("more than one socket was handed over, and there is use for one");
     int accepts = 0;
     socklen_t size = sizeof accepts;
     AddressText host = {};

@@ -58,6 +58,7 @@ std::string Routes::list_json(const Request& request) const
     for (const auto& decoder : decoders_.all())
         if (SightPointer sight = decoder->sight(); sight->is_listed) sights.push_back(std::move(sight));
     std::vector<views::NamedDecoder> named;
+    named.reserve(sights.size());
     for (const SightPointer& sight : sights) named.push_back({&sight->listed, sight->state});
     return views::decoders_json(named, decoders_.directory(), sources::present_moment());
 }

@@ -74,7 +74,7 @@ std::optional<std::string> find_live(const Source& source)
 {
     const std::string& text = source.text;
     if (text.empty()) return only_live(source.directory);
-    const std::optional<std::string> as_path = is_path_of_decoder(text) ? std::optional(text) : std::nullopt;
+    std::optional<std::string> as_path = is_path_of_decoder(text) ? std::optional(text) : std::nullopt;
     if (text == "-" || !published::is_name(text)) return as_path;
 
     // A name, unless it is a file of this directory.

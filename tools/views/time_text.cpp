@@ -15,9 +15,10 @@ std::string age_text(std::int64_t age)
     { return std::to_string(whole) + unit + (rest < 10 ? " 0" : " ") + std::to_string(rest) + rest_unit; };
     if (tenths < 600) return std::to_string(tenths / 10) + "." + std::to_string(tenths % 10) + "s";
     const std::int64_t minutes = tenths / 600;
+    constexpr std::int64_t day = 1440; // [min]
     if (minutes < 60) return pair(minutes, "m", tenths / 10 % 60, "s");
-    if (minutes < 24 * 60) return pair(minutes / 60, "h", minutes % 60, "m");
-    return pair(minutes / (24 * 60), "d", minutes / 60 % 24, "h");
+    if (minutes < day) return pair(minutes / 60, "h", minutes % 60, "m");
+    return pair(minutes / day, "d", minutes / 60 % 24, "h");
 }
 
 std::string to_the_second(std::int64_t moment)
