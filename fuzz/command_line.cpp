@@ -59,7 +59,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 
     try
     {
-        commands::run(static_cast<int>(words.size()), argv.data());
+        commands::run(static_cast<int>(words.size()), argv.data(), [] {});
     }
     catch (const files::Failure& failure)
     {
