@@ -17,9 +17,9 @@ void MetricsPage::look()
     looked_at_ = now;
     for (Rendering& rendering : renderings_)
     {
-        rendering.is_written = false;
         rendering.plain.reset();
         rendering.compressed.reset();
+        rendering.text.reset();
     }
     decoders_seen_.clear();
     for (const auto& decoder : decoders_.all())
@@ -45,14 +45,32 @@ void MetricsPage::write(std::string& text, views::MetricsFormat format)
     views::write_metrics(text, snapshots, format, findings_);
 }
 
-const std::shared_ptr<std::string>& MetricsPage::text(views::MetricsFormat format)
+std::shared_ptr<const std::string> MetricsPage::written(views::MetricsFormat format)
+{
+    auto text = std::make_unique<std::string>();
+    {
+        const std::scoped_lock lock(spare_->mutex);
+        if (!spare_->texts.empty())
+        {
+            *text = std::move(spare_->texts.back());
+            spare_->texts.pop_back();
+        }
+    }
+    write(*text, format);
+    // The lock also tells the next writer that the last reader is done.
+    const auto give_back = [spare = spare_](std::string* sent)
+    {
+        const std::unique_ptr<std::string> owner(sent);
+        const std::scoped_lock lock(spare->mutex);
+        if (spare->texts.size() < spare->texts.capacity()) spare->texts.push_back(std::move(*sent));
+    };
+    return {text.release(), give_back};
+}
+
+const std::shared_ptr<const std::string>& MetricsPage::text(views::MetricsFormat format)
 {
     Rendering& rendering = renderings_.at(static_cast<std::size_t>(format));
-    if (rendering.is_written) return rendering.text;
-    // One that is still being sent stays as it is. Its memory is that of the next one, which saves a third of the time.
-    if (!rendering.text || rendering.text.use_count() > 1) rendering.text = std::make_shared<std::string>();
-    write(*rendering.text, format);
-    rendering.is_written = true;
+    if (!rendering.text) rendering.text = written(format);
     return rendering.text;
 }
 
@@ -80,6 +98,8 @@ void MetricsPage::rest()
     decoders_seen_.clear();
     findings_ = {};
     renderings_ = {};
+    const std::scoped_lock spare_lock(spare_->mutex);
+    spare_->texts.clear();
 }
 
 } // namespace server
