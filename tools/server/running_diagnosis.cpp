@@ -19,12 +19,7 @@ int badness(const diagnosis::Result& result)
 
 } // namespace
 
-RunningDiagnosis::RunningDiagnosis()
-    : short_{.diagnosis = diagnosis::Diagnosis({.window = short_window}), .judged = {}}, long_{.diagnosis = diagnosis::Diagnosis(
-                                                                                                   {.window = long_window}),
-                                                                                               .judged = {}}
-{
-}
+RunningDiagnosis::RunningDiagnosis() : short_(short_window), long_(long_window) {}
 
 void RunningDiagnosis::Windows::take(const records::Snapshot& snapshot)
 {

@@ -37,6 +37,9 @@ private:
     /** A window of one length. */
     struct Windows
     {
+        /** @param seconds how long a window is [s] */
+        explicit Windows(double seconds) : diagnosis({.window = seconds}) {}
+
         diagnosis::Diagnosis diagnosis;
         std::optional<records::Snapshot> judged; /**< the last one, without its records; nothing = none */
 
