@@ -4,6 +4,8 @@
 #include <csignal>
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <iterator>
+#include <sstream>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -28,9 +30,10 @@ public:
         process_ = start(
             [&]
             {
-                std::vector<std::string> words = {DECSTATS_FILE, "capture"};
+                std::istringstream emulator(DECSTATS_EMULATOR); // a build for another processor runs through it
+                std::vector<std::string> words(std::istream_iterator<std::string>(emulator), {});
+                words.insert(words.end(), {DECSTATS_FILE, "capture"});
                 words.insert(words.end(), arguments.begin(), arguments.end());
-                if (*DECSTATS_EMULATOR != '\0') words.insert(words.begin(), DECSTATS_EMULATOR);
                 std::vector<char*> raw;
                 for (std::string& word : words) raw.push_back(word.data());
                 raw.push_back(nullptr);
