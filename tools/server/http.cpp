@@ -10,7 +10,6 @@
 
 #include "bounds.h"
 #include "failure.h"
-#include "page.h"
 
 namespace server
 {
@@ -146,8 +145,8 @@ Answer HttpServer::answer(MHD_Connection* connection, std::string_view path, std
     if (headers.hosts != 1 || !(access_.hosts.allows(headers.host, {}) || access_.hosts.allows(headers.host, address_of(connection))))
         return refuse(MHD_HTTP_FORBIDDEN,
                       "this server is not addressed by the name " + std::string(headers.host) + "; --host NAME allows one");
-    if (access_.token && path != health_path && !is_page_file(path) && !access_.token->is_shown(headers.authorization))
-        return refuse(MHD_HTTP_UNAUTHORIZED, "a bearer token is expected");
+    if (access_.token && path != health_path && !access_.token->is_shown(headers.authorization))
+        return refuse(MHD_HTTP_UNAUTHORIZED, "the token is expected, as Bearer or as the password of any user");
     Request request = {.path = path,
                        .query = {},
                        .accept = headers.accept,
