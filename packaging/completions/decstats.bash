@@ -34,8 +34,7 @@ _decstats()
     --library:* | --output:* | --tls-cert:* | --tls-key:* | --token-file:*) files=default ;;
     --level:*) words='default debug' ;;
     --rotate:*) words=day ;;
-    --from:capture:* | --to:capture:*) ;;
-    --at:* | --from:* | --to:*) words=mtime ;;
+    --at:* | --from:diff:* | --to:diff:*) words=mtime ;;
     --directory:* | --captures:*) files=dirnames ;;
     --format:describe:* | --format:list:*) words='text json' ;;
     --format:diagnose:*) words='text json openmetrics prometheus' ;;
@@ -59,7 +58,7 @@ _decstats()
         files=''
         words='--library --help --version'
         case $command in
-        show) words+=' --directory --component --level --format --raw --at --field --decoder --output' ;;
+        show) words+=' --directory --component --level --format --raw --at --from --to --field --decoder --output' ;;
         list) words+=' --directory --format' ;;
         watch) words+=' --directory --every --count --field --component --level --speed --from --to' ;;
         capture) words+=' --directory --every --for --rotate --from --to' ;;

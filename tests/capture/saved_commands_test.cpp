@@ -190,6 +190,100 @@ TEST(CaptureSource, AtPicksTheMoment)
     EXPECT_EQ(failure("mtime"), "decstats: " + path + ": a capture file has moments of its own, so none for --at mtime\n");
 }
 
+std::vector<std::string> lines_of(const std::string& text)
+{
+    std::vector<std::string> lines;
+    for (std::size_t start = 0, end = 0; (end = text.find('\n', start)) != std::string::npos; start = end + 1)
+        lines.push_back(text.substr(start, end - start));
+    return lines;
+}
+
+TEST(CaptureSource, ARangeIsALineOfJsonForEachSnapshot)
+{
+    const ScratchDirectory directory;
+    const auto snapshots = Living("live-srt-1080i").snapshots(100);
+    const std::string path = directory / "a";
+    capture_all(path, snapshots);
+    const auto shown_range = [&](std::vector<std::string> more)
+    {
+        std::vector<std::string> all = {"show", path, "--format", "ndjson"};
+        all.insert(all.end(), more.begin(), more.end());
+        const Finish finish = run(all);
+        EXPECT_EQ(finish.status, 0);
+        EXPECT_EQ(finish.err, "");
+        return lines_of(finish.out);
+    };
+    const auto packets = [&](std::size_t i)
+    { return "\"received_packets\":" + std::to_string(snapshots[i].records.tdemux.tCounters.nNumReceivedPackets); };
+
+    const auto lines =
+        shown_range({"--from", "2027-01-15T08:00:50Z", "--to", "2027-01-15T08:01:10Z", "--field", "tdemux.received_packets"});
+    ASSERT_EQ(lines.size(), 21u);
+    for (std::size_t i = 0; i < lines.size(); ++i) EXPECT_NE(lines[i].find("{" + packets(50 + i) + "}"), std::string::npos) << lines[i];
+
+    // Each is the line of its moment, whatever else is asked for.
+    const std::string last = "2027-01-15T08:01:39Z";
+    EXPECT_EQ(shown_range({"--from", last}), shown_range({"--at", last}));
+    EXPECT_EQ(shown_range({"--from", last, "--raw", "--component", "audio"}), shown_range({"--at", last, "--raw", "--component", "audio"}));
+    EXPECT_EQ(shown_range({"--to", "2027-01-15T08:00:00.5Z"}), shown_range({"--at", "2027-01-15T08:00:00Z"}));
+    EXPECT_EQ(shown_range({"--from", "0"}).size(), 100u);
+}
+
+TEST(CaptureSource, WhatIsWrongWithARangeIsSaid)
+{
+    const ScratchDirectory directory;
+    const std::string path = directory / "a";
+    capture_all(path, Living("live-srt-1080i").snapshots(3));
+    const auto failure = [&](const std::vector<std::string>& arguments)
+    {
+        const Finish finish = run(arguments);
+        EXPECT_EQ(finish.status, 2);
+        EXPECT_EQ(finish.out, "");
+        return finish.err;
+    };
+    const std::string from = "2027-01-15T08:00:01Z";
+    const std::string formats = "decstats: a range is many snapshots: --from and --to are for --format ndjson\n";
+    for (const char* format : {"text", "json", "openmetrics", "prometheus"})
+        EXPECT_EQ(failure({"show", path, "--from", from, "--format", format}), formats);
+    EXPECT_EQ(failure({"show", path, "--to", from}), formats);
+    EXPECT_EQ(failure({"show", path, "--from", from, "--at", from, "--format", "ndjson"}),
+              "decstats: --at is one moment, --from and --to are a range: not both\n");
+    EXPECT_EQ(failure({"show", path, "--from", from, "--format", "ndjson", "--output", directory / "b"}),
+              "decstats: --output replaces a file whole, so there is no range in it: not with --from and --to\n");
+    EXPECT_EQ(failure({"show", "sample:idle", "--from", from, "--format", "ndjson"}),
+              "decstats: --from and --to are for a SOURCE that is a capture file\n");
+    EXPECT_EQ(failure({"show", path, "--from", "2027-01-15T08:00:03Z", "--format", "ndjson"}),
+              "decstats: " + path + ": holds no snapshot of that range\n");
+    for (const char* command : {"show", "watch", "capture", "diagnose"})
+    {
+        const Finish finish = run({command, path, "--to", "mtime"});
+        EXPECT_NE(finish.status, 0);
+        EXPECT_NE(finish.err.find("--to: 'mtime' is no moment; a moment is as 2022-06-06T16:06:55Z, or seconds since the epoch\n"),
+                  std::string::npos)
+            << finish.err;
+    }
+}
+
+TEST(CaptureSource, WhatIsLostOfARangeIsToldAndTheRestShown)
+{
+    const ScratchDirectory directory;
+    const auto snapshots = Living("live-srt-1080i").snapshots(70);
+    const std::string path = directory / "a";
+    capture_all(path, snapshots);
+    capture::FrameReader frames(path);
+    frames.start();
+    auto part = frames.next();
+    while (part.type != capture::FrameType::change) part = frames.next();
+    std::string bytes = content_of(path);
+    bytes[part.offset + 12] ^= 1;
+    directory.write("a", bytes);
+    const Finish finish = run({"show", path, "--from", "0", "--format", "ndjson", "--field", "tdemux.received_packets"});
+    EXPECT_EQ(finish.status, 0);
+    EXPECT_EQ(lines_of(finish.out).size(), 11u); // the first, and from the whole one behind a minute on
+    EXPECT_EQ(finish.err, "decstats: " + path + ": " + std::to_string(part.size) + " bytes cannot be read at offset " +
+                              std::to_string(part.offset) + ", which costs at least 59 snapshots\n");
+}
+
 TEST(CaptureSource, AReportCountsItsAgesToTheMomentOfTheSnapshot)
 {
     const ScratchDirectory directory;

@@ -40,7 +40,7 @@ std::vector<std::int64_t> seen(sources::Series& series, nanoseconds step)
 std::vector<std::int64_t> played(const std::vector<std::int64_t>& moments, nanoseconds step)
 {
     const ScratchDirectory directory;
-    return seen(*sources::open_playback(capture_of(directory, moments), {}, {}), step);
+    return seen(*sources::open_playback(capture_of(directory, moments)), step);
 }
 
 using Moments = std::vector<std::int64_t>;
@@ -71,8 +71,8 @@ TEST(Playback, OfAPart)
 {
     const ScratchDirectory directory;
     const std::string path = capture_of(directory, {0, 1, 2, 3, 4, 5});
-    EXPECT_EQ(seen(*sources::open_playback(path, (start + 2) * 1'000'000'000, (start + 4) * 1'000'000'000), seconds(1)),
+    EXPECT_EQ(seen(*sources::open_playback(path, {(start + 2) * 1'000'000'000, (start + 4) * 1'000'000'000}), seconds(1)),
               (Moments{2, 3, 4}));
-    EXPECT_THROW(sources::open_playback(path, (start + 6) * 1'000'000'000, {}), files::Failure);
-    EXPECT_THROW(sources::open_playback(directory / "none", {}, {}), files::Failure);
+    EXPECT_THROW(sources::open_playback(path, {(start + 6) * 1'000'000'000, {}}), files::Failure);
+    EXPECT_THROW(sources::open_playback(directory / "none"), files::Failure);
 }

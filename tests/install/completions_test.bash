@@ -70,9 +70,10 @@ offers '' print usage file.rec ''
 
 offers '<default>' show ''
 offers '' show idle ''
-offers '--library --help --version --directory --component --level --format --raw --at --field --decoder --output' show idle -
+offers '--library --help --version --directory --component --level --format --raw --at --from --to --field --decoder --output' show idle -
 offers 'text json ndjson openmetrics prometheus' show idle --format ''
 offers 'json' show --format j
+offers '' show idle --from ''
 offers "$components" show idle --component ''
 offers '<default>' show idle --output ''
 offers 'tdemux.srt.rtt' show idle --field tdemux.srt.rt
@@ -95,6 +96,7 @@ offers 'text json' list --format ''
 offers '<dirnames>' list --directory ''
 offers '--library --help --version --directory --every --count --field --component --level --speed --from --to' watch -
 offers '' watch --every ''
+offers '' watch --to ''
 offers '--library --help --version --directory --every --for --rotate --from --to' capture -
 offers day capture --rotate ''
 offers '' capture --from ''

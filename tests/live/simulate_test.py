@@ -65,6 +65,8 @@ class Simulate(LiveTest):
         self.refused("simulate", "nonsense", part="nonsense")
         self.refused("simulate", "idle", "--fault", "nonsense", part="nonsense")
         self.refused("simulate", "idle", "--after", "1s", part="--fault")
+        for part in ("fec-weak", "rtp-fec-2160p", "live-srt-1080i"):  # the fault, the scenario that it is of, and the one that it is not of
+            self.refused("simulate", "live-srt-1080i", "--fault", "fec-weak", part=part)
         for text in ("1", "s", "-1s", "1s 2", "1e3s", "inf", "nan s", "5y", "99999999d", ""):
             self.refused("simulate", "idle", "--for=" + text, part="duration" if text else "--for")
 

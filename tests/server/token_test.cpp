@@ -35,6 +35,23 @@ TEST_F(TokenTest, IsTheFirstLine)
         EXPECT_FALSE(token.is_shown(shown)) << shown;
 }
 
+TEST_F(TokenTest, IsThePasswordOfAnyUser)
+{
+    const Token token(file("0123456789abcdef\n"));
+    // By base64 of coreutils, of: operator:, :, a:, and once more with the scheme in other letters.
+    for (const char* shown : {"Basic b3BlcmF0b3I6MDEyMzQ1Njc4OWFiY2RlZg==", "Basic OjAxMjM0NTY3ODlhYmNkZWY=",
+                              "Basic YTowMTIzNDU2Nzg5YWJjZGVm", "basic  OjAxMjM0NTY3ODlhYmNkZWY="})
+        EXPECT_TRUE(token.is_shown(shown)) << shown;
+    // operator:0123456789abcdeF, operator:0123456789abcdef0, operator, 0123456789abcdef:, operator:x:0123456789abcdef; and what is not
+    // base64.
+    for (const char* shown : {"Basic b3BlcmF0b3I6MDEyMzQ1Njc4OWFiY2RlRg==", "Basic b3BlcmF0b3I6MDEyMzQ1Njc4OWFiY2RlZjA=",
+                              "Basic b3BlcmF0b3I=", "Basic MDEyMzQ1Njc4OWFiY2RlZjo=", "Basic b3BlcmF0b3I6eDowMTIzNDU2Nzg5YWJjZGVm", "Basic",
+                              "Basic ", "Basic =", "Basic OjAxMjM0NTY3ODlhYmNkZWY", "Basic \xC3\xA9", "Basic operator:0123456789abcdef",
+                              "Bearer OjAxMjM0NTY3ODlhYmNkZWY=", "Basic1 OjAxMjM0NTY3ODlhYmNkZWY="})
+        EXPECT_FALSE(token.is_shown(shown)) << shown;
+    EXPECT_FALSE(token.is_shown("Basic " + std::string(20000, 'A')));
+}
+
 TEST_F(TokenTest, IsRefusedWhereItIsNone)
 {
     for (const char* content : {"", "\n0123456789abcdef\n", "too short\n", "0123456789 abcdef\n", "0123456789abcd\xC3\xA9\n"})

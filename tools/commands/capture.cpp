@@ -16,7 +16,6 @@
 #include "clocks.h"
 #include "commands.h"
 #include "failure.h"
-#include "live.h"
 #include "options.h"
 #include "series.h"
 #include "signals.h"
@@ -37,8 +36,7 @@ struct Options
     nanoseconds every = std::chrono::seconds(1);
     nanoseconds lasts = nanoseconds::max();
     std::string rotation;
-    std::optional<sources::At> from;
-    std::optional<sources::At> to;
+    sources::Range range;
 };
 
 [[noreturn]] void fail(const std::string& message)
@@ -152,8 +150,7 @@ void capture_looks(const Options& options, Capture& capture)
 /** Copies what another capture has. */
 void capture_captured(const Options& options, Capture& capture)
 {
-    const auto moment = [](const std::optional<sources::At>& at) { return at ? at->moment : std::nullopt; };
-    sources::Captured captured(options.source.text, moment(options.from), moment(options.to));
+    sources::Captured captured(options.source.text, options.range);
     bool is_behind_first = false;
     while (const auto event = captured.next_event())
     {
@@ -174,10 +171,9 @@ void capture_captured(const Options& options, Capture& capture)
 
 void run(const Options& options, bool has_times)
 {
-    const bool is_captured = !sources::find_live(options.source) && sources::is_capture(options.source.text);
+    const bool is_captured = sources::is_captured(options.source);
     if (is_captured && has_times) fail("--every and --for are for sources that live; a capture file has moments of its own");
-    if (!is_captured && (options.from || options.to)) fail("--from and --to are for a SOURCE that is a capture file");
-    if ((options.from && !options.from->moment) || (options.to && !options.to->moment)) fail("mtime is no moment for --from and --to");
+    if (!is_captured && options.range.is_given()) fail("--from and --to are for a SOURCE that is a capture file");
     Capture capture(options);
     if (is_captured)
         capture_captured(options, capture);
@@ -201,8 +197,7 @@ void add_capture(CLI::App& app)
     command.value("--rotate", options->rotation, "Begin a new file each day, or when one has a size as 64M")
         .check(problem)
         .value_name("WHEN");
-    add_moment(command, "--from", options->from, "Of a capture file, leave out what is before");
-    add_moment(command, "--to", options->to, "Of a capture file, leave out what is after");
+    add_range(command, options->range);
     command.run(
         [options, every, lasts]
         {

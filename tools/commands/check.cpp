@@ -28,7 +28,7 @@ std::string place_text(const capture::Loss& loss)
 
 void check(const std::string& path)
 {
-    sources::Captured captured(path, {}, {});
+    sources::Captured captured(path);
     std::uint64_t snapshots = 0;
     std::uint64_t damaged = 0;
     while (const auto event = captured.next_event())

@@ -39,11 +39,9 @@ struct Options
     std::string format = "text";
     std::string rule;
     std::optional<sources::At> at;
-    std::optional<sources::At> from;
-    std::optional<sources::At> to;
+    sources::Range range;
 
     double window_seconds() const { return std::chrono::duration<double>(window).count(); }
-    bool is_range() const { return from || to; }
     bool is_metrics() const { return format == "openmetrics" || format == "prometheus"; }
 };
 
@@ -109,7 +107,7 @@ int diagnose_moment(const Options& options)
     const records::Snapshot last = sources::take_captured(options.source.text, options.at);
     const std::int64_t window = options.window.count();
     std::array<std::optional<records::Snapshot>, 2> earlier; // a window before, and two
-    sources::Captured captured(options.source.text, last.taken_at - 4 * window, last.taken_at);
+    sources::Captured captured(options.source.text, {.from = last.taken_at - 4 * window, .to = last.taken_at});
     while (auto snapshot = captured.next())
         for (std::size_t i = 0; i < earlier.size(); ++i)
             if (snapshot->taken_at <= last.taken_at - static_cast<std::int64_t>(i + 1) * window) earlier[i] = snapshot;
@@ -124,8 +122,7 @@ int diagnose_moment(const Options& options)
 /** Looks at a whole range of a capture file. */
 int diagnose_range(const Options& options)
 {
-    const auto moment = [](const std::optional<sources::At>& at) { return at ? at->moment : std::nullopt; };
-    sources::Captured captured(options.source.text, moment(options.from), moment(options.to));
+    sources::Captured captured(options.source.text, options.range);
     diagnosis::Diagnosis diagnosis({.window = options.window_seconds()});
     records::Snapshot last;
     bool is_judged = false;
@@ -144,13 +141,13 @@ int diagnose_range(const Options& options)
 
 int diagnose(const Options& options)
 {
-    const bool is_live = sources::find_live(options.source).has_value();
-    const bool is_captured = !is_live && sources::is_capture(options.source.text);
-    if (options.is_range() && !is_captured) fail("--from and --to are for capture files");
-    if (options.is_range() && options.is_metrics()) fail("metrics are of one moment: --from and --to are for --format text and json");
-    if (options.is_range() && options.at) fail("--at is one moment, --from and --to are a range: not both");
-    if (is_captured) return options.is_range() ? diagnose_range(options) : diagnose_moment(options);
-    if (is_live && !options.at) return diagnose_live(options);
+    const bool is_captured = sources::is_captured(options.source);
+    const bool is_range = options.range.is_given();
+    if (is_range && !is_captured) fail("--from and --to are for capture files");
+    if (is_range && options.is_metrics()) fail("metrics are of one moment: --from and --to are for --format text and json");
+    if (is_range && options.at) fail("--at is one moment, --from and --to are a range: not both");
+    if (is_captured) return is_range ? diagnose_range(options) : diagnose_moment(options);
+    if (!options.at && sources::find_live(options.source)) return diagnose_live(options);
     const records::Snapshot snapshot = sources::take(options.source, options.at);
     return print(options, diagnosis::diagnose(snapshot), snapshot);
 }
@@ -165,8 +162,7 @@ void add_diagnose(CLI::App& app, int& status)
     add_duration(command, "--window", options->window, std::chrono::seconds(1),
                  "How far the moments lie apart that are compared, 10s without it");
     add_at(command, options->at);
-    add_moment(command, "--from", options->from, "First moment of a capture file: each finding with its begin and end");
-    add_moment(command, "--to", options->to, "Last moment of a capture file");
+    add_range(command, options->range);
     add_format(command, options->format, {"text", "json", "openmetrics", "prometheus"});
     command.value("--explain", options->rule, "Print what a finding is, why its limits are as they are and what to do")
         .value_name("ID")

@@ -137,7 +137,7 @@ void add_history(CLI::App& app)
     command.run(
         [file]
         {
-            sources::Captured captured(*file, {}, {});
+            sources::Captured captured(*file);
             History history;
             while (const auto event = captured.next_event()) history.take(*event);
             history.print(*file, captured.file_size(), captured.tail());

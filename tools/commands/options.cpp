@@ -60,6 +60,23 @@ void add_moment(Command& command, const std::string& name, std::optional<sources
     command.taken(name, take, description).check(problem).value_name("TIME");
 }
 
+void add_range(Command& command, sources::Range& range)
+{
+    const auto problem = [](const std::string& value)
+    {
+        const auto at = sources::parse_at(value);
+        return at && at->moment ? std::string()
+                                : "'" + value + "' is no moment; a moment is as 2022-06-06T16:06:55Z, or seconds since the epoch";
+    };
+    const auto add = [&](const char* name, std::optional<std::int64_t>& end, const char* description)
+    {
+        const auto take = [&end](const std::string& value) { end = sources::parse_at(value)->moment; };
+        command.taken(name, take, description).check(problem).value_name("TIME");
+    };
+    add("--from", range.from, "Of a capture file, leave out what is before this moment");
+    add("--to", range.to, "Of a capture file, leave out what is after this moment");
+}
+
 void add_at(Command& command, std::optional<sources::At>& at)
 {
     add_moment(command, "--at", at, "Moment that the ages count to: RFC 3339, seconds since the epoch, or mtime of the file");

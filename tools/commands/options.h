@@ -34,6 +34,9 @@ void add_components(Command& command, std::bitset<records::component_count>& com
 /** Adds an option whose value is a moment. */
 void add_moment(Command& command, const std::string& name, std::optional<sources::At>& at, const std::string& description);
 
+/** Adds "--from TIME" and "--to TIME", which choose a part of a capture file. */
+void add_range(Command& command, sources::Range& range);
+
 /** Adds "--at TIME". */
 void add_at(Command& command, std::optional<sources::At>& at);
 

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <memory>
 
+#include "capture_source.h"
 #include "commands.h"
 #include "failure.h"
 #include "field_lines.h"
@@ -32,6 +33,7 @@ struct Options
     std::string format; // empty = none was given
     bool raw = false;
     std::optional<sources::At> at;
+    sources::Range range;
     std::vector<std::string> fields;
     std::string decoder;
     std::string output;
@@ -58,6 +60,12 @@ void check(const Options& options)
         fail("--field is for text and JSON: --format text, json or ndjson");
     if (!options.output.empty() && options.format == "text" && options.fields.empty())
         fail("--output is for what programs read: --format json, ndjson, openmetrics or prometheus");
+    if (options.range.is_given())
+    {
+        if (options.at) fail("--at is one moment, --from and --to are a range: not both");
+        if (options.format != "ndjson") fail("a range is many snapshots: --from and --to are for --format ndjson");
+        if (!options.output.empty()) fail("--output replaces a file whole, so there is no range in it: not with --from and --to");
+    }
     if (!options.decoder.empty() && options.format == "text")
         fail("--decoder is for what has the name in it: --format json, ndjson, openmetrics or prometheus");
 }
@@ -128,12 +136,29 @@ void write_file(const std::string& path, const std::string& content)
     files::write_set(directory, {{file.filename().string(), std::as_bytes(std::span(content))}});
 }
 
+/** A line of JSON for each Snapshot. What a Snapshot lacks its line lacks, as that of a decoder that has just begun. */
+void show_range(const Options& options, const std::vector<dictionary::Found>& fields, std::bitset<records::component_count> wanted)
+{
+    if (!sources::is_captured(options.source)) fail("--from and --to are for a SOURCE that is a capture file");
+    sources::Captured captured(options.source.text, options.range);
+    bool is_empty = true;
+    while (std::optional<records::Snapshot> snapshot = captured.next())
+    {
+        is_empty = false;
+        if (wanted.any()) snapshot->present &= wanted;
+        name(*snapshot, options);
+        files::print(json(*snapshot, options, fields));
+    }
+    if (is_empty) fail(files::shown(options.source.text) + ": holds no snapshot of that range");
+}
+
 void show(Options& options, const LibraryFile& library)
 {
     if (options.format.empty()) options.format = usual_format(options);
     check(options);
     const std::vector<dictionary::Found> fields = named_fields(options.fields);
     const std::bitset<records::component_count> wanted = wanted_components(options, fields);
+    if (options.range.is_given()) return show_range(options, fields, wanted);
     // Reports tell how long ago something happened, which people count from now; programs are told when the records were as they are.
     records::Snapshot snapshot =
         sources::take(options.source, options.at, {.components = wanted, .as_last_updated = options.format != "text"});
@@ -159,6 +184,7 @@ void add_show(CLI::App& app, const LibraryFile& library)
     add_format(command, options->format, {"text", "json", "ndjson", "openmetrics", "prometheus"}).usually(usual_format(*options));
     command.flag("--raw", options->raw, "JSON of all bytes as they stand in the records, nothing interpreted");
     add_at(command, options->at);
+    add_range(command, options->range);
     add_fields(command, options->fields);
     const auto check_decoder = [](const std::string& value)
     { return published::is_name(value) ? std::string() : "'" + value + "' is no name of a decoder"; };

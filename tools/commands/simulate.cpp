@@ -91,6 +91,15 @@ void list_faults()
         std::printf("%-*s  %s (%s)\n", static_cast<int>(width), fault.name, fault.summary, fault.scenario);
 }
 
+/** Refuses a fault that is not to be seen in the scenario, rather than to show a decoder without it. */
+void require_fault_of(const std::string& scenario, const std::string& name)
+{
+    const samples::Fault* const fault = samples::find_fault(name);
+    if (fault != nullptr && fault->scenario != scenario)
+        throw files::Failure(files::ExitStatus::input_failed,
+                             "--fault: " + name + " is a fault of the scenario " + fault->scenario + ", not of " + scenario);
+}
+
 void simulate(const Options& options)
 {
     using std::chrono::steady_clock;
@@ -139,6 +148,7 @@ void add_simulate(CLI::App& app)
             if (options->list_faults) return list_faults();
             if (options->scenario.empty())
                 throw files::Failure(files::ExitStatus::input_failed, "SCENARIO is required; 'decstats demo --list' lists all");
+            require_fault_of(options->scenario, options->fault);
             simulate(*options);
         });
 }

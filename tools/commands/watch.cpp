@@ -8,11 +8,9 @@
 #include <memory>
 #include <utility>
 
-#include "capture_source.h"
 #include "commands.h"
 #include "failure.h"
 #include "json.h"
-#include "live.h"
 #include "options.h"
 #include "screen.h"
 #include "series.h"
@@ -38,8 +36,7 @@ struct Options
     std::bitset<records::component_count> components;
     STATS_LEVEL level = STATS_LEVEL_DEFAULT;
     std::optional<double> speed;
-    std::optional<sources::At> from;
-    std::optional<sources::At> to;
+    sources::Range range;
 
     /** How much later each look is in a capture file. */
     nanoseconds step() const
@@ -56,13 +53,8 @@ struct Options
 
 std::unique_ptr<sources::Series> open_series(const Options& options)
 {
-    const auto moment = [](const std::optional<sources::At>& at) { return at ? at->moment : std::nullopt; };
-    if (!sources::find_live(options.source) && sources::is_capture(options.source.text))
-    {
-        if ((options.from && !options.from->moment) || (options.to && !options.to->moment)) fail("mtime is no moment for --from and --to");
-        return sources::open_playback(options.source.text, moment(options.from), moment(options.to));
-    }
-    if (options.speed || options.from || options.to) fail("--speed, --from and --to are for a SOURCE that is a capture file");
+    if (sources::is_captured(options.source)) return sources::open_playback(options.source.text, options.range);
+    if (options.speed || options.range.is_given()) fail("--speed, --from and --to are for a SOURCE that is a capture file");
     return sources::open_series(options.source);
 }
 
@@ -163,8 +155,7 @@ void add_watch(CLI::App& app, const LibraryFile& library)
     add_components(command, options->components);
     add_level(command, options->level);
     command.value("--speed", options->speed, "Play a capture file back so many times as fast as it was").positive().value_name("N");
-    add_moment(command, "--from", options->from, "Of a capture file, begin at this moment");
-    add_moment(command, "--to", options->to, "Of a capture file, end at this moment");
+    add_range(command, options->range);
     command.run(
         [options, &library]
         {

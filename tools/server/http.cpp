@@ -10,7 +10,6 @@
 
 #include "bounds.h"
 #include "failure.h"
-#include "page.h"
 
 namespace server
 {
@@ -80,12 +79,12 @@ void notify_completed(void* /*server*/, MHD_Connection* connection, void** /*mar
 /** Keeps what the library says first, which is why it does not start. What clients do wrong is not worth a line. */
 void keep_message(void* kept, const char* format, va_list arguments)
 {
-    std::string& text = *static_cast<std::string*>(kept);
-    if (!text.empty()) return;
+    Complaint& complaint = *static_cast<Complaint*>(kept);
+    if (complaint.is_made.test_and_set()) return;
     char line[256] = {};
     std::vsnprintf(line, sizeof line, format, arguments);
-    text = line;
-    while (text.ends_with('\n')) text.pop_back();
+    complaint.text = line;
+    while (complaint.text.ends_with('\n')) complaint.text.pop_back();
 }
 
 std::string address_of(MHD_Connection* connection)
@@ -101,7 +100,7 @@ unsigned thread_count()
 } // namespace
 
 HttpServer::HttpServer(Listening listening, Access access, const Routes& routes)
-    : access_(std::move(access)), routes_(routes), problem_(std::make_unique<std::string>()), daemon_(nullptr, &MHD_stop_daemon)
+    : access_(std::move(access)), routes_(routes), complaint_(std::make_unique<Complaint>()), daemon_(nullptr, &MHD_stop_daemon)
 {
     std::vector<MHD_OptionItem> options = {
         {MHD_OPTION_CONNECTION_LIMIT, static_cast<intptr_t>(most_connections), nullptr},
@@ -128,11 +127,11 @@ HttpServer::HttpServer(Listening listening, Access access, const Routes& routes)
     }
     options.push_back({MHD_OPTION_END, 0, nullptr});
     // The logger comes first: what is said about an option is heard from then on.
-    daemon_.reset(MHD_start_daemon(flags, 0, nullptr, nullptr, &handle, this, MHD_OPTION_EXTERNAL_LOGGER, &keep_message, problem_.get(),
+    daemon_.reset(MHD_start_daemon(flags, 0, nullptr, nullptr, &handle, this, MHD_OPTION_EXTERNAL_LOGGER, &keep_message, complaint_.get(),
                                    MHD_OPTION_ARRAY, options.data(), MHD_OPTION_END));
     if (!daemon_)
         throw files::Failure(files::ExitStatus::input_failed,
-                             (access_.identity ? "cannot serve with this certificate and key: " : "cannot serve: ") + *problem_);
+                             (access_.identity ? "cannot serve with this certificate and key: " : "cannot serve: ") + complaint_->text);
     listening.release(); // the library's
 }
 
@@ -146,8 +145,8 @@ Answer HttpServer::answer(MHD_Connection* connection, std::string_view path, std
     if (headers.hosts != 1 || !(access_.hosts.allows(headers.host, {}) || access_.hosts.allows(headers.host, address_of(connection))))
         return refuse(MHD_HTTP_FORBIDDEN,
                       "this server is not addressed by the name " + std::string(headers.host) + "; --host NAME allows one");
-    if (access_.token && path != health_path && !is_page_file(path) && !access_.token->is_shown(headers.authorization))
-        return refuse(MHD_HTTP_UNAUTHORIZED, "a bearer token is expected");
+    if (access_.token && path != health_path && !access_.token->is_shown(headers.authorization))
+        return refuse(MHD_HTTP_UNAUTHORIZED, "the token is expected, as Bearer or as the password of any user");
     Request request = {.path = path,
                        .query = {},
                        .accept = headers.accept,

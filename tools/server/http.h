@@ -5,6 +5,7 @@
 #ifndef SERVER_HTTP_H
 #define SERVER_HTTP_H
 
+#include <atomic>
 #include <memory>
 #include <optional>
 #include <string>
@@ -38,6 +39,13 @@ struct Access
     std::optional<Identity> identity; /**< nothing = without TLS */
 };
 
+/** What the library has said first, whichever of its threads it was. */
+struct Complaint
+{
+    std::atomic_flag is_made;
+    std::string text;
+};
+
 /** Answers on the network for as long as it lives. */
 class HttpServer
 {
@@ -60,7 +68,7 @@ private:
     Access access_;
     const Routes& routes_;
     Connections connections_;
-    std::unique_ptr<std::string> problem_; // what the library has said first
+    std::unique_ptr<Complaint> complaint_;
     std::unique_ptr<MHD_Daemon, void (*)(MHD_Daemon*)> daemon_;
 };
 

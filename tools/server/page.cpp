@@ -1,9 +1,9 @@
 #include "page.h"
 
-#include <algorithm>
 #include <array>
 #include <deque>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include <zlib.h>
@@ -86,11 +86,6 @@ Answer page_file(const Request& request)
     for (const PageFile& file : served_files())
         if (file.path() == request.path) return file.answer(request);
     return {404, nullptr};
-}
-
-bool is_page_file(std::string_view path)
-{
-    return std::ranges::any_of(served_files(), [path](const PageFile& file) { return file.path() == path; });
 }
 
 } // namespace server

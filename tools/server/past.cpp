@@ -42,7 +42,7 @@ void read_file(PastSeries& series, const std::string& path, Span span)
 {
     try
     {
-        sources::Captured captured(path, span.from, span.to);
+        sources::Captured captured(path, {.from = span.from, .to = span.to});
         while (const auto event = captured.next_event())
         {
             if (const auto* snapshot = std::get_if<const records::Snapshot*>(&*event)) series.take(**snapshot);

@@ -74,7 +74,11 @@ Answer refuse(unsigned status, std::string_view text)
     writer.end_object();
     Answer answer = {status, make_response(writer.str() + "\n", json_content_type)};
     if (status == MHD_HTTP_METHOD_NOT_ALLOWED) add_header(answer.response, MHD_HTTP_HEADER_ALLOW, "GET, HEAD");
-    if (status == MHD_HTTP_UNAUTHORIZED) add_header(answer.response, MHD_HTTP_HEADER_WWW_AUTHENTICATE, "Bearer");
+    if (status == MHD_HTTP_UNAUTHORIZED)
+    {
+        add_header(answer.response, MHD_HTTP_HEADER_WWW_AUTHENTICATE, "Bearer");
+        add_header(answer.response, MHD_HTTP_HEADER_WWW_AUTHENTICATE, "Basic realm=\"decstats\", charset=\"UTF-8\"");
+    }
     if (status == MHD_HTTP_SERVICE_UNAVAILABLE) add_header(answer.response, MHD_HTTP_HEADER_RETRY_AFTER, "1");
     return answer;
 }

@@ -1,9 +1,14 @@
 #include "token.h"
 
 #include <algorithm>
+#include <array>
 #include <cctype>
+#include <optional>
+#include <resolv.h>
+#include <strings.h>
 #include <sys/stat.h>
 
+#include "bounds.h"
 #include "failure.h"
 #include "text_file.h"
 
@@ -16,6 +21,25 @@ namespace
 bool is_token_character(unsigned char character)
 {
     return std::isalnum(character) != 0 || std::string_view("-._~+/=").find(static_cast<char>(character)) != std::string_view::npos;
+}
+
+/** What stands behind the name of an authentication scheme; nothing = it is another scheme. */
+std::optional<std::string_view> credentials(std::string_view authorization, std::string_view scheme)
+{
+    if (authorization.size() <= scheme.size() || authorization[scheme.size()] != ' ') return {};
+    if (strncasecmp(authorization.data(), scheme.data(), scheme.size()) != 0) return {};
+    return authorization.substr(std::min(authorization.find_first_not_of(' ', scheme.size()), authorization.size()));
+}
+
+/** The password in the credentials of HTTP Basic authentication, which are user:password in base64; empty = there is none. */
+std::string password_in(const std::string& credentials)
+{
+    std::array<unsigned char, longest_headers> decoded;
+    const int size = b64_pton(credentials.c_str(), decoded.data(), decoded.size());
+    if (size < 0) return {};
+    const std::string text(decoded.begin(), decoded.begin() + size);
+    const std::size_t colon = text.find(':');
+    return colon == std::string::npos ? std::string() : text.substr(colon + 1);
 }
 
 } // namespace
@@ -35,17 +59,17 @@ Token::Token(const std::string& path)
 
 bool Token::is_shown(std::string_view authorization) const
 {
-    constexpr std::string_view scheme = "bearer ";
-    const auto same = [](unsigned char a, unsigned char b) { return std::tolower(a) == b; };
-    if (authorization.size() < scheme.size() ||
-        !std::equal(scheme.begin(), scheme.end(), authorization.begin(),
-                    [&](char a, char b) { return same(static_cast<unsigned char>(b), static_cast<unsigned char>(a)); }))
-        return false;
-    authorization.remove_prefix(std::min(authorization.find_first_not_of(' ', scheme.size()), authorization.size()));
+    if (const auto shown = credentials(authorization, "Bearer")) return is(*shown);
+    if (const auto shown = credentials(authorization, "Basic")) return is(password_in(std::string(*shown)));
+    return false;
+}
+
+bool Token::is(std::string_view shown) const
+{
     // Every character that was shown is compared, with some character of the token where that is shorter.
-    unsigned difference = authorization.size() == token_.size() ? 0 : 1;
-    for (std::size_t i = 0; i < authorization.size(); ++i)
-        difference |= static_cast<unsigned char>(authorization[i]) ^ static_cast<unsigned char>(token_[i % token_.size()]);
+    unsigned difference = shown.size() == token_.size() ? 0 : 1;
+    for (std::size_t i = 0; i < shown.size(); ++i)
+        difference |= static_cast<unsigned char>(shown[i]) ^ static_cast<unsigned char>(token_[i % token_.size()]);
     return difference == 0;
 }
 

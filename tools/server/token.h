@@ -1,6 +1,7 @@
 /**
  * @file token.h
- * The secret that clients show (RFC 6750).
+ * The secret that clients show: programs as it is (RFC 6750), browsers as the password of HTTP Basic authentication (RFC 7617), which
+ * they ask people for themselves.
  */
 #ifndef SERVER_TOKEN_H
 #define SERVER_TOKEN_H
@@ -11,7 +12,7 @@
 namespace server
 {
 
-/** A bearer token. */
+/** A token. */
 class Token
 {
 public:
@@ -21,10 +22,12 @@ public:
      */
     explicit Token(const std::string& path);
 
-    /** Whether a header Authorization shows it. How long that takes does not depend on how much of it is right. */
+    /** Whether a header Authorization shows it, under any user's name. How long that takes does not depend on how much of it is right. */
     bool is_shown(std::string_view authorization) const;
 
 private:
+    bool is(std::string_view shown) const;
+
     std::string token_;
 };
 

@@ -60,12 +60,12 @@ records::Snapshot take_captured(const std::string& path, const std::optional<At>
     return found->snapshot;
 }
 
-Captured::Captured(const std::string& path, std::optional<std::int64_t> from, std::optional<std::int64_t> to)
+Captured::Captured(const std::string& path, const Range& range)
     : reader_(as_failure([&path] { return capture::Reader(path); })), path_(path)
 {
     constexpr std::int64_t earliest = std::numeric_limits<std::int64_t>::min();
     constexpr std::int64_t latest = std::numeric_limits<std::int64_t>::max();
-    if (from || to) as_failure([&] { reader_.select(from.value_or(earliest), to.value_or(latest)); });
+    if (range.is_given()) as_failure([&] { reader_.select(range.from.value_or(earliest), range.to.value_or(latest)); });
 }
 
 std::optional<capture::Event> Captured::next_event()

@@ -34,15 +34,12 @@ std::string loss_text(const capture::Loss& loss);
  */
 records::Snapshot take_captured(const std::string& path, const std::optional<At>& at);
 
-/** The Snapshots of a capture file, one after the other. */
+/** The Snapshots of a range of a capture file, one after the other. */
 class Captured
 {
 public:
-    /**
-     * @param from,to the first and the last moment; nothing = of all
-     * @throw Failure if the file cannot be read
-     */
-    Captured(const std::string& path, std::optional<std::int64_t> from, std::optional<std::int64_t> to);
+    /** @throw Failure if the file cannot be read */
+    explicit Captured(const std::string& path, const Range& range = {});
 
     /**
      * The next one. What is lost is told on standard error.

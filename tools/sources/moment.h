@@ -22,6 +22,15 @@ struct At
     std::optional<std::int64_t> moment;
 };
 
+/** A part of time, both ends included [ns since the epoch, UTC]. */
+struct Range
+{
+    std::optional<std::int64_t> from; /**< nothing = from the first moment on */
+    std::optional<std::int64_t> to;   /**< nothing = to the last moment */
+
+    bool is_given() const { return from || to; }
+};
+
 /**
  * Reads a moment.
  * @param text a date and time of RFC 3339 with its offset, seconds since the epoch, either with a fraction if there is one, or

@@ -54,8 +54,7 @@ private:
 class Playback : public Series
 {
 public:
-    Playback(const std::string& path, std::optional<std::int64_t> from, std::optional<std::int64_t> to)
-        : captured_(path, from, to), path_(path)
+    Playback(const std::string& path, const Range& range) : captured_(path, range), path_(path)
     {
         if (!read_ahead()) throw files::Failure(files::ExitStatus::input_failed, files::shown(path) + ": no snapshot to play back");
         clock_ = ahead_.taken_at;
@@ -103,9 +102,9 @@ private:
 
 } // namespace
 
-std::unique_ptr<Series> open_playback(const std::string& path, std::optional<std::int64_t> from, std::optional<std::int64_t> to)
+std::unique_ptr<Series> open_playback(const std::string& path, const Range& range)
 {
-    return std::make_unique<Playback>(path, from, to);
+    return std::make_unique<Playback>(path, range);
 }
 
 std::unique_ptr<Series> open_series(const Source& source)

@@ -47,12 +47,11 @@ public:
 std::unique_ptr<Series> open_series(const Source& source);
 
 /**
- * Plays a capture file back: a look is at the last snapshot of its moment or before, and the first look at the first snapshot.
+ * Plays a range of a capture file back: a look is at the last snapshot of its moment or before, and the first look at the first snapshot.
  * Where nothing was captured for more than a minute, that time is skipped.
- * @param from,to the first and the last moment; nothing = of all
  * @throw Failure if the file cannot be read
  */
-std::unique_ptr<Series> open_playback(const std::string& path, std::optional<std::int64_t> from, std::optional<std::int64_t> to);
+std::unique_ptr<Series> open_playback(const std::string& path, const Range& range = {});
 
 } // namespace sources
 

@@ -42,4 +42,9 @@ records::Snapshot take(const Source& source, const std::optional<At>& at, const 
     return record_file(nullptr, source.text, at, wanted.as_last_updated);
 }
 
+bool is_captured(const Source& source)
+{
+    return !find_live(source) && is_capture(source.text);
+}
+
 } // namespace sources

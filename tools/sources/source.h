@@ -44,6 +44,12 @@ struct Wanted
  */
 records::Snapshot take(const Source& source, const std::optional<At>& at, const Wanted& wanted = {});
 
+/**
+ * Whether a SOURCE is a capture file, and no live decoder of that name.
+ * @throw Failure if it is the only live decoder, and there is not exactly one
+ */
+bool is_captured(const Source& source);
+
 } // namespace sources
 
 #endif

@@ -12,7 +12,7 @@ import { listen_to_labels, show_meaning } from "./meaning.js";
 import { complete } from "./past.js";
 import { listen_to_report } from "./report.js";
 import { Series } from "./series.js";
-import { Poll, ask, has_token, set_token } from "./server.js";
+import { Poll, ask } from "./server.js";
 import { SAMPLED } from "./stages.js";
 import { clock, day, moment, span } from "./text.js";
 import { listen_to_timeline } from "./timeline.js";
@@ -128,7 +128,6 @@ function failed(what, failure) {
   // A decoder that is there may have nothing to judge yet; whether it is there, the snapshot tells.
   if (what === "findings" && failure.status === 404) answers.findings = { asked: performance.now() };
   else failures[what] = failure;
-  if (failure.status === 401) want_token();
   tick();
 }
 
@@ -141,7 +140,6 @@ async function begin() {
   try {
     const [list, fields] = await Promise.all([ask("api/v1/decoders"), ask("api/v1/fields")]);
     learn(fields);
-    by_id("token").hidden = true;
     if (name === null && list.decoders.length === 1) name = list.decoders[0].decoder;
     by_id("all").hidden = name === null || list.decoders.length < 2;
     document.body.dataset.view = name === null ? "list" : "decoder";
@@ -150,29 +148,14 @@ async function begin() {
     poll("snapshot", path);
     poll("findings", () => `${path()}/findings`);
   } catch (failure) {
-    if (failure.status === 401) return want_token();
     failures[needed()[0]] = failure;
     tick();
     setTimeout(begin, 2 * EVERY);
   }
 }
 
-function want_token() {
-  if (!by_id("token").hidden) return;
-  by_id("token").hidden = false;
-  set_text(by_id("token-why"), has_token() ? "The server does not take this token." : "The server wants a token.");
-  by_id("token-text").focus();
-}
-
 /* ---- What people do ---- */
 
-by_id("token-form").addEventListener("submit", (event) => {
-  event.preventDefault();
-  set_token(by_id("token-text").value.trim());
-  by_id("token").hidden = true;
-  if (polls.length) for (const each of polls) each.hurry();
-  else begin();
-});
 by_id("hold").addEventListener("click", ({ currentTarget }) => {
   held = held ? undefined : { ...answers };
   set_text(currentTarget, held ? "Resume" : "Hold");

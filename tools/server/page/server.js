@@ -1,25 +1,10 @@
 /**
- * Asking the server: again and again, one request at a time for each resource, more and more rarely while it does not answer, and with
- * the token if it wants one. The token is kept for this tab only.
+ * Asking the server: again and again, one request at a time for each resource, more and more rarely while it does not answer. If it
+ * wants a token, the browser asks for it and sends it.
  */
 
 const PATIENCE = 4000;      // an answer that takes longer is none [ms]
 const LONGEST_PAUSE = 15000; // between two tries [ms]
-
-/** What the tab keeps, unless the browser keeps nothing. */
-function kept(text) {
-  try {
-    if (text !== undefined) sessionStorage.setItem("token", text);
-    return sessionStorage.getItem("token");
-  } catch {
-    return text ?? null;
-  }
-}
-
-let token = kept();
-
-export const has_token = () => token !== null;
-export const set_token = (text) => (token = kept(text));
 
 /** What came instead of an answer: `status` is that of HTTP, or 0 if the server did not answer at all. */
 export class Failure extends Error {
@@ -31,11 +16,10 @@ export class Failure extends Error {
 
 /** One answer, as JSON or as text. Throws a Failure. */
 export async function ask(path) {
+  const url = new URL(path, location.origin + location.pathname); // the address may name a user, which no request may
   let response;
   try {
-    response = await fetch(path, {
-      headers: token ? { Authorization: `Bearer ${token}` } : {}, cache: "no-store", credentials: "omit", signal: AbortSignal.timeout(PATIENCE),
-    });
+    response = await fetch(url, { cache: "no-store", signal: AbortSignal.timeout(PATIENCE) });
     if (!response.ok) {
       const reason = await response.json().then(({ error }) => `: ${error}`, () => "");
       throw new Failure(response.status, `HTTP ${response.status}${reason}`);
