@@ -18,7 +18,7 @@ import prometheus_client.openmetrics.parser
 import prometheus_client.parser
 import snapshots
 
-COUNT = int(os.environ.get("DECSTATS_RANDOM_SNAPSHOTS", "24"))
+COUNT = int(os.environ.get("DECSTATS_RANDOM_SNAPSHOTS", "8"))
 SEED = int(os.environ.get("DECSTATS_RANDOM_SEED", "8"))
 RENDER = os.environ["RENDER_SNAPSHOTS"]
 DECSTATS = os.environ["DECSTATS"]

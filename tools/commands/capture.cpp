@@ -184,10 +184,9 @@ void run(const Options& options, bool has_times)
 
 } // namespace
 
-void add_capture(CLI::App& app)
+void add_capture(Command& command, Invocation& /*invocation*/)
 {
     const auto options = std::make_shared<Options>();
-    Command command(app, "capture", "Append the records of a decoder to a capture file, again and again");
     add_source(command, options->source);
     command.value("FILE", options->file, "The capture file; a single word is this");
     const Option every = add_duration(command, "--every", options->every, std::chrono::milliseconds(1), "How often: 1s without it");

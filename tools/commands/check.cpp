@@ -56,10 +56,9 @@ void check(const std::string& path)
 
 } // namespace
 
-void add_check(CLI::App& app)
+void add_check(Command& command, Invocation& /*invocation*/)
 {
     const auto file = std::make_shared<std::string>();
-    Command command(app, "check", "Check a capture file for damage");
     command.value("FILE", *file, "Capture file").required();
     command.run([file] { check(*file); });
 }

@@ -92,7 +92,7 @@ Option named(CLI::Option* option)
 
 } // namespace
 
-Command::Command(CLI::App& app, const std::string& name, const std::string& description) : app_(app.add_subcommand(name, description))
+Command::Command(CLI::App& app) : app_(&app)
 {
     app_->set_version_flag("--version", version_line, "Print the version of decstats and exit");
 }
@@ -149,14 +149,13 @@ void Command::run(const std::function<void()>& action)
     app_->callback(action);
 }
 
-void add_program(CLI::App& app, const std::string& name, const std::string& description,
-                 const std::function<void(std::vector<std::string> words)>& run)
+void Command::run_with_words(const std::function<void(std::vector<std::string> words)>& action)
 {
-    CLI::App* const program = app.add_subcommand(name, description);
-    program->prefix_command();
-    program->fallthrough(false);
-    program->set_help_flag();
-    program->final_callback([program, run] { run(program->remaining()); });
+    app_->prefix_command();
+    app_->fallthrough(false);
+    app_->set_help_flag();
+    app_->set_version_flag();
+    app_->final_callback([app = app_, action] { action(app->remaining()); });
 }
 
 } // namespace commands

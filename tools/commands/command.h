@@ -63,7 +63,7 @@ private:
 class Command
 {
 public:
-    Command(CLI::App& app, const std::string& name, const std::string& description);
+    explicit Command(CLI::App& app);
 
     Option flag(const std::string& name, bool& is_set, const std::string& description);
     Option value(const std::string& name, std::string& value, const std::string& description);
@@ -86,13 +86,12 @@ public:
     /** What the command does. */
     void run(const std::function<void()>& action);
 
+    /** What a command does that is a program of its own: it gets all the words behind its name, "--help" among them. */
+    void run_with_words(const std::function<void(std::vector<std::string> words)>& action);
+
 private:
     CLI::App* app_;
 };
-
-/** Adds a command that is a program of its own: @p run gets all the words behind its name, "--help" among them. */
-void add_program(CLI::App& app, const std::string& name, const std::string& description,
-                 const std::function<void(std::vector<std::string> words)>& run);
 
 /** A list of names in a text. */
 std::string joined(const std::vector<std::string>& names);

@@ -1,6 +1,6 @@
 /**
  * @file commands.h
- * The commands, one a file: each adds itself to the command line, with its options and with what it does.
+ * The commands, one a file: each adds its options and what it does to its place on the command line.
  */
 #ifndef COMMANDS_COMMANDS_H
 #define COMMANDS_COMMANDS_H
@@ -8,38 +8,37 @@
 #include <optional>
 #include <string>
 
-namespace CLI
-{
-class App;
-}
+#include "command.h"
 
 namespace commands
 {
 
-/** The file that --library names, known when a command runs; nothing = the library that belongs to this tool. */
+/** The file that --library names; nothing = the library that belongs to this tool. */
 using LibraryFile = std::optional<std::string>;
 
-/** The command whose exit status tells how a decoder is, not only how the command ended. */
-inline constexpr const char* diagnose_name = "diagnose";
+/** What the commands share of one run of the tool. */
+struct Invocation
+{
+    LibraryFile library; /**< known when a command runs */
+    int status = 0;      /**< the exit status, where nothing fails */
+};
 
-void add_capture(CLI::App& app);
-void add_check(CLI::App& app);
-void add_demo(CLI::App& app, const LibraryFile& library);
-void add_describe(CLI::App& app);
-void add_diff(CLI::App& app);
-void add_history(CLI::App& app);
-void add_list(CLI::App& app);
-void add_print(CLI::App& app, const LibraryFile& library);
-void add_repair(CLI::App& app);
-void add_sample(CLI::App& app);
-void add_serve(CLI::App& app, const LibraryFile& library);
-void add_show(CLI::App& app, const LibraryFile& library);
-void add_simulate(CLI::App& app);
-void add_version(CLI::App& app, const LibraryFile& library);
-void add_watch(CLI::App& app, const LibraryFile& library);
-
-/** @param status the exit status, set where the command does not fail */
-void add_diagnose(CLI::App& app, int& status);
+void add_capture(Command& command, Invocation& invocation);
+void add_check(Command& command, Invocation& invocation);
+void add_demo(Command& command, Invocation& invocation);
+void add_describe(Command& command, Invocation& invocation);
+void add_diagnose(Command& command, Invocation& invocation);
+void add_diff(Command& command, Invocation& invocation);
+void add_history(Command& command, Invocation& invocation);
+void add_list(Command& command, Invocation& invocation);
+void add_print(Command& command, Invocation& invocation);
+void add_repair(Command& command, Invocation& invocation);
+void add_sample(Command& command, Invocation& invocation);
+void add_serve(Command& command, Invocation& invocation);
+void add_show(Command& command, Invocation& invocation);
+void add_simulate(Command& command, Invocation& invocation);
+void add_version(Command& command, Invocation& invocation);
+void add_watch(Command& command, Invocation& invocation);
 
 } // namespace commands
 

@@ -36,19 +36,18 @@ void list_scenarios()
 
 } // namespace
 
-void add_demo(CLI::App& app, const LibraryFile& library)
+void add_demo(Command& command, Invocation& invocation)
 {
     const auto options = std::make_shared<Options>();
-    Command command(app, "demo", "Print the reports of a sample");
     const Option scenario = add_scenario(command, options->scenario).usually(options->scenario);
     add_level(command, options->level);
     add_components(command, options->components);
     command.flag("--list", options->list, "List the scenarios instead").excludes(scenario);
     command.run(
-        [options, &library]
+        [options, &invocation]
         {
             if (options->list) return list_scenarios();
-            views::print_reports(sources::sample(options->scenario, sources::present_moment()), library, options->components,
+            views::print_reports(sources::sample(options->scenario, sources::present_moment()), invocation.library, options->components,
                                  options->level);
         });
 }

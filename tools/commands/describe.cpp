@@ -107,10 +107,9 @@ void describe(const Options& options)
 
 } // namespace
 
-void add_describe(CLI::App& app)
+void add_describe(Command& command, Invocation& /*invocation*/)
 {
     const auto options = std::make_shared<Options>();
-    Command command(app, "describe", "Print what fields mean");
     const Option names = command.values("WHAT", options->names,
                                         "Public names, C members, metrics, labels of report lines or components; all fields without one");
     const Option format = add_format(command, options->format, {"text", "json"});

@@ -154,10 +154,9 @@ int diagnose(const Options& options)
 
 } // namespace
 
-void add_diagnose(CLI::App& app, int& status)
+void add_diagnose(Command& command, Invocation& invocation)
 {
     const auto options = std::make_shared<Options>();
-    Command command(app, diagnose_name, "Say what is wrong with a decoder, and where");
     const Option source = add_source(command, options->source);
     add_duration(command, "--window", options->window, std::chrono::seconds(1),
                  "How far the moments lie apart that are compared, 10s without it");
@@ -170,10 +169,10 @@ void add_diagnose(CLI::App& app, int& status)
     command.footer("Exit status: 0 healthy or idle, 1 warning, 2 critical, 3 cannot tell, whatever the reason.\n"
                    "decstats-findings(5) has all findings.");
     command.run(
-        [options, &status]
+        [options, &invocation]
         {
             if (!options->rule.empty()) return explain(options->rule);
-            status = diagnose(*options);
+            invocation.status = diagnose(*options);
         });
 }
 

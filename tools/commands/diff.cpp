@@ -42,10 +42,9 @@ void diff(const Options& options)
 
 } // namespace
 
-void add_diff(CLI::App& app)
+void add_diff(Command& command, Invocation& /*invocation*/)
 {
     const auto options = std::make_shared<Options>();
-    Command command(app, "diff", "Print what has changed between two sources, or two moments of one");
     command.value("OLD", options->old_source, "A SOURCE, as of 'decstats show'").required();
     command.value("NEW", options->new_source, "The SOURCE that is later; OLD at another moment without it");
     add_moment(command, "--from", options->from, "Moment of OLD: RFC 3339, seconds since the epoch, or mtime of a record's file");

@@ -129,10 +129,9 @@ private:
 
 } // namespace
 
-void add_history(CLI::App& app)
+void add_history(Command& command, Invocation& /*invocation*/)
 {
     const auto file = std::make_shared<std::string>();
-    Command command(app, "history", "Tell what a capture file spans: restarts, gaps, damage, sizes");
     command.value("FILE", *file, "Capture file").required();
     command.run(
         [file]

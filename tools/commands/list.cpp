@@ -37,10 +37,9 @@ void list(const Options& options)
 
 } // namespace
 
-void add_list(CLI::App& app)
+void add_list(Command& command, Invocation& /*invocation*/)
 {
     const auto options = std::make_shared<Options>();
-    Command command(app, "list", "List the live decoders and how they stand");
     add_directory(command, options->directory);
     add_format(command, options->format, {"text", "json"});
     command.run([options] { list(*options); });

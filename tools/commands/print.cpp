@@ -25,21 +25,20 @@ struct Options
 
 } // namespace
 
-void add_print(CLI::App& app, const LibraryFile& library)
+void add_print(Command& command, Invocation& invocation)
 {
     const auto options = std::make_shared<Options>();
-    Command command(app, "print", "Print the report of a raw record");
     command.value("COMPONENT", options->component, "Component of the record").one_of(records::component_names()).required();
     command.value("FILE", options->file, "File of the record, - for standard input").required();
     add_level(command, options->level);
     add_at(command, options->at);
     command.footer(component_help());
     command.run(
-        [options, &library]
+        [options, &invocation]
         {
             const records::Component& component = *records::find_component(options->component);
             const records::Snapshot snapshot = sources::record_file(&component, options->file, options->at);
-            views::print_reports(snapshot, library, 1U << component.index, options->level);
+            views::print_reports(snapshot, invocation.library, 1U << component.index, options->level);
         });
 }
 

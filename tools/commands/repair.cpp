@@ -37,10 +37,9 @@ catch (const capture::Error& error)
 
 } // namespace
 
-void add_repair(CLI::App& app)
+void add_repair(Command& command, Invocation& /*invocation*/)
 {
     const auto options = std::make_shared<Options>();
-    Command command(app, "repair", "Write a new capture file of all that can be read of a damaged one");
     command.value("FILE", options->file, "Capture file, which stays as it is").required();
     command.value("NEW", options->new_file, "The new file, which must not exist").required();
     command.run([options] { repair(*options); });

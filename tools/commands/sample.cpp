@@ -24,10 +24,9 @@ struct Options
 
 } // namespace
 
-void add_sample(CLI::App& app)
+void add_sample(Command& command, Invocation& /*invocation*/)
 {
     const auto options = std::make_shared<Options>();
-    Command command(app, "sample", "Write the raw records of a sample");
     add_scenario(command, options->scenario).required();
     command.value("DIR", options->directory, "Existing directory for the files, COMPONENT.rec each").required();
     command.run([options]

@@ -39,14 +39,14 @@ constexpr const char* program = "decstats-serve";
 
 } // namespace
 
-void add_serve(CLI::App& app, const LibraryFile& library)
+void add_serve(Command& command, Invocation& invocation)
 {
-    add_program(app, "serve", "Show live decoders and captures to browsers, to Prometheus and to other programs",
-                [&library](std::vector<std::string> words)
-                {
-                    if (library) words.insert(words.begin(), "--library=" + *library);
-                    execute(std::move(words));
-                });
+    command.run_with_words(
+        [&invocation](std::vector<std::string> words)
+        {
+            if (invocation.library) words.insert(words.begin(), "--library=" + *invocation.library);
+            execute(std::move(words));
+        });
 }
 
 } // namespace commands

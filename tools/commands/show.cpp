@@ -174,10 +174,9 @@ void show(Options& options, const LibraryFile& library)
 
 } // namespace
 
-void add_show(CLI::App& app, const LibraryFile& library)
+void add_show(Command& command, Invocation& invocation)
 {
     const auto options = std::make_shared<Options>();
-    Command command(app, "show", "Show the records of a decoder as reports, JSON or metrics");
     add_source(command, options->source);
     add_components(command, options->components);
     add_level(command, options->level);
@@ -195,7 +194,7 @@ void add_show(CLI::App& app, const LibraryFile& library)
     command.value("--output", options->output, "Write this file, whole at once, instead of standard output")
         .check(check_output)
         .value_name("FILE");
-    command.run([options, &library] { show(*options, library); });
+    command.run([options, &invocation] { show(*options, invocation.library); });
 }
 
 } // namespace commands

@@ -129,10 +129,9 @@ void simulate(const Options& options)
 
 } // namespace
 
-void add_simulate(CLI::App& app)
+void add_simulate(Command& command, Invocation& /*invocation*/)
 {
     const auto options = std::make_shared<Options>();
-    Command command(app, "simulate", "Publish a living sample, as a host process publishes its decoder");
     const Option scenario = add_scenario(command, options->scenario);
     command.value("--name", options->name, "Name of the decoder, that of the scenario without it").value_name("NAME");
     add_directory(command, options->directory);

@@ -41,12 +41,11 @@ void print_versions(const LibraryFile& library)
 
 } // namespace
 
-void add_version(CLI::App& app, const LibraryFile& library)
+void add_version(Command& command, Invocation& invocation)
 {
     const auto file = std::make_shared<std::optional<std::string>>();
-    Command command(app, "version", "Print the versions of decstats and the report library, or those in a file");
     command.value("FILE", *file, "Library, executable or core image to search, - for standard input");
-    command.run([file, &library] { *file ? print_version_records(**file) : print_versions(library); });
+    command.run([file, &invocation] { *file ? print_version_records(**file) : print_versions(invocation.library); });
 }
 
 } // namespace commands

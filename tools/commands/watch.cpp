@@ -144,10 +144,9 @@ void write_lines(const Options& options)
 
 } // namespace
 
-void add_watch(CLI::App& app, const LibraryFile& library)
+void add_watch(Command& command, Invocation& invocation)
 {
     const auto options = std::make_shared<Options>();
-    Command command(app, "watch", "Show a decoder again and again, on a terminal in place, else as lines of JSON");
     add_source(command, options->source);
     add_duration(command, "--every", options->every, std::chrono::milliseconds(10), "How often: 1s without it");
     command.value("--count", options->count, "How many times; without it, until a signal ends it").positive().value_name("N");
@@ -157,10 +156,10 @@ void add_watch(CLI::App& app, const LibraryFile& library)
     command.value("--speed", options->speed, "Play a capture file back so many times as fast as it was").positive().value_name("N");
     add_range(command, options->range);
     command.run(
-        [options, &library]
+        [options, &invocation]
         {
             if (can_paint())
-                paint(*options, library);
+                paint(*options, invocation.library);
             else
                 write_lines(*options);
         });
