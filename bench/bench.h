@@ -28,7 +28,7 @@ void flush_all();
 /** Registers all reports printed by several threads. */
 void register_threads();
 
-/** Prints how long the tool and a program that calls puts take from start to exit: the minima of 500 runs of each, in turn. */
+/** Prints how long commands of the tool and a program that calls puts take from start to exit: the minima of 500 runs of each, in turn. */
 void print_start_up_times();
 
 #endif

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <array>
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -20,6 +19,7 @@
 #include <vector>
 #include <zstd.h>
 
+#include "bars.h"
 #include "capture_reader.h"
 #include "capture_writer.h"
 #include "json.h"
@@ -29,8 +29,6 @@ extern char** environ; // NOLINT(readability-redundant-declaration): POSIX decla
 
 namespace
 {
-
-using Clock = std::chrono::steady_clock;
 
 constexpr double size_bar = 400;              // of a snapshot, everything included [bytes]
 constexpr double append_bar = 30;             // [us]
@@ -60,11 +58,6 @@ private:
     samples::Simulation simulation_ = {"live-srt-1080i", 1, samples::Simulation::Moment(std::chrono::seconds(start))};
     std::uint64_t late_ = 1; // [ns], up to 200 us
 };
-
-double microseconds_since(Clock::time_point begin)
-{
-    return std::chrono::duration<double, std::micro>(Clock::now() - begin).count();
-}
 
 void require(bool holds, const char* what)
 {
@@ -145,20 +138,17 @@ Shown show(const std::string& path, std::int64_t moment)
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-    const Clock::time_point begin = Clock::now();
-    pid_t process = 0;
-    require(posix_spawn(&process, DECSTATS, &actions, nullptr, const_cast<char**>(arguments), environ) == 0, "decstats");
-    int status = 0;
     rusage usage = {};
-    require(wait4(process, &status, 0, &usage) == process && status == 0, "decstats show");
+    const auto run = [&]
+    {
+        pid_t process = 0;
+        require(posix_spawn(&process, DECSTATS, &actions, nullptr, const_cast<char**>(arguments), environ) == 0, "decstats");
+        int status = 0;
+        require(wait4(process, &status, 0, &usage) == process && status == 0, "decstats show");
+    };
+    const double milliseconds = microseconds_of(run) / 1000;
     posix_spawn_file_actions_destroy(&actions);
-    return {microseconds_since(begin) / 1000, static_cast<double>(usage.ru_maxrss) / 1024};
-}
-
-bool bar(bool met, const char* what, double measured, double most, const char* unit)
-{
-    std::printf("%s  %s: %.1f %s (at most %.0f)\n", met ? "pass" : "FAIL", what, measured, unit, most);
-    return met;
+    return {milliseconds, static_cast<double>(usage.ru_maxrss) / 1024};
 }
 
 int run(const std::string& directory, std::size_t count)
@@ -174,9 +164,7 @@ int run(const std::string& directory, std::size_t count)
         for (std::size_t i = 0; i < count; ++i)
         {
             const records::Snapshot snapshot = day.next();
-            const Clock::time_point begin = Clock::now();
-            writer.append(snapshot);
-            times.push_back(microseconds_since(begin));
+            times.push_back(microseconds_of([&] { writer.append(snapshot); }));
             prefix.add(snapshot);
             lines.add(snapshot);
         }
@@ -211,18 +199,20 @@ int run(const std::string& directory, std::size_t count)
     }
     std::printf("decstats show --at, start to exit, slowest of 11 moments, each the best of 5: %.1f ms\n", slowest);
 
-    const Clock::time_point begin = Clock::now();
-    capture::Reader reader(path);
     std::size_t read = 0;
-    while (const auto event = reader.next()) read += std::holds_alternative<const records::Snapshot*>(*event);
+    const auto read_all = [&]
+    {
+        capture::Reader reader(path);
+        while (const auto event = reader.next()) read += std::holds_alternative<const records::Snapshot*>(*event);
+    };
+    std::printf("reading all of it: %.0f ms\n", microseconds_of(read_all) / 1000);
     require(read == count, "not all snapshots were read");
-    std::printf("reading all of it: %.0f ms\n", microseconds_since(begin) / 1000);
     unlink(path.c_str());
 
-    bool met = bar(size <= size_bar, "size of a snapshot", size, size_bar, "bytes");
-    met &= bar(times[count / 2] <= append_bar, "appending one", times[count / 2], append_bar, "us");
-    met &= bar(slowest <= show_bar, "showing a moment", slowest, show_bar, "ms");
-    met &= bar(memory <= memory_bar, "memory of showing it", memory, memory_bar, "MiB");
+    bool met = at_most("size of a snapshot", size, size_bar, " bytes");
+    met &= at_most("appending one", times[count / 2], append_bar, " us");
+    met &= at_most("showing a moment", slowest, show_bar, " ms");
+    met &= at_most("memory of showing it", memory, memory_bar, " MiB");
     return met ? 0 : 1;
 }
 

@@ -1,22 +1,22 @@
 // What JSON and metrics cost beside other ways to write the same: JSON against building and dumping it with nlohmann's
 // ordered_json, metrics against the serializer of prometheus-cpp with its samples at hand. All are the shortest of many short runs
-// that take turns, so that whatever else the machine does, it does to all.
+// that take turns, so that whatever else the machine does, it does to all. And what memory many expositions take in one process.
 //
-//     views_bench    prints times and ratios, and fails if one is below its bar
+//     views_bench    prints times and ratios, and fails if a bar is missed
 
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
 #include <limits>
-#include <map>
+#include <malloc.h>
 #include <nlohmann/json.hpp>
 #include <prometheus/metric_family.h>
 #include <prometheus/text_serializer.h>
 #include <string>
 #include <vector>
 
+#include "bars.h"
 #include "json.h"
 #include "metrics.h"
 #include "sample.h"
@@ -92,29 +92,27 @@ std::size_t samples_in(const std::string& text)
 /** Keeps the compiler from leaving work out. */
 volatile std::size_t written = 0;
 
-double microseconds_of(const std::function<std::size_t()>& way)
+/** A way to write, and its shortest time. */
+struct Way
 {
-    const auto begin = std::chrono::steady_clock::now();
-    written = way();
-    const std::chrono::duration<double, std::micro> time = std::chrono::steady_clock::now() - begin;
-    return time.count();
+    const char* name;
+    std::function<std::size_t()> write;                /**< @return how much was written */
+    double least = std::numeric_limits<double>::max(); /**< [us] */
+};
+
+void take_turns(std::vector<Way>& ways)
+{
+    for (int i = 0; i < runs; ++i)
+        for (Way& way : ways) way.least = std::min(way.least, microseconds_of([&way] { written = way.write(); }));
+    for (const Way& way : ways) std::printf("%-34s %8.1f us\n", way.name, way.least);
 }
 
-/** @return whether the other way takes at least bar times as long */
-bool compare(const char* what, const std::function<std::size_t()>& own, const char* other_name, const std::function<std::size_t()>& other,
-             double bar)
+/** @return whether the other way takes at least so many times as long */
+bool at_least(const char* what, const Way& own, const Way& other, double times)
 {
-    double own_time = std::numeric_limits<double>::max();
-    double other_time = own_time;
-    for (int i = 0; i < runs; ++i)
-    {
-        own_time = std::min(own_time, microseconds_of(own));
-        other_time = std::min(other_time, microseconds_of(other));
-    }
-    const bool is_met = other_time >= bar * own_time;
-    std::printf("%s  %s: %.1f us, %s: %.1f us, %.1f times (at least %.0f)\n", is_met ? "pass" : "FAIL", what, own_time, other_name,
-                other_time, other_time / own_time, bar);
-    return is_met;
+    char text[200];
+    std::snprintf(text, sizeof text, "%s: %s takes %.1f times as long (at least %g)", what, other.name, other.least / own.least, times);
+    return bar(other.least >= times * own.least, text);
 }
 
 } // namespace
@@ -134,14 +132,41 @@ int main()
     const prometheus::TextSerializer serializer;
     if (samples_in(serializer.Serialize(families)) != samples_in(text)) fail("the two expositions have different samples");
 
-    const bool json_is_met = compare(
-        "JSON", [&] { return views::json(snapshot).size(); }, "ordered_json", [&] { return built(values).dump().size(); }, 5);
-    const auto openmetrics = [&]
+    std::vector<Way> json = {{"JSON", [&] { return views::json(snapshot).size(); }},
+                             {"ordered_json", [&] { return built(values).dump().size(); }}};
+    take_turns(json);
+
+    const auto write = [&decoder](std::string& to)
     {
-        views::write_metrics(text, {&decoder, 1}, views::MetricsFormat::openmetrics);
-        return text.size();
+        views::write_metrics(to, {&decoder, 1}, views::MetricsFormat::openmetrics);
+        return to.size();
     };
-    const bool metrics_are_met = compare(
-        "OpenMetrics", openmetrics, "prometheus-cpp", [&] { return serializer.Serialize(families).size(); }, 10);
-    return json_is_met && metrics_are_met ? 0 : 1;
+    const auto write_anew = [&write]
+    {
+        std::string anew;
+        return write(anew);
+    };
+    std::vector<Way> metrics = {{"OpenMetrics", [&] { return write(text); }},
+                                {"OpenMetrics, a new text each time", write_anew},
+                                {"prometheus-cpp", [&] { return serializer.Serialize(families).size(); }}};
+    take_turns(metrics);
+
+    // Snapshots that differ, as those of a decoder do, and the heap when the first ten and when all are written.
+    std::size_t after_ten = 0;
+    std::size_t after_all = 0;
+    for (int i = 0; i < 1000; ++i)
+    {
+        const records::Snapshot one = sources::sample("live-srt-1080i", 1'800'000'000'000'000'000 + i * 1'000'000'000LL);
+        const records::Snapshot* const it = &one;
+        std::string exposition;
+        views::write_metrics(exposition, {&it, 1}, views::MetricsFormat::openmetrics);
+        (i < 10 ? after_ten : after_all) = mallinfo2().uordblks;
+    }
+
+    bool is_met = at_least("JSON", json[0], json[1], 5);
+    is_met &= at_least("OpenMetrics", metrics[0], metrics[2], 10);
+    is_met &= at_least("OpenMetrics, a new text each time", metrics[1], metrics[2], 10);
+    is_met &= bar(after_all <= after_ten, "1,000 snapshots to OpenMetrics: " + std::to_string(after_ten) +
+                                              " bytes of heap in use after 10, " + std::to_string(after_all) + " after all (no more)");
+    return is_met ? 0 : 1;
 }

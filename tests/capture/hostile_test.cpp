@@ -299,6 +299,35 @@ TEST(Hostile, LookingForMomentsInDamagedFilesShowsWhatWasCaptured)
     }
 }
 
+/** Bytes that look like a long change: two equal words of one, with all between them and the CRC as it was. */
+TEST(Hostile, MomentsWithinWhatSeemsAChangeAreFound)
+{
+    const Small small;
+    const auto& places = small.places();
+    for (auto first = places.begin(); first != places.end(); ++first)
+        for (auto last = std::next(first); last != places.end(); ++last)
+            for (const std::uint64_t end : {last->end, last->end - 3}) // where a frame ends, and where none does
+            {
+                const std::uint32_t word = capture::frame_word(FrameType::change, end - first->begin - capture::frame_overhead);
+                std::string bytes = small.bytes();
+                std::memcpy(bytes.data() + first->begin, &word, sizeof word);
+                std::memcpy(bytes.data() + end - sizeof word, &word, sizeof word);
+                Held held;
+                const auto numbers = small.held(bytes, held);
+                capture::Reader reader(small.path());
+                const auto latest = reader.last();
+                ASSERT_EQ(latest.has_value(), !numbers.empty()) << first->begin << ' ' << end;
+                if (!latest) continue;
+                EXPECT_EQ(latest->snapshot.taken_at, small.snapshots()[numbers.back()].taken_at);
+                for (const std::size_t number : numbers)
+                {
+                    const auto found = reader.at(small.snapshots()[number].taken_at);
+                    ASSERT_TRUE(found) << first->begin << ' ' << end;
+                    EXPECT_EQ(found->snapshot.taken_at, small.snapshots()[number].taken_at);
+                }
+            }
+}
+
 std::string as_text(capture::Output& out)
 {
     return {reinterpret_cast<const char*>(out.bytes().data()), out.bytes().size()};

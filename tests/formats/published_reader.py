@@ -1,12 +1,10 @@
-#!/usr/bin/env python3
 """Prints the file of a published decoder as one JSON object: published_reader.py FILE
 
 Written from docs/publisher-format.md alone, which it puts to the test: it shares no code with what writes these files.
-A field that the host does not measure is null. Exit status 2, with a line on stderr, if the file cannot be read as documented.
+A field that the host does not measure is null. What cannot be read as documented is refused with a line.
 """
 import fcntl
 import json
-import math
 import os
 import re
 import stat
@@ -14,7 +12,6 @@ import struct
 import sys
 import time
 
-max_file = 1 << 24  # what an honest file stays far below, so that a false size does not cost memory
 value_formats = {1: "<i", 2: "<I", 3: "<q", 4: "<Q", 5: "<B", 6: "<f", 7: "<qq"}
 
 
@@ -33,11 +30,6 @@ def text(data, where):
     decoded = data.split(b"\0")[0].decode("utf-8", "surrogateescape")
     expect(not re.search("[\0-\x1f\x7f-\x9f\ud800-\udfff]", decoded), where, "UTF-8 without control characters")
     return decoded
-
-
-def is_alive(file):
-    query = struct.pack("hhqqi0q", fcntl.F_RDLCK, 0, 0, 0, 0)
-    return struct.unpack_from("h", fcntl.fcntl(file, fcntl.F_OFD_GETLK, query))[0] != fcntl.F_UNLCK
 
 
 def read_slot(file, section, content_size, alive, where):
@@ -60,17 +52,16 @@ def is_known(width, kind):
 
 
 def read_layout(data, where):
-    size = len(data)
-    expect(size >= 48, where, f"at least 48 bytes, not {size}")
+    expect(len(data) >= 48, where, f"at least 48 bytes, not {len(data)}")
     name = text(data[:32], where + ", name")
     record_size, count, row_size, first = struct.unpack_from("<4I", data, 32)
-    expect(row_size >= 32 and 48 + count * row_size <= size, where, f"{count} rows of {row_size} >= 32 bytes in {size} bytes")
+    expect(row_size >= 32 and 48 + count * row_size <= len(data), where, f"{count} rows of {row_size} >= 32 bytes")
     rows = {}
     for at in range(48, 48 + count * row_size, row_size):
         offset, width, elements, stride, name_at, c_at, name_size, c_size, kind, _ = struct.unpack_from("<6I4H", data, at)
         row = f"{where}, field {len(rows)}"
         public = data[name_at : name_at + name_size].decode("latin-1")
-        expect(len(public) == name_size and c_at + c_size <= size, row, "names within the section")
+        expect(len(public) == name_size and c_at + c_size <= len(data), row, "names within the section")
         expect(re.fullmatch("[!-~]+", public) and public not in rows, row, f"a name of its own in printable ASCII, not {public!r}")
         expect(width >= 1, row, "a value of a byte or more")
         expect(elements >= 1 and (stride >= width or stride == 0 and elements == 1), row, "an array's elements with their size")
@@ -83,13 +74,18 @@ def value(data, kind):
     if kind > 7:
         return data.hex() if kind == 9 else data.split(b"\0")[0].decode("utf-8", "backslashreplace")
     numbers = struct.unpack(value_formats[kind], data)
-    shown = [n if math.isfinite(n) else str(n) for n in numbers]  # JSON has no other numbers
+    shown = [n if abs(n) < float("inf") else str(n) for n in numbers]  # JSON has no other numbers
     return shown if kind == 7 else shown[0]
 
 
-def field(record, offset, width, elements, stride, kind):
-    values = [value(record[offset + i * stride :][:width], kind) for i in range(elements)]
-    return values if stride else values[0]
+def fields(record, rows, unmeasured):
+    """The fields whose type is known. Those whose row's number is among the unmeasured are None."""
+    shown = {}
+    for i, (name, (offset, width, elements, stride, kind)) in enumerate(rows.items()):
+        if is_known(width, kind):
+            values = [value(record[offset + e * stride :][:width], kind) for e in range(elements)]
+            shown[name] = None if i in unmeasured else values if stride else values[0]
+    return shown
 
 
 def read_path(path):
@@ -99,9 +95,9 @@ def read_path(path):
 
 def read_file(file):
     status = os.fstat(file)
-    expect(stat.S_ISREG(status.st_mode) and status.st_size <= max_file, "file", f"a regular file of at most {max_file} bytes")
-    expect(read(file, 0, 12, "header") == b"DECSTATS\1\0\0\0", "header", "DECSTATS and version 1")
+    expect(stat.S_ISREG(status.st_mode) and status.st_size <= 1 << 24, "file", "a regular file of at most 16 MiB")
     header = read(file, 0, 208, "header")
+    expect(header[:12] == b"DECSTATS\1\0\0\0", "header", "DECSTATS and version 1")
     table_at, size, instance, boot, start, interval, count, entry_size = struct.unpack_from("<IQ16s16sqIII", header, 12)
     expect(size == status.st_size, "header, size of the file", f"{status.st_size}, as it is, not {size}")
     expect(interval > 0, "header, interval of heartbeats", "not 0")
@@ -120,35 +116,35 @@ def read_file(file):
             sections[kind][number] = offset, length
     expect(sections[3], "table of sections", "a heartbeat")
     layouts = {n: read_layout(read(file, *section, f"layout {n}"), f"layout {n}") for n, section in sections[1].items()}
-    expect(len({layout[0] for layout in layouts.values()}) == len(layouts), "layouts", "one for each component")
-    alive = is_alive(file)  # before any slot: what is dead has written its last word
+    lock = fcntl.fcntl(file, fcntl.F_OFD_GETLK, struct.pack("hhqqi0q", fcntl.F_RDLCK, 0, 0, 0, 0))
+    alive = struct.unpack_from("h", lock)[0] != fcntl.F_UNLCK  # before any slot: what is dead has written its last word
     pulse, beat = read_slot(file, sections[3][0], 8, alive, "heartbeat")
     expect(pulse["slot"] != "never written", "heartbeat", "the one that opening writes")
     slots = {n: read_slot(file, sections[2][n], layouts[n][1], alive, f"record {n}") for n in layouts if n in sections[2]}
     # After the records, so that what a host says before its first record holds for every record that was read.
     size = max(((first + len(rows) + 7) // 8 for _, _, first, rows in layouts.values()), default=0)
-    unmeasured, mask = read_slot(file, sections[4][0], size, alive, "not measured") if sections[4] else (None, None)
+    _, mask = read_slot(file, sections[4][0], size, alive, "not measured") if sections[4] else (None, None)
     bits, now, components = int.from_bytes(mask or b"", "little"), time.time_ns(), {}
     for number, (component, record) in slots.items():
         name, _, first, rows = layouts[number]
         components[name] = component
         if record is not None:
             component["age_s"] = (now - component["moment"]) / 1e9
-            known = [(i, n, row) for i, (n, row) in enumerate(rows.items()) if is_known(row[1], row[4])]
-            component["fields"] = {n: None if bits >> first + i & 1 else field(record, *row) for i, n, row in known}
+            component["fields"] = fields(record, rows, [i for i in range(len(rows)) if bits >> first + i & 1])
     age = (time.monotonic_ns() - struct.unpack("<q", beat)[0]) / 1e6 if beat else 0
     starting = all(component["slot"] == "never written" for component in components.values())
     state = "stale" if not alive else "hung" if age > 5 * interval else "starting" if starting else "live"
     return {"decoder": decoder, "instance": instance.hex(), "boot": boot.hex(), "release": release, "start": start, "state": state,
-            "heartbeat": pulse | {"interval_ms": interval, "age_ms": beat and age},
-            "not_measured": unmeasured, "components": components}
+            "heartbeat": pulse | {"interval_ms": interval, "age_ms": beat and age}, "components": components}
+
+
+def print_objects(read_objects):
+    """Prints the objects that are read of the file on the command line, one a line."""
+    try:
+        print(*map(json.dumps, read_objects(sys.argv[1])), sep="\n")
+    except (ValueError, OSError) as error:
+        sys.exit(f"{sys.argv[0]}: {sys.argv[1]}: {error}")
 
 
 if __name__ == "__main__":
-    if len(sys.argv) != 2:
-        sys.exit("Usage: published_reader.py FILE")
-    try:
-        print(json.dumps(read_path(sys.argv[1]), indent=1))
-    except (ValueError, OSError) as error:
-        sys.stderr.write(f"published_reader: {sys.argv[1]}: {getattr(error, 'strerror', None) or error}\n")
-        sys.exit(2)
+    print_objects(lambda path: [read_path(path)])
