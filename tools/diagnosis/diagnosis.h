@@ -74,6 +74,7 @@ enum class Doubt : std::uint8_t
     cleared,   /**< counters were cleared within the window, of some components at least */
     missing,   /**< records are missing */
     undecided, /**< a stage passes on nothing, and the window is too short to tell why */
+    not_live,  /**< it was the last verdict on a decoder that has ended or cannot be read any more */
 };
 
 /** The answer in one line and what follows from it. */

@@ -84,8 +84,17 @@ Verdict doubtful(Doubt doubt)
     case Doubt::missing: verdict.place = "The records of some components are missing."; break;
     case Doubt::undecided: verdict.place = "A stage passes on nothing. A longer window tells why."; break;
     case Doubt::single:
+    case Doubt::not_live:
     case Doubt::none: break;
     }
+    return verdict;
+}
+
+Verdict outdated(Verdict verdict)
+{
+    verdict.doubt = Doubt::not_live;
+    verdict.place += std::string(verdict.place.empty() ? "" : " ") + "That was the last verdict: the decoder is not live.";
+    verdict.action = {};
     return verdict;
 }
 
@@ -142,6 +151,7 @@ int exit_status(const std::vector<Episode>& episodes)
 
 int exit_status(const Result& result)
 {
+    if (result.verdict.doubt == Doubt::not_live) return 3;
     switch (result.verdict.state)
     {
     case StageState::stopped: return 2;
