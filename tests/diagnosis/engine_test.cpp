@@ -315,6 +315,27 @@ TEST(Unseen, WhatThisHostDoesNotMeasure)
     EXPECT_FALSE(result.unseen[0].absent);
 }
 
+TEST(Unseen, WithoutTheUpTimeNobodyKnowsWhetherAPictureWasOfThisStream)
+{
+    // As one whose video was removed, or that was started again without it: the up time would tell which.
+    Simulation simulation("live-srt-1080i", 1, start);
+    simulation.inject("video-removed");
+    simulation.advance(60s);
+    auto [before, now] = pair_of(simulation);
+    const auto uptime = dictionary::find("tdemux.uptime");
+    ASSERT_TRUE(uptime);
+    before.not_measured.set(uptime->field->index);
+    now.not_measured.set(uptime->field->index);
+    const Result result = diagnosis::diagnose(before, now);
+    for (const Stage stage : {Stage::framer, Stage::vdecoder, Stage::output}) EXPECT_EQ(state(result, stage), StageState::unknown);
+    EXPECT_EQ(state(result, Stage::audio), StageState::working);
+    EXPECT_EQ(ids(result), std::vector<std::string>());
+    EXPECT_TRUE(
+        std::ranges::any_of(result.unseen, [](const auto& unseen) { return unseen.rule->id == "ts.stream-removed" && !unseen.absent; }));
+    EXPECT_EQ(result.verdict.doubt, Doubt::missing);
+    EXPECT_EQ(diagnosis::exit_status(result), 3);
+}
+
 TEST(Unseen, RecordsThatAreNotThere)
 {
     Simulation simulation("live-srt-1080i", 1, start);
@@ -405,6 +426,49 @@ TEST(Causes, TwoEventsAreTwo)
     const auto [before, now] = pair_of(simulation);
     const auto found = ids(diagnosis::diagnose(before, now));
     EXPECT_TRUE(std::ranges::count(found, "link.loss") == 1 && std::ranges::count(found, "vdecoder.stopped") == 1);
+}
+
+// ---- the verdict ----
+
+TEST(Verdict, HasStoppedOnlyWhereSomethingIsGone)
+{
+    Simulation simulation("live-srt-1080i", 1, start);
+    simulation.inject("srt-loss");
+    Diagnosis diagnosis;
+    for (int i = 0; i < 95; ++i)
+    {
+        diagnosis.take(snapshot_of(simulation));
+        simulation.advance(1s);
+    }
+    // A tenth is lost and nine tenths are seen: bad enough to wake somebody, and nothing is gone.
+    const Result& loss = diagnosis.result();
+    EXPECT_EQ(state(loss, Stage::link), StageState::degraded);
+    EXPECT_EQ(state(loss, Stage::output), StageState::degraded);
+    EXPECT_EQ(loss.verdict.state, StageState::degraded);
+    EXPECT_EQ(diagnosis::exit_status(loss), 2);
+    // How much, and since when.
+    EXPECT_TRUE(loss.verdict.headline.starts_with("The SRT link loses packets for good: ")) << loss.verdict.headline;
+    EXPECT_TRUE(loss.verdict.headline.ends_with(" % of the packets")) << loss.verdict.headline;
+    EXPECT_EQ(loss.verdict.place, "Link, for 1m 30s.");
+}
+
+TEST(Verdict, AStageThatPassesOnThePartThatIsThereIsDegraded)
+{
+    for (const auto& [fault, gone, still] :
+         {std::tuple("video-missing", Stage::output, Stage::audio), std::tuple("video-removed", Stage::output, Stage::audio),
+          std::tuple("audio-missing", Stage::audio, Stage::output)})
+    {
+        Simulation simulation("live-srt-1080i", 1, start);
+        simulation.inject(fault);
+        simulation.advance(20s);
+        const auto [before, now] = pair_of(simulation);
+        const Result result = diagnosis::diagnose(before, now);
+        EXPECT_EQ(state(result, Stage::ts), StageState::degraded) << fault;
+        EXPECT_EQ(state(result, gone), StageState::no_input) << fault;
+        EXPECT_EQ(state(result, still), StageState::working) << fault;
+        EXPECT_EQ(result.verdict.state, StageState::stopped) << fault; // the picture is gone, or the sound
+        EXPECT_EQ(result.verdict.stage, Stage::ts) << fault;
+    }
 }
 
 // ---- windows of other lengths ----

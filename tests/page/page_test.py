@@ -1,10 +1,11 @@
 """The page in a browser: it shows what the server says, moves, and never looks live when it is not."""
+import pathlib
 import re
 import signal
 import time
 import unittest
 
-from browser import PageTest, until
+from browser import PageTest, Unit, until
 
 DEAD_SCRIPT = "for (let i = 1; i < 100000; ++i) { clearTimeout(i); clearInterval(i); } window.fetch = () => new Promise(() => {});"
 FAILSAFE = "const style = (selector) => getComputedStyle(document.querySelector(selector)); " \
@@ -42,6 +43,12 @@ class Page(PageTest):
         self.assertAlmostEqual(self.figure("link", 1), 1220, delta=60)
         self.assertAlmostEqual(self.figure("output", 1), 29.97, delta=2)
         self.assertEqual(self.figure("framer", 2), 0)
+        # What flows through the transport stream is counted as the diagnosis counts it: in its own packets.
+        stages = {stage["id"]: stage for stage in self.unit.ask("decoders/alpha/findings")["stages"]}
+        for column, way in ((0, "in"), (1, "out")):
+            self.assertLess(stages["ts"][way], 300)
+            self.assertAlmostEqual(self.figure("ts", column), stages["ts"][way], delta=30)
+        self.assertEqual(self.texts(".ids dt"), ["Instance", "Stream up", "Host started"])
         self.assertIn("RTT", self.text("#words-link"))
         self.assertIn("1920\u00d71080i29.97", self.text("#words-framer"))
 
@@ -108,13 +115,51 @@ class Page(PageTest):
     def test_all_decoders(self):
         self.open()
         until(lambda: "Healthy" in self.texts("#decoders .d-verdict"), "the verdicts")
-        names = [one["decoder"] for one in self.unit.ask("decoders")["decoders"]]
-        self.assertEqual(self.texts("#decoders .d-name"), names)
+        self.unit.simulate("zz-worst", "--fault", "srt-wrong-key")
+        self.unit.simulate("a-good-one", "--for", "30s")
+        until(lambda: "zz-worst" in self.texts("#decoders .d-name"), "a decoder that has come", 5)
+        # The worst first, and among those alike by name.
+        until(lambda: self.unit.ask("decoders/zz-worst/findings")["verdict"]["state"] == "stopped", "the fault", 20)
+        worst_first = ["stopped", "degraded", "unknown", "no_input", "working", "idle"]
+
+        def in_order():
+            place = {one["decoder"]: (worst_first.index(one["verdict"]["state"]), one["decoder"]) for one in self.unit.ask("decoders")["decoders"]
+                     if one["state"] == "live"}
+            shown = self.texts("#decoders .d-name")
+            return {"zz-worst", "a-good-one", "alpha", "idle"} <= set(shown) <= set(place) and shown == sorted(shown, key=place.get) and shown
+
+        shown = until(in_order, "the order", 20)
+        self.assertEqual(shown[-1], "idle")
+        self.assertLess(shown.index("zz-worst"), shown.index("a-good-one"))
         self.unit.simulate("late-comer", "--for", "3s")
         until(lambda: "late-comer" in self.texts("#decoders .d-name"), "a decoder that has come", 5)
+        self.run_script("document.querySelector('[data-key=alpha] a').focus()")
         until(lambda: "late-comer" not in self.texts("#decoders .d-name"), "a decoder that has gone", 10)
-        self.run_script("document.querySelector('#decoders a').click()")
-        until(lambda: self.text("#decoder") == names[0], "the decoder")
+        self.assertEqual(self.run_script("return document.activeElement.innerText"), "alpha")
+        self.run_script("document.activeElement.click()")
+        until(lambda: self.text("#decoder") == "alpha", "the decoder")
+
+    def test_a_name_that_is_not_there(self):
+        self.may_fail = ["404"]
+        self.browser.get(self.unit.origin + "/?decoder=nobody")
+        until(lambda: "There is no decoder nobody here" in self.text("#unknown"), "that it is not there", 5)
+        self.assertEqual((self.live(), self.text("#notlive")), ("live", ""))
+        self.assertIn("alpha", self.texts("#decoders .d-name"))
+        self.unit.simulate("nobody", "--for", "15s")
+        until(lambda: self.text("#decoder") == "nobody" and self.text("#headline") == "Healthy", "the decoder, which has come", 20)
+        self.assertEqual(self.text("#unknown"), "")
+
+    def test_a_capture_of_another_day_has_its_date(self):
+        unit = Unit()
+        self.addCleanup(unit.close)
+        captured = pathlib.Path(__file__).parent.parent / "capture" / "released" / "version-1.dcap"
+        unit.options = (str(captured),)
+        unit.serve()
+        one, = unit.ask("decoders")["decoders"]
+        day = unit.ask("decoders/" + one["decoder"])["taken_at"][:10]
+        self.browser.get(unit.origin + "/")
+        until(lambda: day in self.text("#notlive-what"), "the date", 8)
+        self.assertRegex(self.text("#kicker"), r"^Last known, %s \d\d:\d\d:\d\d UTC$" % day)
 
     def test_hold(self):
         self.open("alpha")

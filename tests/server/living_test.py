@@ -43,6 +43,9 @@ class Living(ServingTest):
         self.assertEqual(self.json(server, "/api/v1/decoders")["decoders"], [])
         self.assertNotIn("alpha", self.get(server, "/metrics").body.decode())
         self.assertEqual(self.json(server, "/api/v1/decoders/alpha")["decoder"], "alpha")
+        last = self.json(server, "/api/v1/decoders/alpha/findings")
+        self.assertEqual((last["state"], last["verdict"]["doubt"], last["verdict"]["exit_status"]), ("closed", "not_live", 3))
+        self.assertIn("not live", last["verdict"]["place"])
 
     def test_hung(self):
         host = StillHost(self, "still", heartbeat=400)

@@ -59,7 +59,7 @@ TEST(RunningDiagnosis, SaysNothingAboutNothing)
 {
     const RunningDiagnosis running;
     EXPECT_FALSE(running.result());
-    EXPECT_EQ(running.json(), "");
+    EXPECT_EQ(running.json(true), "");
 }
 
 TEST(RunningDiagnosis, FindsNothingInHealth)

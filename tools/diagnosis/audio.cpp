@@ -142,6 +142,7 @@ const Rules& audio_rules()
                 [](const Window& window, Hit& hit)
             {
                 if (!bad_frames.reached(window.grown(skipped), window.grown(received))) return false;
+                hit.say(share_text(window.grown(skipped), window.grown(received), "frames"));
                 return hit.show(skipped).show(received).found();
             },
         },

@@ -80,6 +80,7 @@ void Diagnosis::evaluate(const Window& window)
     const std::vector<Finding> held = hold_back(window);
     settle(held, found.follow, window);
     for (const Finding& finding : held) found.follow.push_back(finding.rule);
+    date_findings();
     judge_stages(result_, window, found);
     result_.verdict = conclude(result_, window);
     if (!held.empty() && exit_status(result_) == 0) result_.verdict = doubtful(Doubt::onset);
@@ -123,6 +124,18 @@ void Diagnosis::settle(const std::vector<Finding>& held, const std::vector<const
     }
     held_.clear();
     for (const Finding& finding : held) held_.push_back(episode_of(finding, window));
+}
+
+/** What does not tell itself since when it is so, is so since the window in which it was first found. */
+void Diagnosis::date_findings()
+{
+    constexpr std::int64_t second = 1'000'000'000; // [ns]
+    for (Finding& finding : result_.findings)
+    {
+        const auto goes_on = [&](const Episode& episode) { return !episode.over && episode.finding.rule == finding.rule; };
+        const auto open = std::ranges::find_if(episodes_, goes_on);
+        if (!finding.since && open != episodes_.end()) finding.since = open->begin / second;
+    }
 }
 
 Episode Diagnosis::episode_of(const Finding& finding, const Window& window) const

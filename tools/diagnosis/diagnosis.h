@@ -72,8 +72,9 @@ enum class Doubt : std::uint8_t
     clock_set, /**< the system's clock was set within the window */
     onset,     /**< something has just begun: the next window tells where */
     cleared,   /**< counters were cleared within the window, of some components at least */
-    missing,   /**< records are missing */
+    missing,   /**< records are missing, or fields that this host does not measure */
     undecided, /**< a stage passes on nothing, and the window is too short to tell why */
+    not_live,  /**< it was the last verdict on a decoder that has ended or cannot be read any more */
 };
 
 /** The answer in one line and what follows from it. */
@@ -149,6 +150,7 @@ private:
     void evaluate(const Window& window);
     std::vector<Finding> hold_back(const Window& window);
     void settle(const std::vector<Finding>& held, const std::vector<const Rule*>& explained, const Window& window);
+    void date_findings();
     void follow(const Window& window);
     Episode episode_of(const Finding& finding, const Window& window) const;
 

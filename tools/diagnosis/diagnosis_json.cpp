@@ -42,8 +42,8 @@ void text_member(JsonWriter& writer, std::string_view name, std::string_view tex
 
 std::string_view doubt_id(Doubt doubt)
 {
-    constexpr std::string_view ids[] = {"",          "single", "starting", "restarted", "gap",
-                                        "clock_set", "onset",  "cleared",  "missing",   "undecided"};
+    constexpr std::string_view ids[] = {"",      "single",  "starting", "restarted", "gap",     "clock_set",
+                                        "onset", "cleared", "missing",  "undecided", "not_live"};
     return ids[static_cast<std::size_t>(doubt)];
 }
 

@@ -47,7 +47,7 @@ bool is_lost(const Window& window, Hit& hit, const Reading& counter, std::int64_
     const std::int64_t bad = window.grown(counter);
     if (!lost_for_good.reached(bad, bad + came)) return false;
     if (bad * 100 >= bad + came) hit.weigh(Severity::critical);
-    return hit.show(counter).found();
+    return hit.say(share_text(bad, bad + came, "packets")).show(counter).found();
 }
 
 } // namespace
@@ -127,6 +127,7 @@ const Rules& link_rules()
                 if (!lost_for_good.reached(bad, bad + window.grown(srt_received)) &&
                     !since_start.reached(all, all + window.value(srt_received)))
                     return false;
+                if (bad > 0) hit.say(share_text(bad, bad + window.grown(srt_received), "packets"));
                 return hit.show(latency).show(rtt).show(too_late).found();
             },
         },

@@ -119,6 +119,7 @@ const Rules& output_rules()
                 [](const Window& window, Hit& hit)
             {
                 if (!bad_frames.reached(window.grown(skipped), window.grown(sent))) return false;
+                hit.say(share_text(window.grown(skipped), window.grown(sent), "pictures"));
                 return hit.show(skipped).show(sent).show(displayed).found();
             },
         },

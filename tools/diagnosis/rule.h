@@ -135,6 +135,9 @@ struct Limit
     }
 };
 
+/** How much of something is bad, for Hit::say: "1.2 % of the packets". */
+std::string share_text(std::int64_t bad, std::int64_t all, std::string_view of);
+
 } // namespace diagnosis
 
 #endif

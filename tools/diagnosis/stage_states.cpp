@@ -22,23 +22,20 @@ constinit const Reading unsettled{"clock_recovery.pll_unsettled"};
 constexpr std::int64_t settling = 600; /**< until then the PLL may settle [s] */
 constexpr std::int64_t recent = 3;     /**< what happened so long ago may be going on, as one moment tells [s] */
 
-/** Whether the stream has nothing for a stage. */
-bool is_unused(Stage stage, const Window& window)
+/** Whether the stream has nothing of what is counted here. @return nothing = this host does not measure what tells it */
+std::optional<bool> has_none(Stage stage, const Window& window)
 {
-    if (stage == Stage::clock)
+    const auto is_zero = [&window](const Reading& count) -> std::optional<bool>
     {
-        const auto now = window.value(mode);
-        return now == SMGR_CLOCK_TRACKING_DISABLED || now == SMGR_CLOCK_TRACKING_DISABLED_LOCK;
-    }
-    if (window.value(demuxed) == 0) return false; // it is not known yet what the stream has
-    const auto age = window.age(*flow(stage).last);
-    if (age && *age < window.value(uptime)) return false; // it had something for this stage
+        if (!window.measured(count)) return {};
+        return window.value(count) == 0;
+    };
     switch (stage)
     {
     case Stage::framer:
     case Stage::vdecoder:
-    case Stage::output: return window.value(video_streams) == 0;
-    case Stage::audio: return window.value(audio_streams) == 0;
+    case Stage::output: return is_zero(video_streams);
+    case Stage::audio: return is_zero(audio_streams);
     case Stage::metadata:
     {
         const Reading& in = *flow(stage).in;
@@ -50,15 +47,43 @@ bool is_unused(Stage stage, const Window& window)
     }
 }
 
-/** What the findings say about a stage: the worst of its own, then that it suffers from others. */
-std::optional<StageState> by_findings(Stage stage, const Result& result, const Found& found)
+/** Whether the stream has nothing for a stage. @return nothing = this host does not measure what tells it */
+std::optional<bool> is_unused(Stage stage, const Window& window)
 {
+    if (stage == Stage::clock)
+    {
+        if (!window.measured(mode)) return {};
+        const auto now = window.value(mode);
+        return now == SMGR_CLOCK_TRACKING_DISABLED || now == SMGR_CLOCK_TRACKING_DISABLED_LOCK;
+    }
+    const auto none = has_none(stage, window);
+    if (!none || !*none) return none;
+    if (!window.measured(demuxed)) return {};
+    if (window.value(demuxed) == 0) return false; // it is not known yet what the stream has
+    const auto age = window.age(*flow(stage).last);
+    if (!age) return true;
+    if (!window.measured(uptime)) return {};
+    return *age >= window.value(uptime); // otherwise it had something for this stage
+}
+
+/** Whether something passes a stage now. What stood still for as long as the rules wait does not. */
+bool passes(const StageResult& observed, const Window& window)
+{
+    if (!observed.last_good || window.now() - *observed.last_good >= recent) return false;
+    return !window.whole() || observed.out.value_or(0) > 0;
+}
+
+/** What the findings say about a stage: the worst of its own, then that it suffers from others. One that ends a part of what it passes
+ *  on, as the video of a stream whose sound goes on, has not stopped it. */
+std::optional<StageState> by_findings(const StageResult& observed, const Result& result, const Window& window, const Found& found)
+{
+    const Stage stage = observed.stage;
     std::optional<StageState> state;
     for (const Finding& finding : result.findings)
     {
         if (finding.rule->stage != stage || finding.severity == Severity::note) continue;
         const bool stopped = finding.severity == Severity::critical && (finding.rule->causes & stops) != 0;
-        if (stopped) return StageState::stopped;
+        if (stopped && !passes(observed, window)) return StageState::stopped;
         state = StageState::degraded;
     }
     if (!state && std::ranges::any_of(found.follow, [&](const Rule* rule) { return rule->stage == stage; })) state = StageState::degraded;
@@ -82,28 +107,33 @@ StageState judge(const StageResult& observed, const Result& result, const Window
                                              {
                                                  return other.stage != stage && reaches(other.stage, stage) &&
                                                         (other.state == StageState::stopped || other.state == StageState::no_input);
+                                             }) ||
+                         std::ranges::any_of(result.findings,
+                                             [&](const Finding& finding) {
+                                                 return finding.severity == Severity::critical && (finding.rule->causes & stops) != 0 &&
+                                                        reaches(finding.rule->stage, stage);
                                              });
-    const std::optional<StageState> found_state = by_findings(stage, result, found);
+    const std::optional<StageState> found_state = by_findings(observed, result, window, found);
     if (own_finding(stage, result)) return *found_state;
 
-    const bool unused = is_unused(stage, window);
+    const std::optional<bool> unused = is_unused(stage, window);
     if (window.whole())
     {
         const bool in = observed.in.value_or(0) > 0;
         const bool out = observed.out.value_or(0) > 0;
         if (!in && !out)
         {
-            if (unused) return StageState::idle;
-            return StageState::no_input;
+            if (unused) return *unused ? StageState::idle : StageState::no_input;
+            return starved ? StageState::no_input : StageState::unknown;
         }
         if (found_state) return *found_state;
         if (stage == Stage::clock && window.value(unsettled) != 0 && window.value(uptime) < settling) return StageState::unknown;
         if (out) return StageState::working;
         return window.now() - observed.last_good.value_or(0) <= recent ? StageState::working : StageState::unknown;
     }
-    if (unused) return StageState::idle;
+    if (unused.value_or(false)) return StageState::idle;
     if (observed.last_good && window.now() - *observed.last_good <= recent) return StageState::working;
-    if (starved || !observed.last_good) return StageState::no_input;
+    if (starved || (unused && !observed.last_good)) return StageState::no_input;
     return StageState::unknown;
 }
 

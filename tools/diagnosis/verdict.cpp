@@ -36,29 +36,43 @@ std::string outage(const char* what, const StageResult& stage, const Window& win
     return age > 0 ? text + " for " + span_of(age) : text;
 }
 
+/** What is wrong, and how much of it. */
+std::string title(const Finding& finding)
+{
+    return std::string(finding.rule->title) + (finding.detail.empty() ? "" : ": ") + finding.detail;
+}
+
 std::string headline(const Result& result, const Finding& first, const Window& window)
 {
     if (first.rule->stage == Stage::host) return "Nothing is known any more: the records are old";
-    if (first.severity != Severity::critical) return std::string(first.rule->title);
+    if (first.severity != Severity::critical) return title(first);
     const bool picture = gone(at(result, Stage::output));
     const bool sound = gone(at(result, Stage::audio));
     if (picture && sound)
         return outage("No picture", at(result, Stage::output), window) + outage(", no sound", at(result, Stage::audio), window);
     if (picture) return outage("No picture", at(result, Stage::output), window);
     if (sound) return outage("No sound", at(result, Stage::audio), window);
-    return std::string(first.rule->title);
+    return title(first);
+}
+
+/** Whether something is gone, and not only bad. */
+bool has_stopped(const Result& result, const Finding& first)
+{
+    if (first.severity != Severity::critical) return false;
+    const auto is_stopped = [](const StageResult& stage) { return stage.state == StageState::stopped; };
+    return first.rule->stage == Stage::host || gone(at(result, Stage::output)) || gone(at(result, Stage::audio)) ||
+           std::ranges::any_of(result.stages, is_stopped);
 }
 
 Verdict bad(const Result& result, const Window& window)
 {
     const Finding& first = result.findings.front();
     Verdict verdict;
-    verdict.state = first.severity == Severity::critical ? StageState::stopped : StageState::degraded;
+    verdict.state = has_stopped(result, first) ? StageState::stopped : StageState::degraded;
     verdict.stage = first.rule->stage;
     verdict.headline = headline(result, first, window);
     verdict.place = std::string(stage_title(first.rule->stage));
-    if (verdict.headline != first.rule->title) verdict.place += ": " + std::string(first.rule->title);
-    if (!first.detail.empty()) verdict.place += ": " + first.detail;
+    if (verdict.headline != title(first)) verdict.place += ": " + title(first);
     if (first.since && window.now() > *first.since) verdict.place += ", for " + span_of(window.now() - *first.since);
     verdict.place += ".";
     verdict.action = first.rule->remedy;
@@ -81,11 +95,20 @@ Verdict doubtful(Doubt doubt)
     case Doubt::clock_set: verdict.place = "The system's clock was set within the window."; break;
     case Doubt::onset: verdict.place = "Something has just begun. The next window tells where."; break;
     case Doubt::cleared: verdict.place = "Counters were cleared within the window."; break;
-    case Doubt::missing: verdict.place = "The records of some components are missing."; break;
+    case Doubt::missing: verdict.place = "Records are missing, or fields that this host does not measure."; break;
     case Doubt::undecided: verdict.place = "A stage passes on nothing. A longer window tells why."; break;
     case Doubt::single:
+    case Doubt::not_live:
     case Doubt::none: break;
     }
+    return verdict;
+}
+
+Verdict outdated(Verdict verdict)
+{
+    verdict.doubt = Doubt::not_live;
+    verdict.place += std::string(verdict.place.empty() ? "" : " ") + "That was the last verdict: the decoder is not live.";
+    verdict.action = {};
     return verdict;
 }
 
@@ -121,7 +144,8 @@ Verdict conclude(const Result& result, const Window& window)
     const auto is_open = [](const StageResult& stage) { return stage.state == StageState::unknown && stage.stage != Stage::clock; };
     const bool known = std::ranges::none_of(result.stages, is_open);
     const auto is_measured = [&](const StageInfo& stage) { return measured(flow(stage.stage), window); };
-    if (!known) return doubtful(std::ranges::all_of(chain(), is_measured) ? Doubt::undecided : Doubt::missing);
+    const bool is_all_seen = std::ranges::all_of(chain(), is_measured) && result.unseen.empty();
+    if (!known) return doubtful(is_all_seen ? Doubt::undecided : Doubt::missing);
     verdict.state = StageState::working;
     verdict.headline = "Healthy";
     verdict.place = window.whole() ? "Every stage passes on what it gets." : "As far as one moment tells: rates cannot be seen.";
@@ -142,10 +166,11 @@ int exit_status(const std::vector<Episode>& episodes)
 
 int exit_status(const Result& result)
 {
+    if (result.verdict.doubt == Doubt::not_live) return 3;
     switch (result.verdict.state)
     {
     case StageState::stopped: return 2;
-    case StageState::degraded: return 1;
+    case StageState::degraded: return result.findings.front().severity == Severity::critical ? 2 : 1;
     case StageState::unknown: return 3;
     default: return 0;
     }

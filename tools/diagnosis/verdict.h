@@ -17,6 +17,9 @@ Verdict conclude(const Result& result, const Window& window);
 /** The verdict where nothing can be told. */
 Verdict doubtful(Doubt doubt);
 
+/** A verdict that is no longer of now: it says so, and its exit status is that nothing can be told. */
+Verdict outdated(Verdict verdict);
+
 } // namespace diagnosis
 
 #endif

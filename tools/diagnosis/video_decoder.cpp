@@ -126,6 +126,7 @@ const Rules& vdecoder_rules()
                 [](const Window& window, Hit& hit)
             {
                 if (!bad_pictures.reached(window.grown(dropped), window.grown(received))) return false;
+                hit.say(share_text(window.grown(dropped), window.grown(received), "pictures"));
                 return hit.show(dropped).show(received).show(load).found();
             },
         },
@@ -145,6 +146,7 @@ const Rules& vdecoder_rules()
                 [](const Window& window, Hit& hit)
             {
                 if (!bad_pictures.reached(window.grown(concealed), window.grown(decoded))) return false;
+                hit.say(share_text(window.grown(concealed), window.grown(decoded), "pictures"));
                 return hit.show(concealed).show(decoded).found();
             },
         },

@@ -55,11 +55,16 @@ std::string Routes::list_json(const Request& request) const
     const std::string problem = decoders_.problem();
     if (!problem.empty()) throw Refusal(503, problem);
     std::vector<SightPointer> sights;
-    for (const auto& decoder : decoders_.all())
-        if (SightPointer sight = decoder->sight(); sight->is_listed) sights.push_back(std::move(sight));
     std::vector<views::NamedDecoder> named;
-    named.reserve(sights.size());
-    for (const SightPointer& sight : sights) named.push_back({&sight->listed, sight->state});
+    for (const auto& decoder : decoders_.all())
+    {
+        SightPointer sight = decoder->sight();
+        if (!sight->is_listed) continue;
+        named.push_back({&sight->listed, sight->state});
+        const auto findings = sight->snapshot.is_up.value_or(false) ? decoder->diagnosis() : std::nullopt;
+        if (findings) named.back().verdict = {diagnosis::state_id(findings->verdict.state), findings->verdict.headline};
+        sights.push_back(std::move(sight));
+    }
     return views::decoders_json(named, decoders_.directory(), sources::present_moment());
 }
 

@@ -2,6 +2,7 @@
 
 #include "bounds.h"
 #include "diagnosis_json.h"
+#include "verdict.h"
 
 namespace server
 {
@@ -59,9 +60,10 @@ std::optional<diagnosis::Result> RunningDiagnosis::result() const
     return result;
 }
 
-std::string RunningDiagnosis::json() const
+std::string RunningDiagnosis::json(bool is_live) const
 {
-    const auto told = result();
+    auto told = result();
+    if (told && !is_live) told->verdict = diagnosis::outdated(std::move(told->verdict));
     return told ? diagnosis::json(*told, long_.diagnosis.episodes(), is_long_told() ? *long_.judged : *short_.judged) : std::string();
 }
 

@@ -30,8 +30,12 @@ public:
      */
     std::optional<diagnosis::Result> result() const;
 
-    /** The same as JSON of decstats-findings(5), with the findings over time. @return empty = nothing was taken yet */
-    std::string json() const;
+    /**
+     * The same as JSON of decstats-findings(5), with the findings over time.
+     * @param is_live otherwise it says that it is of a decoder that is not live any more
+     * @return empty = nothing was taken yet
+     */
+    std::string json(bool is_live) const;
 
 private:
     /** A window of one length. */

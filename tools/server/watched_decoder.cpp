@@ -55,7 +55,9 @@ std::optional<steady_clock::time_point> WatchedDecoder::gone_since() const
 std::string WatchedDecoder::findings() const
 {
     const std::scoped_lock lock(mutex_);
-    return diagnosis_.json();
+    using published::State;
+    const State state = sight_ ? sight_->listed.status.state : State::missing;
+    return diagnosis_.json(state == State::live || state == State::hung); // that one hangs is a finding of now
 }
 
 std::optional<diagnosis::Result> WatchedDecoder::diagnosis() const

@@ -55,6 +55,13 @@ void decoder_object(JsonWriter& writer, const NamedDecoder& named, std::int64_t 
     writer.member("path", valid_utf8(decoder.path));
     writer.member("state", named.state);
     text_or_null("problem", status.text);
+    if (named.verdict)
+        writer.object_member("verdict",
+                             [&]
+                             {
+                                 writer.member("state", named.verdict->state);
+                                 writer.member("headline", named.verdict->headline);
+                             });
     text_or_null("host", status.host);
     writer.key("instance");
     if (!is_known) writer.null();

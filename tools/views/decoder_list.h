@@ -6,6 +6,7 @@
 #define VIEWS_DECODER_LIST_H
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -25,11 +26,19 @@ std::string decoder_lines(const published::Listing& listing, std::int64_t now);
 /** The same as one line of JSON. @param directory what was listed @return without the newline at its end */
 std::string decoders_json(const published::Listing& listing, const std::string& directory, std::int64_t now);
 
-/** A decoder as someone lists it who knows more kinds than those that are published. */
+/** The verdict about a decoder, as far as a list tells it. */
+struct ListedVerdict
+{
+    std::string_view state; /**< the word of the state */
+    std::string headline;
+};
+
+/** A decoder as someone lists it who knows more kinds than those that are published, and what is wrong with them. */
 struct NamedDecoder
 {
     const published::Listed* decoder;
-    std::string_view state; /**< the word of its state */
+    std::string_view state;                    /**< the word of its state */
+    std::optional<ListedVerdict> verdict = {}; /**< nothing = the list has none */
 };
 
 /** The same of such decoders. */

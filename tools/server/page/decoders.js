@@ -2,12 +2,12 @@
  * The list of decoders, for a unit that has more than one: each with its state and the verdict about it.
  */
 import { by_id, el, keep_list, set_attribute, set_sign, set_text, sign } from "./dom.js";
-import { Poll } from "./server.js";
 import { clock, day, moment } from "./text.js";
 
-const MOST_JUDGED = 16; // decoders whose verdicts are asked for
+const WORST_FIRST = ["stopped", "away", "degraded", "unknown", "no_input", "working", "idle", "captured"];
 
-const verdicts = new Map(); // by name: { poll, verdict }
+/** What a row is sorted by: the state of the verdict, or that there is none of now. */
+const state_of = ({ state, verdict }) => (state === "live" ? verdict?.state ?? "unknown" : state === "captured" ? state : "away");
 
 function make_row({ decoder }) {
   const link = el("a", { href: `?decoder=${encodeURIComponent(decoder)}` }, decoder);
@@ -15,38 +15,24 @@ function make_row({ decoder }) {
   return el("li", {}, sign("unknown"), part("name", link), part("verdict"), part("state"), part("since"));
 }
 
-function show_row(row, { decoder, state, instance, problem }) {
-  const live = state === "live", verdict = live && verdicts.get(decoder)?.verdict;
+function show_row(row, { state, verdict, instance, problem }) {
+  const live = state === "live";
   row.dataset.state = live ? verdict?.state ?? "unknown" : "idle";
   set_sign(row, live ? row.dataset.state : "notlive");
   set_text(row.querySelector(".d-verdict"), live ? verdict?.headline ?? "" : `Not live${problem ? `: ${problem}` : ""}`);
   set_text(row.querySelector(".d-state"), live ? "Live" : state);
   const started = instance && moment(instance.started_at);
-  set_text(row.querySelector(".d-since"), started ? `since ${day(started)} ${clock(started)} UTC` : "");
+  set_text(row.querySelector(".d-since"), started ? `host started ${day(started)} ${clock(started)} UTC` : "");
   set_attribute(row, "class", live ? "" : "away");
 }
 
-/** Asks for the verdicts about what is listed, and no longer for those about what is gone. */
-function judge(decoders) {
-  const names = decoders.filter(({ state }) => state === "live").slice(0, MOST_JUDGED).map(({ decoder }) => decoder);
-  for (const [name, { poll }] of verdicts)
-    if (!names.includes(name)) {
-      poll.stop();
-      verdicts.delete(name);
-    }
-  for (const name of names) {
-    if (verdicts.has(name)) continue;
-    const entry = {}, path = `api/v1/decoders/${encodeURIComponent(name)}/findings`;
-    verdicts.set(name, entry);
-    const set = (findings) => (entry.verdict = findings?.verdict);
-    entry.poll = new Poll(() => path, 2000, set, () => set());
-  }
-}
-
-/** Brings the list up to date. */
-export function show_decoders({ decoders }) {
-  by_id("list").hidden = false;
-  judge(decoders);
+/** Brings the list up to date: the worst first, and by name. @param unknown the name of a decoder that was asked for and is not there */
+export function show_decoders({ decoders }, unknown) {
+  const rank = (one) => WORST_FIRST.indexOf(state_of(one)), focused = document.activeElement;
+  by_id("unknown").hidden = !unknown;
+  if (unknown) set_text(by_id("unknown"), `There is no decoder ${unknown} here; if it comes, it is shown. ${decoders.length ? "These are here:" : ""}`);
   by_id("no-decoders").hidden = decoders.length > 0;
-  keep_list(by_id("decoders"), decoders, ({ decoder }) => decoder, make_row, show_row);
+  const sorted = [...decoders].sort((a, b) => rank(a) - rank(b) || (a.decoder < b.decoder ? -1 : 1));
+  keep_list(by_id("decoders"), sorted, ({ decoder }) => decoder, make_row, show_row);
+  if (focused !== document.activeElement && focused.isConnected) focused.focus({ preventScroll: true }); // it has moved
 }

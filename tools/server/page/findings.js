@@ -4,7 +4,7 @@
 import { by_id, el, keep_list, set_attribute, set_sign, set_text } from "./dom.js";
 import { label_of } from "./fields.js";
 import { show_fields } from "./meaning.js";
-import { clock, day, grouped, moment, rated, span } from "./text.js";
+import { clock, day, grouped, moment, rated, span, when } from "./text.js";
 
 const SEVERITIES = { critical: ["Critical", "stopped"], warning: ["Warning", "degraded"], note: ["Note", "note"] };
 
@@ -31,7 +31,7 @@ export function show_verdict(now) {
   set_sign(box, verdict.state);
   set_text(by_id("headline"), verdict.headline);
   by_id("kicker").hidden = !now.stale || !findings;
-  set_text(by_id("kicker"), `Last known, ${clock(now.taken)} UTC`);
+  set_text(by_id("kicker"), `Last known, ${when(now.taken)} UTC`);
   const first = ["stopped", "degraded"].includes(verdict.state) && findings.stages.some(({ id }) => id === verdict.stage);
   by_id("first").hidden = !first;
   const link = by_id("first-link");
@@ -81,7 +81,7 @@ function show_finding(row, finding, index, now) {
   const place = q(".f-stage"), title = title_of(now.findings, finding.stage);
   if (place.textContent !== title) place.replaceChildren(link_to(now.findings, finding.stage));
   const since = finding.since_time;
-  set_text(q(".f-since"), !since ? "" : now.stale ? ` \u00b7 since ${clock(since)}` : ` \u00b7 for ${span(now.taken - since)}`);
+  set_text(q(".f-since"), !since ? "" : now.stale ? ` \u00b7 since ${when(since)}` : ` \u00b7 for ${span(now.taken - since)}`);
   set_text(q("h3"), finding.title + (finding.detail ? `: ${finding.detail}` : ""));
   const explained = finding.explains.map((id) => `${title_of(now.findings, id.split(".")[0])} (${id.split(".")[1].replaceAll("-", " ")})`);
   set_text(q(".f-explains"), explained.length ? `Explains too: ${explained.join(", ")}` : "");
@@ -104,9 +104,9 @@ function nothing_text({ verdict, unseen }) {
 }
 
 function show_episode(row, episode, now) {
-  const [when, what] = row.children, begin = moment(episode.begin_time), end = moment(episode.end_time);
+  const [time, what] = row.children, begin = moment(episode.begin_time), end = moment(episode.end_time);
   const ago = now.taken - end;
-  set_text(when, now.stale || ago > 86400 ? `${ago > 86400 ? `${day(end)} ` : ""}${clock(end)}` : `${span(ago)} ago`);
+  set_text(time, now.stale || ago > 86400 ? `${ago > 86400 ? `${day(end)} ` : ""}${clock(end)}` : `${span(ago)} ago`);
   const title = episode.title + (episode.detail ? `: ${episode.detail}` : ""), lasted = end > begin ? `, for ${span(end - begin)}` : "";
   set_text(what, `${title_of(now.findings, episode.stage)}: ${title}${lasted} (${SEVERITIES[episode.severity][0].toLowerCase()}, from ${clock(begin)})`);
 }
@@ -114,7 +114,7 @@ function show_episode(row, episode, now) {
 /** Brings the findings up to date. */
 export function show_findings(now) {
   const { findings } = now;
-  set_text(by_id("findings-head"), now.stale && findings ? `Findings, as of ${clock(now.taken)}` : "Findings");
+  set_text(by_id("findings-head"), now.stale && findings ? `Findings, as of ${when(now.taken)}` : "Findings");
   if (!findings) return;
   keep_list(by_id("findings"), findings.findings, ({ id }) => id, make_finding, (row, finding, index) => show_finding(row, finding, index, now));
   by_id("no-findings").hidden = findings.findings.length > 0;

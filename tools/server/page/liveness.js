@@ -3,7 +3,7 @@
  * Should the script itself die, the style sheet does this alone, unless each update winds its animations back.
  */
 import { by_id, set_attribute, set_sign, set_text } from "./dom.js";
-import { clock, span } from "./text.js";
+import { span, when } from "./text.js";
 
 const LATE = 2.5; // two updates missed [s]
 const GONE = 5;   // five updates missed [s]
@@ -28,7 +28,6 @@ const LAST_KNOWN = "Everything below is of the last moment that is known.";
 export function judge(silence, age, state, failure) {
   const gone = (what, why) => ({ word: "gone", what, why }), since = Number.isFinite(silence) ? ` for ${span(silence)}` : "";
   const is_missing = failure?.status === 404;
-  if (is_missing && !Number.isFinite(age)) return gone("No decoder of this name is published here.", HOST_AWAY);
   if (!is_missing && silence >= GONE && (failure || state !== undefined)) {
     if (failure?.status) return gone(`The server answers with an error${since}. ${failure.message}.`, `${LOOK} the server.`);
     return gone(`No answer from the server${since}.`, SERVER_AWAY);
@@ -47,14 +46,14 @@ export function show_liveness(liveness, age, taken, retry) {
   const box = by_id("fresh"), known = Number.isFinite(age);
   set_sign(box, { live: "working", late: "degraded", gone: "notlive", held: "hold" }[word]);
   set_text(box.querySelector("b"), { live: "Live", late: known ? "Late" : "Waiting", gone: "Not live", held: "Held" }[word]);
-  const old = { held: () => `at ${clock(taken)}`, gone: () => `${span(age)} old` }[word] ?? (() => `${age.toFixed(1)}s old`);
+  const old = { held: () => `at ${when(taken)}`, gone: () => `${span(age)} old` }[word] ?? (() => `${age.toFixed(1)}s old`);
   set_text(box.querySelector("span"), known ? old() : "no data yet");
   by_id("notlive").hidden = !stale;
   by_id("hold").hidden = word === "gone";
   if (!stale) return;
-  const last = known ? ` Last data ${clock(taken)} UTC.` : "";
+  const last = known ? ` Last data ${when(taken)} UTC.` : "";
   set_text(by_id("notlive-head"), held ? "HELD" : "NOT LIVE");
-  set_text(by_id("notlive-what"), held ? `You stopped this page at ${clock(taken)} UTC.` : liveness.what + last);
+  set_text(by_id("notlive-what"), held ? `You stopped this page at ${when(taken)} UTC.` : liveness.what + last);
   const tries = `This page tries again ${retry > 1.5 ? `in ${Math.round(retry)}s` : "every second"}.`;
   set_text(by_id("notlive-why"), held ? "Everything below is of that moment. Press Resume to go on." : `${liveness.why} ${tries}`);
 }

@@ -25,10 +25,12 @@ const answers = {};  // by resource: { answer, asked }
 const failures = {}; // by resource: that of the last try
 let name = new URLSearchParams(location.search).get("decoder");
 let liveness = { word: "late", what: "", why: "" };
+let is_unknown = false; // there is no decoder of the name
 let held, announced;
 
 const path = () => `api/v1/decoders/${encodeURIComponent(name)}`;
-const needed = () => (name === null ? ["list"] : ["snapshot", "findings"]);
+const needed = () => (is_listing() ? ["list"] : ["snapshot", "findings"]);
+const is_listing = () => name === null || is_unknown;
 
 /* ---- What is known ---- */
 
@@ -60,8 +62,8 @@ function show_header(now) {
   const started = moment(now.instance.started_at), uptime = Number(value_of(now.components, "tdemux.uptime") ?? 0);
   set_text(by_id("instance"), now.instance.id.slice(0, 8));
   by_id("instance").title = now.instance.id;
-  set_text(by_id("up"), uptime ? span(uptime) : span(now.taken - started));
-  set_text(by_id("started"), uptime ? `${day(now.taken - uptime)} ${clock(now.taken - uptime)} UTC` : `${day(started)} ${clock(started)} UTC`);
+  set_text(by_id("up"), uptime ? span(uptime) : "\u2013");
+  set_text(by_id("started"), `${day(started)} ${clock(started)} UTC`);
 }
 
 function announce(now) {
@@ -72,10 +74,12 @@ function announce(now) {
 }
 
 function show() {
-  if (name === null) {
+  document.body.dataset.view = is_listing() ? "list" : "decoder";
+  by_id("list").hidden = !is_listing();
+  if (is_listing()) {
     set_text(by_id("decoder"), "Decoders");
-    document.title = liveness.word === "gone" ? "NOT LIVE \u00b7 decoders" : "Decoders";
-    if (answers.list) show_decoders(answers.list.answer);
+    document.title = liveness.word === "gone" ? "NOT LIVE \u00b7 decoders" : is_unknown ? `No decoder ${name}` : "Decoders";
+    if (answers.list) show_decoders(answers.list.answer, name);
     return;
   }
   const now = known();
@@ -108,6 +112,7 @@ function tick() {
 function took(what, answer, asked) {
   answers[what] = { answer, asked };
   delete failures[what];
+  if (what === "snapshot") is_unknown = false;
   if (held) return;
   if (what === "snapshot") sample(answer);
   tick();
@@ -128,6 +133,10 @@ function failed(what, failure) {
   // A decoder that is there may have nothing to judge yet; whether it is there, the snapshot tells.
   if (what === "findings" && failure.status === 404) answers.findings = { asked: performance.now() };
   else failures[what] = failure;
+  if (what === "snapshot" && failure.status === 404 && !answers.snapshot && !is_unknown) {
+    is_unknown = true;
+    poll("list", () => "api/v1/decoders");
+  }
   tick();
 }
 
@@ -142,7 +151,7 @@ async function begin() {
     learn(fields);
     if (name === null && list.decoders.length === 1) name = list.decoders[0].decoder;
     by_id("all").hidden = name === null || list.decoders.length < 2;
-    document.body.dataset.view = name === null ? "list" : "decoder";
+    document.body.dataset.view = is_listing() ? "list" : "decoder";
     if (name === null) return poll("list", () => "api/v1/decoders");
     listen_to_report(path(), () => held !== undefined);
     poll("snapshot", path);

@@ -11,6 +11,8 @@ const fields_of = (component, names) => names.trim().split(/\s+/).map((name) => 
 /** A rate: of counters together, less those of what was counted and did not pass. */
 const rate_of = (plus, minus = []) => ({ plus, minus });
 
+const SOURCES = [...Array(10).keys()];
+const of_sources = (member) => SOURCES.map((i) => `tdemux.sources[${i}].${member}`);
 const RECEIVED = rate_of(["tdemux.received_packets"]);
 const DECRYPTED = rate_of(["tdemux.received_packets"], ["tdemux.srt.undecrypted_packets"]);
 const LINK_LOST = ["tdemux.srt.dropped_packets", "tdemux.srt.undecrypted_packets", "tdemux.fec.lost_packets"];
@@ -44,11 +46,11 @@ export const STAGES = [
   },
   {
     id: "ts", lane: "main", unit: PACKETS, words: words.transport_stream,
-    in: DECRYPTED,
-    out: rate_of(["tdemux.output_packets"]),
+    in: rate_of(of_sources("received_packets")),
+    out: rate_of(of_sources("output_packets")),
     lost: ["tdemux.dropped_packets"],
     lost_less: LINK_LOST,
-    plot: { label: "Packets out", unit: "pkt/s", rates: rate_of(["tdemux.output_packets"]), digits: 1 },
+    plot: { label: "Packets out", unit: "pkt/s", rates: rate_of(of_sources("output_packets")), digits: 1 },
     fields: fields_of("tdemux", `program_number pcr_pid streams sources[0].bit_rate corrupted_ts_frames pes_size_mismatches frames_without_pcr
       frames_with_late_pts input_packet_list_overflows new_stream_markers last_dropped_pid`),
   },

@@ -54,6 +54,9 @@ export const clock = (epoch) => iso(epoch)[1].slice(0, 8);
 
 export const day = (epoch) => iso(epoch)[0];
 
+/** The time of a moment, with its day if that is not today's. */
+export const when = (epoch) => (day(epoch) === day(Date.now() / 1000) ? clock(epoch) : `${day(epoch)} ${clock(epoch)}`);
+
 /** Day and time; a record may hold any number, also such as no calendar has. */
 function iso(epoch) {
   const date = new Date(epoch * 1000);
