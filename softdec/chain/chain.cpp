@@ -99,7 +99,7 @@ void Chain::step()
     output_.step(stc);
     metadata_.step(stc);
     for (const auto& pair : audio_)
-        if (pair) pair->step(stc, output_.shown());
+        if (pair) pair->step(stc, output_.shown(), output_.period());
     auto& automatic = records_.buffering.tAutomatic;
     automatic.tLastVideoSkipReplayTime = output_.last_irregular();
     for (const auto& pair : records_.audio.PairStats)
@@ -148,7 +148,7 @@ void Chain::decode(ElementaryPacket packet)
 void Chain::take_picture(Picture picture)
 {
     metadata_.take_picture(picture.metadata, picture.pts, buffering_.stc());
-    if (settings_.decode) decoder_.take(std::move(picture), video_compression_, records_.vframer.tCounters.fInputFrameRate);
+    if (settings_.decode) decoder_.take(std::move(picture), video_compression_);
 }
 
 void Chain::show(const DecodedPicture& picture)

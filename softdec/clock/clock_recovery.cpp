@@ -72,6 +72,11 @@ void ClockRecovery::jumped(double milliseconds, Nanoseconds arrival)
         record_.PcrJumpMaxValue = record_.PcrJump;
         record_.tLastPcrJumpMaxValue = clock_.seconds();
     }
+    resynchronise(arrival);
+}
+
+void ClockRecovery::resynchronise(Nanoseconds arrival)
+{
     ++record_.ReSyncCount;
     start_time_base(arrival);
 }
@@ -102,7 +107,10 @@ void ClockRecovery::take(Pcr pcr, std::optional<Nanoseconds> arrival, bool annou
     }
     check_interval(static_cast<Pcr>(std::max<std::int64_t>(step, 0)), *arrival);
     const double deviation = deviation_of(*arrival);
-    if (announced || std::abs(deviation) > jump_limit)
+    // An announced time base that goes on where the one before ended is none. Another one is no jump, which would be an error.
+    if (announced && std::abs(deviation) > jitter_floor)
+        resynchronise(*arrival);
+    else if (std::abs(deviation) > jump_limit)
         jumped(-deviation * 1000, *arrival);
     else if (!accept(deviation, *arrival))
         return;
@@ -207,7 +215,7 @@ void ClockRecovery::report_frequency()
     const double deviation = -model_.slope;
     const double frequency = nominal_frequency * (1 + deviation);
     frequencies_.push_back(frequency);
-    if (frequencies_.size() > longest_history) frequencies_.pop_front();
+    if (frequencies_.size() > average_history) frequencies_.pop_front();
     const auto [least, greatest] = std::ranges::minmax(frequencies_);
     const double average = std::accumulate(frequencies_.begin(), frequencies_.end(), 0.0) / static_cast<double>(frequencies_.size());
     record_.OldPll = std::lround(frequency);

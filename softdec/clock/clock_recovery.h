@@ -62,10 +62,15 @@ public:
     void update();
 
 private:
-    /** Samples of one second as one measurement. */
-    static constexpr std::size_t longest_history = 120;
+    /** Seconds that the line is fitted to. Where a PCR waits for the other packets of its datagram, as in a slow stream, it takes minutes
+        to tell a clock that is off by a millionth from one that is not. */
+    static constexpr std::size_t longest_history = 600;
+
+    /** Seconds that the averages of the frequency are over. */
+    static constexpr std::size_t average_history = 120;
 
     void start_time_base(Nanoseconds arrival);
+    void resynchronise(Nanoseconds arrival);
     void jumped(double milliseconds, Nanoseconds arrival);
     void check_interval(Pcr pcr, Nanoseconds arrival);
     double deviation_of(Nanoseconds arrival) const;

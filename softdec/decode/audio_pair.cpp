@@ -26,6 +26,11 @@ SMGR_TDEMUX_COMPRESSION_TYPE layer_of(std::span<const std::uint8_t> bytes, SMGR_
     }
 }
 
+Ticks duration_of(int samples, int sample_rate)
+{
+    return sample_rate > 0 ? samples * ticks_per_second / sample_rate : 0;
+}
+
 timespec exact(Nanoseconds moment)
 {
     return {.tv_sec = moment / second, .tv_nsec = moment % second};
@@ -43,6 +48,7 @@ AudioPair::AudioPair(const VirtualClock& clock, SMGR_AUDIO_PAIR_STATS& record, b
 void AudioPair::begin_stream(SMGR_TDEMUX_COMPRESSION_TYPE compression)
 {
     compression_ = compression;
+    stamps_ = 0;
     record_.enAlgorithm = compression;
     parser_.reset(av_parser_init(codec_id(compression)));
     decoder_ = new_decoder(compression);
@@ -106,6 +112,9 @@ AudioPair::AudioFormat AudioPair::format_of(std::span<const std::uint8_t> frame)
 
 void AudioPair::take_frame(std::span<const std::uint8_t> bytes, std::optional<Ticks> pts)
 {
+    // What comes before the first time stamp of a stream has none to be played by.
+    if (stamps_ == 0 && !pts) return;
+    if (pts) ++stamps_;
     ++record_.nReceivedFrames;
     record_.tLastReceivedFrame = clock_.seconds();
     record_.tLastRxFrameTime = exact(clock_.now());
@@ -114,18 +123,18 @@ void AudioPair::take_frame(std::span<const std::uint8_t> bytes, std::optional<Ti
     const AudioFormat format = format_of(bytes);
     if (format.sample_rate > 0) record_.nSampleRateIn = format.sample_rate;
     if (format.channels > 0) record_.nInputChannels = format.channels;
-    const Ticks duration = format.sample_rate > 0 ? format.samples * ticks_per_second / format.sample_rate : 0;
+    const Ticks duration = duration_of(format.samples, format.sample_rate);
     // A time stamp may be a tick or two beside what the frames before add up to.
-    if (pts && expected_ && std::abs(*pts - *expected_) > std::max<Ticks>(duration * 3 / 4, ticks_per_millisecond))
+    if (is_in_step() && pts && expected_ && std::abs(*pts - *expected_) > std::max<Ticks>(duration * 3 / 4, ticks_per_millisecond))
         ++record_.nInTSDiscontinuity;
-    const Ticks moment = pts.value_or(expected_.value_or(0));
+    moment_ = pts.value_or(expected_.value_or(moment_));
     expected_.reset();
-    if (duration > 0) expected_ = moment + duration;
-    record_.nAudioTimeStamp = static_cast<unsigned>(as_timestamp(moment));
-    if (decode_) decode(bytes, moment, duration);
+    if (duration > 0) expected_ = moment_ + duration;
+    record_.nAudioTimeStamp = static_cast<unsigned>(as_timestamp(moment_));
+    if (decode_) decode(bytes, moment_);
 }
 
-void AudioPair::decode(std::span<const std::uint8_t> bytes, Ticks pts, Ticks duration)
+void AudioPair::decode(std::span<const std::uint8_t> bytes, Ticks pts)
 {
     std::vector<std::uint8_t> padded(bytes.begin(), bytes.end());
     padded.resize(bytes.size() + AV_INPUT_BUFFER_PADDING_SIZE);
@@ -146,6 +155,9 @@ void AudioPair::decode(std::span<const std::uint8_t> bytes, Ticks pts, Ticks dur
                                  static_cast<unsigned long>(frame_->ch_layout.nb_channels) * static_cast<unsigned long>(sample_bytes);
         ++record_.nDecodedFrames;
         record_.tLastDecodedFrame = clock_.seconds();
+        // A header need not tell what the decoder finds.
+        const Ticks duration = expected_ ? *expected_ - pts : duration_of(frame_->nb_samples, frame_->sample_rate);
+        expected_ = pts + duration;
         queue(pts, duration);
         av_frame_unref(frame_.get());
     }
@@ -164,14 +176,14 @@ void AudioPair::decode(std::span<const std::uint8_t> bytes, Ticks pts, Ticks dur
             record_.tMaxProcessTime = clock_.seconds();
         }
     }
-    if (decoded) return;
+    if (decoded || !is_in_step()) return;
     ++record_.nDecoderErrors;
     record_.tLastDecoderError = clock_.seconds();
 }
 
 void AudioPair::queue(Ticks pts, Ticks duration)
 {
-    if (!stc_) return play({.pts = pts, .duration = duration}, std::nullopt);
+    if (!stc_) return play({.pts = pts, .duration = duration, .in_step = is_in_step()});
     const Ticks lead = pts - *stc_;
     if (lead_ != nullptr) (*lead_)(lead);
     const bool first = record_.tMinSTCLeadTime == 0;
@@ -193,39 +205,45 @@ void AudioPair::queue(Ticks pts, Ticks duration)
         record_.tLastSkippedFrame = clock_.seconds();
         return;
     }
-    waiting_.push_back({.pts = pts, .duration = duration});
+    waiting_.push_back({.pts = pts, .duration = duration, .in_step = is_in_step()});
     record_.nOutQueueLength = static_cast<unsigned>(waiting_.size());
     record_.nMaxOutQueueLen = std::max(record_.nMaxOutQueueLen, record_.nOutQueueLength);
 }
 
-void AudioPair::step(std::optional<Ticks> stc, std::optional<Ticks> video)
+void AudioPair::step(std::optional<Ticks> stc, std::optional<Ticks> video, Ticks period)
 {
     while (stc && !waiting_.empty() && waiting_.front().pts <= *stc)
     {
         const Waiting frame = waiting_.front();
         waiting_.pop_front();
-        play(frame, video);
+        play(frame);
+        if (video) compare(frame, *video, period);
     }
     record_.nOutQueueLength = static_cast<unsigned>(waiting_.size());
 }
 
-void AudioPair::play(const Waiting& frame, std::optional<Ticks> video)
+void AudioPair::play(const Waiting& frame)
 {
-    if (played_to_ && std::abs(frame.pts - *played_to_) > std::max<Ticks>(frame.duration * 3 / 4, ticks_per_millisecond))
+    if (frame.in_step && played_to_ && std::abs(frame.pts - *played_to_) > std::max<Ticks>(frame.duration * 3 / 4, ticks_per_millisecond))
         ++record_.nTSDiscontinuity;
     played_to_ = frame.pts + frame.duration;
     ++record_.nOutputFrames;
     record_.tLastOutputFrame = clock_.seconds();
-    if (!video) return;
-    record_.nVideoTimeStamp = static_cast<unsigned>(as_timestamp(*video));
-    record_.iAudioVideoTSDiffInMs = milliseconds(frame.pts - *video);
+}
+
+/** While a picture is shown, what is heard is in step with it. */
+void AudioPair::compare(const Waiting& frame, Ticks video, Ticks period)
+{
+    record_.nVideoTimeStamp = static_cast<unsigned>(as_timestamp(video));
+    const Ticks offset = frame.pts - video;
+    record_.iAudioVideoTSDiffInMs = milliseconds(offset > 0 ? std::max<Ticks>(offset - period, 0) : offset);
 }
 
 void AudioPair::restart()
 {
     while (!waiting_.empty())
     {
-        play(waiting_.front(), std::nullopt);
+        play(waiting_.front());
         waiting_.pop_front();
     }
     played_to_.reset();

@@ -32,8 +32,8 @@ public:
      */
     void take(const ElementaryPacket& packet, std::optional<Ticks> stc, const std::function<void(Ticks)>& lead);
 
-    /** Plays what is due. @param video time stamp of the picture that is shown; nothing = none is */
-    void step(std::optional<Ticks> stc, std::optional<Ticks> video);
+    /** Plays what is due. @param video time stamp of the picture that is shown; nothing = none is @param period for how long it is */
+    void step(std::optional<Ticks> stc, std::optional<Ticks> video, Ticks period);
 
     /** The sender's clock has jumped. */
     void restart();
@@ -48,6 +48,7 @@ private:
     {
         Ticks pts;
         Ticks duration;
+        bool in_step; // as it came
     };
 
     /** What a frame is. 0 = not known. */
@@ -58,13 +59,17 @@ private:
         int channels;
     };
 
+    /** Whether frames are found where they begin: in a stream that is joined within one, the first few may be none. */
+    bool is_in_step() const { return stamps_ > 3; }
+
     AudioFormat format_of(std::span<const std::uint8_t> frame) const;
     void begin_stream(SMGR_TDEMUX_COMPRESSION_TYPE compression);
     void parse(const ElementaryPacket& packet);
     void take_frame(std::span<const std::uint8_t> bytes, std::optional<Ticks> pts);
-    void decode(std::span<const std::uint8_t> bytes, Ticks pts, Ticks duration);
+    void decode(std::span<const std::uint8_t> bytes, Ticks pts);
     void queue(Ticks pts, Ticks duration);
-    void play(const Waiting& frame, std::optional<Ticks> video);
+    void play(const Waiting& frame);
+    void compare(const Waiting& frame, Ticks video, Ticks period);
 
     const VirtualClock& clock_;
     SMGR_AUDIO_PAIR_STATS& record_;
@@ -79,7 +84,9 @@ private:
     std::optional<Ticks> expected_;  // PTS of the next frame received
     std::optional<Ticks> played_to_; // end of the last frame played
     std::deque<Waiting> waiting_;
-    bool cut_ = false; // the input ended in the last packet
+    unsigned long stamps_ = 0; // frames with a time stamp so far
+    Ticks moment_ = 0;         // time of the last frame
+    bool cut_ = false;         // the input ended in the last packet
     std::optional<Ticks> stc_;
     const std::function<void(Ticks)>* lead_ = nullptr; // of the call of take that goes on
     RateMeter bits_;

@@ -33,6 +33,7 @@ bool VideoDecoder::prepare(const Picture& picture, SMGR_TDEMUX_COMPRESSION_TYPE 
     decoder_ = new_decoder(compression);
     compression_ = compression;
     pending_.clear();
+    recovered_ = false;
     last_dts_.reset();
     if (decoder_)
     {
@@ -95,14 +96,12 @@ void VideoDecoder::check_order(const Picture& picture)
     last_dts_ = picture.dts;
 }
 
-void VideoDecoder::take(Picture picture, SMGR_TDEMUX_COMPRESSION_TYPE compression, double frame_rate)
+void VideoDecoder::take(Picture picture, SMGR_TDEMUX_COMPRESSION_TYPE compression)
 {
     auto& counters = record_.tCounters;
     ++counters.nNumReceivedFrames;
     counters.tLastReceivedFrame = clock_.seconds();
-    const double signalled = picture.format ? picture.format->frame_rate : 0;
-    const double rate = signalled > 0 ? signalled : frame_rate;
-    if (rate > 0.1 && rate < 1000) period_ = std::lround(static_cast<double>(ticks_per_second) / rate);
+    if (picture.rate > 0.1 && picture.rate < 1000) period_ = std::lround(static_cast<double>(ticks_per_second) / picture.rate);
     check_order(picture);
     describe(picture);
     if (prepare(picture, compression))
@@ -217,7 +216,9 @@ void VideoDecoder::take_frame()
     {
         decoded.pts = pending->second.pts;
         decoded.time_base = pending->second.time_base;
-        damaged = (damaged || pending->second.damaged) && !pending->second.cut;
+        // A stream that is refreshed bit by bit is joined in pictures that lack their references: they are not damaged.
+        recovered_ = recovered_ || !damaged;
+        damaged = ((damaged && recovered_) || pending->second.damaged) && !pending->second.cut;
         const Nanoseconds delay = (clock_.now() - pending->second.taken) / millisecond;
         output_delay_.add(clock_.now(), delay);
         record_.nVDelayOutputMS = static_cast<UINT>(delay);

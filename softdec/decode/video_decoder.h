@@ -34,8 +34,8 @@ public:
 
     VideoDecoder(const VirtualClock& clock, SMGR_VCUDEC_STATS& record, bool live, Output output);
 
-    /** Takes a picture. @param compression of its stream @param frame_rate measured [frames/s]; 0 = not known */
-    void take(Picture picture, SMGR_TDEMUX_COMPRESSION_TYPE compression, double frame_rate);
+    /** Takes a picture. @param compression of its stream */
+    void take(Picture picture, SMGR_TDEMUX_COMPRESSION_TYPE compression);
 
     /** The stream has ended: what waits for its order comes out. */
     void finish();
@@ -76,6 +76,7 @@ private:
     std::int64_t number_ = 0; // of the last picture taken
     std::map<std::int64_t, Pending> pending_;
     Ticks period_ = ticks_per_second / 25;
+    bool recovered_ = false; // a picture has come out whole
     std::optional<Ticks> last_dts_;
     unsigned time_base_ = 0;
     Window output_delay_{10 * second};

@@ -55,6 +55,14 @@ public:
         return {.lost = lost};
     }
 
+    /** Takes a packet without payload, which repeats the counter of the one before it unless it announces another. */
+    void announce(unsigned counter)
+    {
+        last_ = counter;
+        late_.reset();
+        hash_ = 0;
+    }
+
     /** Takes a packet that is of no use, so that it does not count as lost on top. */
     void skip(unsigned counter)
     {

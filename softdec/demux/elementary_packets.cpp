@@ -1,7 +1,17 @@
 #include "demux/transport_demux.h"
 
+#include <utility>
+
 namespace softdec
 {
+
+namespace
+{
+
+/** A packet in which no picture or frame begins has no time stamp; ISO/IEC 13818-1, 2.7.4 asks for one each 0.7 s. */
+constexpr Nanoseconds longest_untimed = 700 * millisecond;
+
+} // namespace
 
 void TransportDemux::take_stream(Followed& followed, std::span<const std::uint8_t> payload, bool start, bool scrambled)
 {
@@ -21,6 +31,16 @@ void TransportDemux::take_stream(Followed& followed, std::span<const std::uint8_
     followed.pcr_at_start = recovery_.last();
     followed.time_base = recovery_.time_bases();
     followed.assembler.take(payload, true);
+}
+
+/** Passes on what has waited for the first PCR. */
+void TransportDemux::take_early()
+{
+    for (auto& [pid, pes] : std::exchange(early_, {}))
+    {
+        const auto found = followed_.find(pid);
+        if (found != followed_.end()) take_pes(*found->second, std::move(pes));
+    }
 }
 
 void TransportDemux::take_pes(Followed& followed, PesPacket pes)
@@ -69,8 +89,9 @@ void TransportDemux::count_timestamps(Followed& followed, const ElementaryPacket
     {
         source.nPTS = record_.tCounters.TimeStamp = as_timestamp(*packet.pts);
         source.nDTS = as_timestamp(*packet.dts);
+        followed.last_timed = clock_.now();
     }
-    else if (timed)
+    else if (timed && (followed.last_timed == 0 || clock_.now() - followed.last_timed > longest_untimed))
     {
         // Without a DTS the PTS is it, so that a packet lacks its DTS when it has neither.
         ++source.tCounters.nNumNoPTSValueFrames;

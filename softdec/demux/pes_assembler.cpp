@@ -86,6 +86,7 @@ void PesAssembler::complete(bool cut)
     if (bytes_.size() < PES_HEADER_SIZE || !pes_validate(bytes_.data())) return;
     PesPacket packet;
     packet.stream_id = pes_get_streamid(bytes_.data());
+    if (packet.stream_id == PES_STREAM_ID_PADDING) return;
     packet.damaged = damaged_;
     packet.cut = cut;
     std::size_t header = PES_HEADER_SIZE;

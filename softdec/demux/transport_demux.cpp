@@ -12,6 +12,9 @@ namespace
 
 constexpr unsigned null_pid = 0x1fff;
 
+/** PES packets that wait for the first PCR at most. */
+constexpr std::size_t most_early = 256;
+
 /** Tables that have not come for this long are gone; TR 101 290 asks for one each half second. */
 constexpr Nanoseconds tables_gone = 2 * second;
 
@@ -83,7 +86,11 @@ void TransportDemux::take(std::span<const std::uint8_t, packet_size> packet)
         announced = ts_get_adaptation(packet.data()) > 0 && tsaf_has_discontinuity(packet.data());
         if (pid == program_.pcr_pid && ts_get_adaptation(packet.data()) >= 7 && tsaf_has_pcr(packet.data())) take_pcr(packet);
     }
-    if (!ts_has_payload(packet.data())) return;
+    if (!ts_has_payload(packet.data()))
+    {
+        if (announced) continuity_[pid].announce(counter);
+        return;
+    }
 
     const auto payload = packet.subspan(header);
     const std::size_t hash = std::hash<std::string_view>()({reinterpret_cast<const char*>(payload.data()), payload.size()});
@@ -111,6 +118,7 @@ void TransportDemux::take_pcr(std::span<const std::uint8_t, packet_size> packet)
 {
     const Pcr pcr = pcr_of(packet.data());
     recovery_.take(pcr, events_.pcr(pcr, arrival_), tsaf_has_discontinuity(packet.data()));
+    take_early();
     record_.nPCR = pcr / 300;
     record_.tLastPCR = clock_.seconds();
     if (recovery_.rollovers() != record_.tCounters.nNumTimestampRollovers)
@@ -150,7 +158,11 @@ void TransportDemux::follow(const Program& program)
         const auto on_packet = [this, pid = stream.pid](PesPacket packet)
         {
             const auto found = followed_.find(pid);
-            if (found != followed_.end() && found->second) take_pes(*found->second, std::move(packet));
+            if (found == followed_.end() || !found->second) return;
+            // The first PCR has a tenth of a second to come.
+            const bool is_early = recovery_.last_taken() == 0 && early_.size() < most_early && clock_.now() - started_ < pcr_gone;
+            if (!is_early) return take_pes(*found->second, std::move(packet));
+            early_.emplace_back(pid, std::move(packet));
         };
         const auto on_mismatch = [this]
         {
@@ -179,6 +191,7 @@ void TransportDemux::finish()
     // What a stream that has ceased before had begun is not completed by the end of the others.
     for (auto& [pid, followed] : followed_)
         if (clock_.now() - followed->last_piece < pcr_gone) followed->assembler.finish(true);
+    take_early();
 }
 
 void TransportDemux::update()
@@ -189,6 +202,7 @@ void TransportDemux::update()
         source.tCounters.nBitsPerSecond = static_cast<unsigned>(std::min(followed->rate.rate(clock_.now()), 4e9));
     }
     const Nanoseconds now = clock_.now();
+    if (!early_.empty() && now - started_ >= pcr_gone) take_early();
     const bool known = last_pat_ != 0 && last_pmt_ != 0 && now - last_pat_ < tables_gone && now - last_pmt_ < tables_gone;
     record_.nProgramNumber = known ? program_.number : 0;
     const bool has_pcr_pid = known && program_.pcr_pid != null_pid;

@@ -68,6 +68,7 @@ private:
         bool before_pcr = false; // the first PCR had not come then
         unsigned time_base = 0;
         Nanoseconds last_piece = 0; // when a piece of it last came
+        Nanoseconds last_timed = 0; // when a packet with a time stamp last came
     };
 
     void take(std::span<const std::uint8_t, packet_size> packet);
@@ -75,6 +76,7 @@ private:
     bool take_tables(unsigned pid, std::span<const std::uint8_t, packet_size> packet);
     void take_stream(Followed& followed, std::span<const std::uint8_t> payload, bool start, bool scrambled);
     void take_pes(Followed& followed, PesPacket packet);
+    void take_early();
     void count_timestamps(Followed& followed, const ElementaryPacket& packet);
     void follow(const Program& program);
     void drop(unsigned pid);
@@ -90,6 +92,7 @@ private:
     std::optional<Nanoseconds> arrival_;
     std::array<Continuity, 8192> continuity_;
     std::map<unsigned, std::unique_ptr<Followed>> followed_; // by PID
+    std::vector<std::pair<unsigned, PesPacket>> early_;      // by PID, from before the first PCR
     std::vector<std::unique_ptr<Followed>> given_up_;        // a change of the program comes from within one
     Program program_;
     std::uint64_t packets_ = 0;

@@ -1,3 +1,6 @@
+#include <vector>
+
+#include "clock/line_fit.h"
 #include "framer/video_framer.h"
 
 namespace softdec
@@ -81,15 +84,34 @@ void VideoFramer::take_dynamic_range(const VideoFormat& format, const PictureMet
     properties.enHDRType = properties.enHDRTypeInStream; // the output follows the stream
 }
 
+/** Not each picture need have a time: the others are counted. */
 void VideoFramer::measure_rate(Ticks dts)
 {
-    if (!dts_.empty() && (dts <= dts_.back() || dts - dts_.back() > rate_window)) dts_.clear();
-    dts_.push_back(dts);
-    while (dts_.back() - dts_.front() > rate_window) dts_.pop_front();
-    if (dts_.size() < 2) return;
-    const double rate = static_cast<double>(dts_.size() - 1) * ticks_per_second / static_cast<double>(dts_.back() - dts_.front());
+    if (!timed_.empty() && (dts <= timed_.back().dts || dts - timed_.back().dts > rate_window)) timed_.clear();
+    timed_.push_back({.dts = dts, .number = record_.tCounters.nNumOutputFrames});
+    while (timed_.back().dts - timed_.front().dts > rate_window) timed_.pop_front();
+    if (timed_.size() < 2) return;
+    const auto pictures = static_cast<double>(timed_.back().number - timed_.front().number);
+    const double rate = pictures * ticks_per_second / static_cast<double>(timed_.back().dts - timed_.front().dts);
     record_.tCounters.fInputFrameRate = static_cast<float>(rate);
     if (!record_.tCurrentProperties.bFrameRateFoundInStream) record_.tCurrentProperties.fFrameRate = static_cast<float>(rate);
+}
+
+/** The rate that is signalled, but for one that is too high: some count fields or ticks. */
+double VideoFramer::rate_of(const VideoFormat& format) const
+{
+    const double measured = record_.tCounters.fInputFrameRate;
+    const double signalled = format.frame_rate;
+    constexpr double too_high = 1.6; // films are shown for two and three fields in turn
+    if (signalled <= 0 || signalled > 1000) return measured;
+    if (timed_.size() < 8 || signalled < too_high * measured) return signalled;
+    // Pictures that are missing are no lower rate.
+    std::vector<double> periods;
+    for (std::size_t i = 1; i < timed_.size(); ++i)
+        periods.push_back(static_cast<double>(timed_[i].dts - timed_[i - 1].dts) /
+                          static_cast<double>(timed_[i].number - timed_[i - 1].number));
+    const double usual = ticks_per_second / median(periods);
+    return signalled < too_high * usual ? signalled : usual;
 }
 
 } // namespace softdec

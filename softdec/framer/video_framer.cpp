@@ -1,6 +1,7 @@
 #include "framer/video_framer.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace softdec
 {
@@ -13,6 +14,12 @@ constexpr std::size_t largest_picture = 32U << 20;
 
 /** A picture whose end the next one has not shown for this long is whole; fewer than four pictures a second are none to show. */
 constexpr Nanoseconds longest_wait = 250 * millisecond;
+
+bool has_first_bit(const NalUnit& unit, bool h265)
+{
+    const std::size_t header = h265 ? 2 : 1;
+    return unit.bytes.size() > header && (unit.bytes[header] & 0x80) != 0;
+}
 
 } // namespace
 
@@ -56,10 +63,14 @@ void VideoFramer::begin_stream(const ElementaryPacket& packet)
     sets_ = {};
     format_.reset();
     sequence_.reset();
+    joiner_.forget();
+    now_ = held_ = {};
+    unaligned_ = false;
     picture_ = {};
     has_slices_ = started_ = false;
+    first_to_show_.reset();
     first_slice_.reset();
-    dts_.clear();
+    timed_.clear();
     if (supported_)
     {
         record_.enState = SMGR_VFRAMER_STATE_ACTIVE;
@@ -91,54 +102,80 @@ void VideoFramer::take(ElementaryPacket packet)
     }
 
     last_piece_ = clock_.now();
-    pts_taken_ = false;
-    std::optional<std::size_t> cut; // where the picture that goes on begins in the packet
-    bool any = false;
-    const bool continues = picture_.pieces != 0;
-    find_nal_units(packet.data, h265_,
-                   [&](const NalUnit& unit)
-                   {
-                       any = true;
-                       take_unit(unit, packet, cut);
-                   });
-    if (!any)
+    now_ = {.pts = packet.pts, .dts = packet.dts, .time_base = packet.time_base, .damaged = packet.damaged};
+    const auto piece = joiner_.take(std::move(packet.data), h265_);
+    const bool has_begin = piece.end < piece.bytes.size() || (!piece.units.empty() && piece.units.back().begin >= piece.joint);
+    // A picture begins in a packet with a time; one without may hold a piece of a large one.
+    if (!has_begin && (now_.pts || picture_.pieces == 0))
     {
         ++counters.nNumNoNALsInFrame;
         counters.tLastNoNALsInFrame = clock_.seconds();
     }
-    if (!cut && continues) ++picture_.pieces;
-    picture_.data.insert(picture_.data.end(), packet.data.begin() + static_cast<std::ptrdiff_t>(cut.value_or(0)), packet.data.end());
-    if (packet.damaged) picture_.damaged = true;
+    take_piece(piece);
+    if (piece.end >= piece.joint) held_ = now_;
     picture_.cut = packet.cut;
     if (picture_.data.size() > largest_picture) complete();
 }
 
-void VideoFramer::take_unit(const NalUnit& unit, const ElementaryPacket& packet, std::optional<std::size_t>& cut)
+void VideoFramer::take_piece(const UnitJoiner::Piece& piece)
 {
-    count_unit(unit);
-    std::optional<Slice> slice;
-    if (unit.kind == NalKind::slice)
+    std::size_t from = 0; // what the picture that goes on has not got yet
+    const auto append = [this, &piece, &from](std::size_t to)
     {
-        slice = parse_slice(unit, h265_, sets_);
-        // Slices that come before their parameter sets are not wrong: the stream was joined between them.
-        if (!slice && started_)
+        const auto begin = piece.bytes.begin();
+        picture_.data.insert(picture_.data.end(), begin + static_cast<std::ptrdiff_t>(from), begin + static_cast<std::ptrdiff_t>(to));
+        from = to;
+    };
+    bool joined = false; // the last packet is among those that the picture came in
+    const auto join = [this, &joined]
+    {
+        if (joined || picture_.pieces == 0) return;
+        joined = true;
+        ++picture_.pieces;
+        if (now_.damaged) picture_.damaged = true;
+    };
+    for (const NalUnit& unit : piece.units)
+    {
+        const bool is_held = unit.begin < piece.joint;
+        if (unit.begin > piece.joint) join();
+        count_unit(unit);
+        const auto slice = slice_of(unit);
+        if (begins_picture(unit, slice))
         {
-            ++record_.tCounters.nNumSHErrors;
-            record_.tCounters.tLastSHError = clock_.seconds();
+            append(unit.begin);
+            complete();
         }
+        if (picture_.pieces == 0)
+        {
+            begin_picture(is_held ? held_ : now_);
+            joined = !is_held;
+        }
+        else if (!is_held)
+        {
+            join();
+        }
+        if (unit.kind == NalKind::slice) add_slice(slice);
+        take_parameters(unit);
     }
-    if (begins_picture(unit, slice))
+    if (piece.end > piece.joint)
     {
-        picture_.data.insert(picture_.data.end(), packet.data.begin() + static_cast<std::ptrdiff_t>(cut.value_or(0)),
-                             packet.data.begin() + static_cast<std::ptrdiff_t>(unit.begin));
-        // What came before in this packet, or its damage, may be of the picture that ends.
-        if (packet.damaged && unit.begin != 0) picture_.damaged = true;
-        cut = unit.begin;
-        complete();
+        unaligned_ = unaligned_ || (picture_.pieces != 0 && (piece.units.empty() || piece.units.front().begin > piece.joint));
+        join();
     }
-    if (picture_.pieces == 0) begin_picture(packet, !pts_taken_);
-    if (unit.kind == NalKind::slice) add_slice(slice);
-    take_parameters(unit);
+    append(piece.end);
+}
+
+std::optional<Slice> VideoFramer::slice_of(const NalUnit& unit)
+{
+    if (unit.kind != NalKind::slice) return std::nullopt;
+    auto slice = parse_slice(unit, h265_, sets_);
+    // Slices that come before their parameter sets are not wrong: the stream was joined between them.
+    if (!slice && started_)
+    {
+        ++record_.tCounters.nNumSHErrors;
+        record_.tCounters.tLastSHError = clock_.seconds();
+    }
+    return slice;
 }
 
 /** A picture begins with the first unit behind the last slice of another that may not follow slices, or with a first slice. */
@@ -155,8 +192,8 @@ bool VideoFramer::begins_picture(const NalUnit& unit, const std::optional<Slice>
         if (h265_ && unit.type == 40) return false;
         break;
     case NalKind::slice:
-        if (slice && !slice->first) return false;
-        if (!slice) return false;
+        // The first bit tells of one whose parameter sets are not known too: the first macroblock's address, or the flag of H.265.
+        if (slice ? !slice->first : !has_first_bit(unit, h265_)) return false;
         break;
     default: return false;
     }
@@ -166,16 +203,15 @@ bool VideoFramer::begins_picture(const NalUnit& unit, const std::optional<Slice>
     return !second_field;
 }
 
-void VideoFramer::begin_picture(const ElementaryPacket& packet, bool at_start)
+/** The time stamps of a packet are those of the first picture that begins in it. */
+void VideoFramer::begin_picture(Origin& origin)
 {
     picture_.pieces = 1;
     picture_.received = clock_.now();
-    picture_.time_base = packet.time_base;
-    picture_.damaged = packet.damaged;
-    if (!at_start) return; // the packet's time stamps are those of the first picture that begins in it
-    picture_.pts = packet.pts;
-    picture_.dts = packet.dts;
-    pts_taken_ = true;
+    picture_.time_base = origin.time_base;
+    picture_.damaged = origin.damaged;
+    picture_.pts = std::exchange(origin.pts, std::nullopt);
+    picture_.dts = std::exchange(origin.dts, std::nullopt);
 }
 
 void VideoFramer::add_slice(const std::optional<Slice>& slice)
@@ -204,12 +240,9 @@ void VideoFramer::complete()
     first_slice_.reset();
     if (!whole) return;
 
-    // Where decoding may begin without everything before: at a recovery point, or at an I picture of a stream that has none.
-    if (picture.metadata.recovery_point && picture.type == PictureType::i) picture.key = true;
-    auto& counters = record_.tCounters;
-    started_ = started_ || picture.key;
-    if (!started_)
+    if (!is_decodable(picture))
     {
+        auto& counters = record_.tCounters;
         ++counters.nNumOutputFramesDropped;
         counters.tLastOutputFrameDropped = clock_.seconds();
         counters.nNumOutputBytesDropped += picture.data.size();
@@ -217,16 +250,39 @@ void VideoFramer::complete()
     }
     if (picture.format) take_format(*picture.format);
     count_picture(picture);
+    picture.rate = picture.format ? rate_of(*picture.format) : record_.tCounters.fInputFrameRate;
     output_(std::move(picture));
+}
+
+/** Whether decoding has begun, or may begin here without everything before. */
+bool VideoFramer::is_decodable(Picture& picture)
+{
+    const bool is_instantaneous = picture.key;
+    if (picture.metadata.recovery_point && picture.type == PictureType::i) picture.key = true;
+    // A stream that is refreshed bit by bit has no key pictures but the first.
+    if (!started_ && (picture.key || picture.metadata.recovery_point))
+    {
+        started_ = true;
+        // What is shown before the first picture may need others that were sent before it. Decoders of H.265 know which do.
+        if (!h265_ && !is_instantaneous) first_to_show_ = picture.pts;
+    }
+    if (!started_) return false;
+    if (!first_to_show_ || !picture.pts || *picture.pts == *first_to_show_) return true;
+    if (*picture.pts < *first_to_show_) return false;
+    first_to_show_.reset();
+    return true;
 }
 
 void VideoFramer::step()
 {
-    if (has_slices_ && clock_.now() - last_piece_ > longest_wait) complete();
+    if (unaligned_ || clock_.now() - last_piece_ <= longest_wait) return;
+    take_piece(joiner_.rest(h265_));
+    if (has_slices_) complete();
 }
 
 void VideoFramer::finish()
 {
+    take_piece(joiner_.rest(h265_));
     complete();
 }
 

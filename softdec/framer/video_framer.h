@@ -13,6 +13,7 @@
 #include "demux/elementary_packet.h"
 #include "framer/picture.h"
 #include "framer/slice.h"
+#include "framer/unit_joiner.h"
 #include "sessmgr_types.h"
 
 namespace softdec
@@ -42,21 +43,33 @@ public:
     void update();
 
 private:
+    /** What a packet says of the first picture that begins in it. */
+    struct Origin
+    {
+        std::optional<Ticks> pts;
+        std::optional<Ticks> dts;
+        unsigned time_base = 0;
+        bool damaged = false;
+    };
+
     void begin_stream(const ElementaryPacket& packet);
     void forget_properties();
-    void take_unit(const NalUnit& unit, const ElementaryPacket& packet, std::optional<std::size_t>& cut);
+    void take_piece(const UnitJoiner::Piece& piece);
+    std::optional<Slice> slice_of(const NalUnit& unit);
     void take_parameters(const NalUnit& unit);
     bool begins_picture(const NalUnit& unit, const std::optional<Slice>& slice) const;
-    void begin_picture(const ElementaryPacket& packet, bool at_start);
+    void begin_picture(Origin& origin);
     void add_slice(const std::optional<Slice>& slice);
     void count_unit(const NalUnit& unit);
     void complete();
+    bool is_decodable(Picture& picture);
     void count_picture(const Picture& picture);
     void count_structure(const Picture& picture);
     void count_metadata(const PictureMetadata& metadata);
     void take_format(const VideoFormat& format);
     void take_dynamic_range(const VideoFormat& format, const PictureMetadata& metadata);
     void measure_rate(Ticks dts);
+    double rate_of(const VideoFormat& format) const;
 
     const VirtualClock& clock_;
     SMGR_VFRAMER_STATS& record_;
@@ -68,15 +81,25 @@ private:
     std::optional<VideoFormat> format_;
     std::optional<SequenceParameters> sequence_;
 
-    Picture picture_; // that goes on
+    UnitJoiner joiner_;
+    Origin now_;             // the last packet
+    Origin held_;            // that in which what the joiner holds back begins
+    bool unaligned_ = false; // pictures go on from one packet to the next
+    Picture picture_;        // that goes on
     bool has_slices_ = false;
     Nanoseconds last_piece_ = 0; // when the last packet came
     std::optional<Slice> first_slice_;
-    bool pts_taken_ = false; // the time stamps of the packet that goes on belong to a picture already
-    bool started_ = false;   // a key picture has come
+    bool started_ = false;               // decoding has begun
+    std::optional<Ticks> first_to_show_; // what is shown before the picture that decoding began with cannot be decoded
     unsigned pictures_since_key_ = 0;
     unsigned b_in_a_row_ = 0;
-    std::deque<Ticks> dts_; // of the last seconds
+    /** A picture with a time. */
+    struct Timed
+    {
+        Ticks dts;
+        std::uint64_t number; // of pictures so far
+    };
+    std::deque<Timed> timed_; // of the last seconds
     RateMeter bits_;
 };
 

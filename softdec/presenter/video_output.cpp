@@ -11,6 +11,12 @@ namespace
 /** A picture whose time is further away has a time stamp of another clock and cannot be shown. */
 constexpr Ticks furthest = 11 * ticks_per_second;
 
+/** Not each picture need have a time stamp; ISO/IEC 13818-1, 2.7.4 asks for one each 0.7 s. */
+constexpr Ticks longest_unstamped = ticks_per_second * 7 / 10;
+
+/** Pictures that wait for the first time stamp. More have missed theirs. */
+constexpr unsigned most_untimed = 60;
+
 } // namespace
 
 void VideoOutput::take(std::optional<Ticks> pts, Ticks period, std::optional<Ticks> stc)
@@ -19,12 +25,9 @@ void VideoOutput::take(std::optional<Ticks> pts, Ticks period, std::optional<Tic
     ++counters.nNumFramesSentToDisplay;
     counters.tLastFrameSentToDisplay = clock_.seconds();
     period_ = period;
-    if (!pts)
-    {
-        ++counters.nOutputTimestampsMissing;
-        counters.tLastOutputTimestampMissing = clock_.seconds();
-        pts = shown_ ? next_ : stc.value_or(0);
-    }
+    const auto time = time_of(pts);
+    if (!time) return;
+    pts = time;
     if (!stc) return show(*pts);
 
     const Ticks lead = *pts - *stc;
@@ -61,6 +64,29 @@ void VideoOutput::take(std::optional<Ticks> pts, Ticks period, std::optional<Tic
     waiting_.insert(*pts);
 }
 
+/** The time of a picture by its stamp, or by those around it. @return nothing = it is known when the next one is */
+std::optional<Ticks> VideoOutput::time_of(std::optional<Ticks> pts)
+{
+    if (!pts && !taken_ && untimed_ < most_untimed)
+    {
+        ++untimed_;
+        return std::nullopt;
+    }
+    const Ticks time = pts.value_or(taken_.value_or(0) + period_);
+    if (pts)
+    {
+        for (; untimed_ > 0; --untimed_) waiting_.insert(time - static_cast<Ticks>(untimed_) * period_);
+        stamped_ = time;
+    }
+    else if (!taken_ || time - stamped_ > longest_unstamped)
+    {
+        ++record_.tCounters.nOutputTimestampsMissing;
+        record_.tCounters.tLastOutputTimestampMissing = clock_.seconds();
+    }
+    taken_ = time;
+    return time;
+}
+
 void VideoOutput::step(std::optional<Ticks> stc)
 {
     if (!stc) return;
@@ -70,7 +96,7 @@ void VideoOutput::step(std::optional<Ticks> stc)
         waiting_.erase(waiting_.begin());
         // The time between the one shown and this one was filled with the one shown, a period at a time. The last pictures of a
         // stream that is cut off lack some between them, which is no fault of an output.
-        while (!ended_ && shown_ && next_ + period_ / 2 < pts) replay();
+        while (!ended_ && shown_ && next_ + patience() < pts) replay();
         // One whose successor is due as well has missed its turn.
         const bool missed = !waiting_.empty() && *waiting_.begin() <= *stc && *stc - *waiting_.begin() > period_;
         if (missed && shown_ && *stc - pts > 2 * period_)
@@ -79,17 +105,30 @@ void VideoOutput::step(std::optional<Ticks> stc)
             show(pts);
     }
     if (ended_) return;
-    while (shown_ && next_ + period_ / 2 <= *stc && (waiting_.empty() || next_ + period_ / 2 < *waiting_.begin())) replay();
+    while (shown_ && next_ + patience() <= *stc && (waiting_.empty() || next_ + patience() < *waiting_.begin())) replay();
+}
+
+void VideoOutput::show_untimed()
+{
+    for (; untimed_ > 0; --untimed_) show(taken_.value_or(0));
+}
+
+void VideoOutput::end()
+{
+    show_untimed();
+    ended_ = true;
 }
 
 void VideoOutput::restart()
 {
+    show_untimed();
     while (!waiting_.empty())
     {
         show(*waiting_.begin());
         waiting_.erase(waiting_.begin());
     }
     shown_.reset();
+    taken_.reset();
     next_ = 0;
 }
 

@@ -21,7 +21,7 @@ public:
 
     /**
      * Takes a decoded picture.
-     * @param pts    its time; nothing = it has none
+     * @param pts    its time; nothing = it has none, and follows on the one before
      * @param period of the pictures [90 kHz ticks]
      * @param stc    now; nothing = the clock is not known, so that the picture is shown at once
      */
@@ -34,17 +34,25 @@ public:
     void restart();
 
     /** The stream has ended: what has been shown is not shown again in place of what does not come. */
-    void end() { ended_ = true; }
+    void end();
 
     bool empty() const { return waiting_.empty(); }
 
-    /** PTS of the picture that is shown. */
-    std::optional<Ticks> shown() const { return shown_; }
+    /** PTS of the picture that is shown; nothing = none is, or the stream has ended. */
+    std::optional<Ticks> shown() const { return ended_ ? std::nullopt : shown_; }
+
+    /** How long a picture is shown [90 kHz ticks]. */
+    Ticks period() const { return period_; }
 
     /** When a picture was last skipped or shown again [epoch s]; 0 = never. */
     std::time_t last_irregular() const { return last_irregular_; }
 
 private:
+    /** As much later the next picture may come without the one shown being shown again: films are shown for two and three fields in turn. */
+    Ticks patience() const { return period_ * 3 / 4; }
+
+    std::optional<Ticks> time_of(std::optional<Ticks> pts);
+    void show_untimed();
     void show(Ticks pts);
     void skip();
     void replay();
@@ -53,7 +61,10 @@ private:
     SMGR_VCUDEC_STATS& record_;
     std::multiset<Ticks> waiting_;
     std::optional<Ticks> shown_;
-    Ticks next_ = 0; // when the picture after the one shown is due
+    Ticks next_ = 0;             // when the picture after the one shown is due
+    std::optional<Ticks> taken_; // time of the last picture taken
+    Ticks stamped_ = 0;          // and of the last one that had a time of its own
+    unsigned untimed_ = 0;       // pictures that came before the first time
     Ticks period_ = ticks_per_second / 25;
     bool ended_ = false;
     std::time_t last_irregular_ = 0;

@@ -61,13 +61,25 @@ std::vector<Arrival> datagrams(const Bytes& stream)
     constexpr std::size_t packets_each = 7;
     // Each packet's time, between the PCRs around it.
     const auto clocks = find_packets(stream, [](const std::uint8_t* packet) { return pcr_of(packet).has_value(); });
+    // Without their wrap-around.
+    std::vector<double> values;
+    double base = 0;
+    std::uint64_t last = 0;
+    for (const std::size_t clock : clocks)
+    {
+        const std::uint64_t pcr = *pcr_of(&stream[clock * ts_size]);
+        constexpr std::uint64_t range = static_cast<std::uint64_t>(softdec::timestamp_range) * 300;
+        if (pcr + range / 2 < last) base += static_cast<double>(range);
+        values.push_back(base + static_cast<double>(pcr));
+        last = pcr;
+    }
+    std::size_t next = 1;
     const auto moment_of = [&](std::size_t packet)
     {
-        std::size_t next = 1;
         while (next + 1 < clocks.size() && clocks[next] < packet) ++next;
-        const auto before = static_cast<double>(*pcr_of(&stream[clocks[next - 1] * ts_size]));
-        const auto after = static_cast<double>(*pcr_of(&stream[clocks[next] * ts_size]));
-        const auto first = static_cast<double>(*pcr_of(&stream[clocks[0] * ts_size]));
+        const double before = values[next - 1];
+        const double after = values[next];
+        const double first = values[0];
         const double share =
             (static_cast<double>(packet) - static_cast<double>(clocks[next - 1])) / static_cast<double>(clocks[next] - clocks[next - 1]);
         return beginning + static_cast<softdec::Nanoseconds>((before - first + share * (after - before)) * 1000 / 27);
