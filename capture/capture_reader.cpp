@@ -86,25 +86,12 @@ void Reader::rewind()
 
 void Reader::update_index()
 {
-    using Part = FrameReader::Part;
-    const auto is_change = [](const Part& part) { return part.kind == Part::Kind::frame && part.type == FrameType::change; };
     const std::uint64_t offset = frames_.offset();
     frames_.seek(indexed_);
-    Part before;
-    while (true)
+    for (FrameReader::Part part = frames_.next(FrameReader::Check::index); part.kind != FrameReader::Part::Kind::end;
+         part = frames_.next(FrameReader::Check::index))
     {
-        const Part part = frames_.next(FrameReader::Check::index);
-        if (is_change(before) && !(is_change(part) && SnapshotDecoder::base_of(part.payload) == before.crc))
-        {
-            // Nobody vouches for the change before. What looks like a long one may be many frames, so its own CRC decides.
-            frames_.seek(before.offset);
-            frames_.next();
-            before = {};
-            continue;
-        }
-        before = part;
-        if (part.kind == Part::Kind::end) break;
-        if (part.kind != Part::Kind::frame) continue;
+        if (part.kind != FrameReader::Part::Kind::frame) continue;
         if (part.type == FrameType::layout) layouts_.try_emplace(crc_of(part.payload), part.offset);
         if (part.type != FrameType::whole) continue;
         if (const auto moment = SnapshotDecoder::moment_of(part.payload)) index_.push_back({part.offset, *moment});

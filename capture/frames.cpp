@@ -19,17 +19,26 @@ namespace
 constexpr std::size_t buffer_size = std::size_t{256} * 1024;
 static_assert(longest_payload >= buffer_size);
 
-/** What each value of a byte adds to the CRC-32 of ISO/IEC 3309, whose polynomial is 0x04C11DB7, here with its bits reversed. */
-consteval std::array<std::uint32_t, 256> crc_table()
+/**
+ * What each value of a byte adds to the CRC-32 of ISO/IEC 3309, whose polynomial is 0x04C11DB7, here with its bits reversed: of the
+ * last byte, of the one before it, and so on.
+ */
+consteval std::array<std::array<std::uint32_t, 256>, 8> crc_tables()
 {
-    std::array<std::uint32_t, 256> table = {};
-    for (std::uint32_t i = 0; i < table.size(); ++i)
+    std::array<std::array<std::uint32_t, 256>, 8> tables = {};
+    for (std::uint32_t i = 0; i < 256; ++i)
     {
         std::uint32_t crc = i;
         for (int bit = 0; bit < 8; ++bit) crc = crc >> 1 ^ ((crc & 1) != 0 ? 0xEDB88320U : 0);
-        table[i] = crc;
+        tables[0][i] = crc;
     }
-    return table;
+    for (std::size_t before = 1; before < tables.size(); ++before)
+        for (std::size_t i = 0; i < 256; ++i)
+        {
+            const std::uint32_t crc = tables[before - 1][i];
+            tables[before][i] = crc >> 8 ^ tables[0][crc & 0xFF];
+        }
+    return tables;
 }
 
 std::uint32_t word_in(std::span<const std::byte> bytes, std::size_t offset)
@@ -54,9 +63,18 @@ std::uint32_t frame_crc(std::uint32_t word, std::span<const std::byte> payload)
 std::uint32_t crc_of(std::span<const std::byte> bytes, std::uint32_t before)
 {
     // Not a library's: the tool needs libc alone, on every processor that it is built for.
-    static constexpr std::array<std::uint32_t, 256> table = crc_table();
+    static constexpr auto tables = crc_tables();
     std::uint32_t crc = ~before;
-    for (const std::byte byte : bytes) crc = crc >> 8 ^ table[(crc ^ std::to_integer<std::uint32_t>(byte)) & 0xFF];
+    // Eight bytes at a time take a fifth of the time: finding a moment of a day checks megabytes.
+    for (; bytes.size() >= 8; bytes = bytes.subspan(8))
+    {
+        std::uint64_t word = 0;
+        std::memcpy(&word, bytes.data(), sizeof word);
+        word ^= crc;
+        crc = tables[7][word & 0xFF] ^ tables[6][word >> 8 & 0xFF] ^ tables[5][word >> 16 & 0xFF] ^ tables[4][word >> 24 & 0xFF] ^
+              tables[3][word >> 32 & 0xFF] ^ tables[2][word >> 40 & 0xFF] ^ tables[1][word >> 48 & 0xFF] ^ tables[0][word >> 56];
+    }
+    for (const std::byte byte : bytes) crc = crc >> 8 ^ tables[0][(crc ^ std::to_integer<std::uint32_t>(byte)) & 0xFF];
     return ~crc;
 }
 
@@ -159,6 +177,17 @@ std::span<const std::byte> FrameReader::frame_at(std::uint64_t offset)
     return frame;
 }
 
+/** Whether a change begins there that is told from the snapshot whose frame has this CRC. The buffer stays where it is. */
+bool FrameReader::is_change_from(std::uint64_t offset, std::uint32_t base) const
+{
+    std::array<std::byte, frame_head + sizeof base> bytes = {};
+    if (offset + bytes.size() <= buffer_offset_ + buffered_)
+        std::memcpy(bytes.data(), buffer_.data() + (offset - buffer_offset_), bytes.size());
+    else if (read(offset, bytes) != bytes.size())
+        return false;
+    return static_cast<FrameType>(word_in(bytes, 0) >> 24) == FrameType::change && word_in(bytes, frame_head) == base;
+}
+
 /** The first whole frame that begins behind an offset and before another. @return its offset, or the end where there is none */
 std::uint64_t FrameReader::find_frame(std::uint64_t offset, std::uint64_t end)
 {
@@ -215,7 +244,8 @@ FrameReader::Part FrameReader::next(Check check)
                  .payload = frame.subspan(frame_head, frame.size() - frame_overhead),
                  .bytes = frame};
     offset_ += frame.size();
-    if (check == Check::index && part.type == FrameType::change) return part;
+    // That spares most of a day. What no change names may be many frames with equal words around them.
+    if (check == Check::index && part.type == FrameType::change && is_change_from(offset_, part.crc)) return part;
     if (frame_crc(word, part.payload) == part.crc) return part;
 
     // Frames are alike: where bytes are missing, the second word may be that of another frame, and whole ones stand in between.

@@ -45,7 +45,7 @@ public:
     enum class Check
     {
         all,
-        index, /**< the CRCs of change frames are taken for right */
+        index, /**< the CRC of a change frame is taken for right where the change behind names it as its base */
     };
 
     /** What the file holds next. */
@@ -101,6 +101,7 @@ private:
     std::span<const std::byte> load(std::uint64_t offset, std::size_t size);
     std::size_t read(std::uint64_t offset, std::span<std::byte> bytes) const;
     std::span<const std::byte> frame_at(std::uint64_t offset);
+    bool is_change_from(std::uint64_t offset, std::uint32_t base) const;
     std::size_t supposed_frame(std::uint64_t offset);
     std::uint64_t find_frame(std::uint64_t offset, std::uint64_t end);
     Part search(std::uint64_t offset);

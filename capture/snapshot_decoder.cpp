@@ -29,13 +29,6 @@ std::optional<std::int64_t> SnapshotDecoder::moment_of(std::span<const std::byte
     return in.ok() ? std::optional(moment) : std::nullopt;
 }
 
-std::optional<std::uint32_t> SnapshotDecoder::base_of(std::span<const std::byte> payload)
-{
-    Input in(payload);
-    const auto base = in.get<std::uint32_t>();
-    return in.ok() ? std::optional(base) : std::nullopt;
-}
-
 std::vector<std::uint32_t> SnapshotDecoder::layouts() const
 {
     std::vector<std::uint32_t> ids;

@@ -56,9 +56,6 @@ public:
     /** The moment of a whole snapshot. @return nothing if the payload is too short for one */
     static std::optional<std::int64_t> moment_of(std::span<const std::byte> payload);
 
-    /** The CRC of the snapshot before a change. @return nothing if the payload is too short for one */
-    static std::optional<std::uint32_t> base_of(std::span<const std::byte> payload);
-
 private:
     /** A component whose record the snapshots have. */
     struct Part

@@ -176,7 +176,7 @@ void ValueCodec::encode(std::span<const std::byte> image, bool whole, Output& ou
             out.put_bytes(bytes.first(length));
         }
     }
-    std::ranges::copy(image, last_image_.begin());
+    std::copy(image.begin(), image.end(), last_image_.begin()); // not std::ranges::copy, which libstdc++ 12 makes byte by byte of this
 }
 
 bool ValueCodec::decode(Input& in, bool whole, std::span<std::byte> image)
