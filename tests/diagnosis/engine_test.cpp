@@ -117,9 +117,48 @@ TEST(Samples, AHostThatHangsIsNotTakenForASilentNetwork)
         simulation.inject("host-hung");
         simulation.advance(20s);
         const auto [before, now] = pair_of(simulation, window);
-        const auto found = ids(diagnosis::diagnose(before, now));
+        const Result result = diagnosis::diagnose(before, now);
+        const auto found = ids(result);
+        EXPECT_EQ(result.verdict.state, window < 3s ? StageState::unknown : StageState::stopped) << window.count() << " s";
         EXPECT_EQ(found, window < 3s ? std::vector<std::string>() : std::vector<std::string>{"host.hung"}) << window.count() << " s";
     }
+}
+
+TEST(Samples, ANetworkThatHasJustFallenSilentIsNotOneThatWaits)
+{
+    Simulation simulation("live-srt-1080i", 1, start);
+    Diagnosis diagnosis({.window = 1});
+    simulation.inject("network-silent", 10s);
+    std::set<StageState> seen;
+    for (int i = 0; i < 30; ++i)
+    {
+        diagnosis.take(snapshot_of(simulation));
+        seen.insert(diagnosis.result().verdict.state);
+        simulation.advance(1s);
+    }
+    EXPECT_EQ(seen, (std::set{StageState::working, StageState::stopped, StageState::unknown}));
+}
+
+TEST(Samples, NoFaultBeginsWithTheFindingOfAnother)
+{
+    // In windows as short as the server's, and in those that operators ask for.
+    for (const double length : {1.0, 2.0, 3.0, 5.0})
+        for (const char* fault : {"network-silent", "network-no-answer", "video-missing", "audio-missing", "ts-stopped",
+                                  "buffering-stalled", "srt-wrong-key", "decoder-stalled", "host-hung"})
+            for (const auto offset : {0ms, 300ms, 700ms, 1200ms, 1900ms, 2500ms, 3300ms, 4600ms})
+            {
+                Simulation simulation("live-srt-1080i", static_cast<std::uint64_t>(offset.count()) + 5, start);
+                Diagnosis diagnosis({.window = length});
+                simulation.inject(fault, 20s + offset);
+                std::set<std::string> found;
+                for (int i = 0; i < 60; ++i)
+                {
+                    if (diagnosis.take(snapshot_of(simulation)) && !diagnosis.result().findings.empty())
+                        found.insert(std::string(diagnosis.result().findings.front().rule->id));
+                    simulation.advance(1s);
+                }
+                EXPECT_LE(found.size(), 1U) << fault << " in windows of " << length << " s: " << testing::PrintToString(found);
+            }
 }
 
 TEST(Samples, ResolvingStopsAtTheNetwork)

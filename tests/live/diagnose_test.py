@@ -39,6 +39,11 @@ class Diagnose(LiveTest):
         host = self.simulate()
         host.send_signal(signal.SIGSTOP)
         self.addCleanup(host.send_signal, signal.SIGCONT)
+        # A short window alone cannot tell why nothing moves; the heartbeat that is missing then does, in one line.
+        self.assertTrue(self.run_tool("diagnose", "alpha", "--window", "1500ms", status=3)[0].startswith("Cannot tell yet\n"))
+        self.until(lambda: "hung" in self.run_tool("list")[0], 20)
+        verdict, problem = self.run_tool("diagnose", "alpha", "--window", "1500ms", status=2)
+        self.assertEqual((verdict, problem.count("\n"), problem.count("hung: no heartbeat")), ("", 1, 1))
         result = self.diagnose("alpha", "--window", "4s", status=2)
         self.assertEqual(self.ids(result), ["host.hung"])
         self.assertEqual({stage["state"] for stage in result["stages"]}, {"unknown"})

@@ -86,18 +86,21 @@ int diagnose_live(const Options& options)
     const auto series = sources::open_series(options.source);
     diagnosis::Diagnosis diagnosis({.window = options.window_seconds()});
     records::Snapshot snapshot;
-    std::string problem;
+    std::string state;
     for (int looks = 0; looks < 2 || (looks < 3 && diagnosis.result().verdict.doubt == diagnosis::Doubt::onset); ++looks)
     {
         if (looks > 0) std::this_thread::sleep_for(options.window);
         std::optional<sources::Sight> sight = series->next(options.window);
-        if (sight && !sight->problem.empty() && std::exchange(problem, sight->problem) != sight->problem) files::warn(problem);
+        if (sight && std::exchange(state, sight->state) != sight->state && !sight->problem.empty()) files::warn(sight->problem);
         // Of a host that has ended there is nothing more to come, whatever its last records say.
         if (sight && sight->state == published::state_name(published::State::stale)) return critical;
         if (!sight || !sight->snapshot) fail("there are no records to look at");
         snapshot = std::move(*sight->snapshot);
         diagnosis.take(snapshot);
     }
+    // That it hangs is said already. What its old records look like within a window too short to see that says nothing.
+    const bool hangs = state == published::state_name(published::State::hung);
+    if (hangs && diagnosis::exit_status(diagnosis.result()) != critical) return critical;
     return print(options, diagnosis.result(), snapshot);
 }
 

@@ -128,8 +128,11 @@ const Rules& output_rules()
             .stage = Stage::output,
             .severity = Severity::warning,
             .title = "The output shows frames again",
-            .when = "2 frames or more, and one in five hundred, were shown again within the window though nothing before is at fault.",
-            .reason = "One frame each 8 to 20 s is seen in movement. A clock that is 30 ppm off repeats one each 10 min at most.",
+            .when = "2 frames or more, and one in five hundred, were shown again within the window though nothing before is at fault, but "
+                    "fewer than were new.",
+            .reason =
+                "One frame each 8 to 20 s is seen in movement. A clock that is 30 ppm off repeats one each 10 min at most. Where most "
+                "are old, the pictures have ended, which is not the output's doing.",
             .remedy = "Check the reference (genlock) of the output: it may run faster than the sender.",
             .needs_window = true,
             .causes = no_effect,
@@ -138,7 +141,7 @@ const Rules& output_rules()
             .test =
                 [](const Window& window, Hit& hit)
             {
-                if (window.grown(sent) == 0 ||
+                if (window.grown(sent) == 0 || window.grown(replayed) >= window.grown(displayed) ||
                     !bad_frames.reached(window.grown(replayed), window.grown(displayed) + window.grown(replayed)))
                     return false;
                 return hit.show(replayed).show(displayed).show(sent).found();

@@ -132,6 +132,8 @@ Verdict conclude(const Result& result, const Window& window)
             if (window.cleared(i)) return doubtful(Doubt::cleared);
     }
     const StageResult& network = at(result, Stage::network);
+    // What has come before and does not come now may be a host that hangs, or a network that has just fallen silent.
+    if (network.state == StageState::no_input && network.last_good) return doubtful(Doubt::undecided);
     if (network.state == StageState::no_input)
     {
         verdict.state = StageState::no_input;
