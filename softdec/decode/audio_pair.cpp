@@ -231,12 +231,14 @@ void AudioPair::play(const Waiting& frame)
     record_.tLastOutputFrame = clock_.seconds();
 }
 
-/** While a picture is shown, what is heard is in step with it. */
+/** Compared when a picture is new, as it is shown for a while; and when another one should have come long ago. */
 void AudioPair::compare(const Waiting& frame, Ticks video, Ticks period)
 {
-    record_.nVideoTimeStamp = static_cast<unsigned>(as_timestamp(video));
     const Ticks offset = frame.pts - video;
-    record_.iAudioVideoTSDiffInMs = milliseconds(offset > 0 ? std::max<Ticks>(offset - period, 0) : offset);
+    if (compared_ == video && offset <= 2 * period) return;
+    compared_ = video;
+    record_.nVideoTimeStamp = static_cast<unsigned>(as_timestamp(video));
+    record_.iAudioVideoTSDiffInMs = milliseconds(offset);
 }
 
 void AudioPair::restart()

@@ -83,6 +83,7 @@ private:
     std::vector<std::uint8_t> padded_;
     std::optional<Ticks> expected_;  // PTS of the next frame received
     std::optional<Ticks> played_to_; // end of the last frame played
+    std::optional<Ticks> compared_;  // PTS of the picture that sound was last compared with
     std::deque<Waiting> waiting_;
     unsigned long stamps_ = 0; // frames with a time stamp so far
     Ticks moment_ = 0;         // time of the last frame

@@ -249,12 +249,8 @@ TEST(Measured, IsFilledBySomeStream)
         faulty = change(faulty, each(payloads_of(faulty, audio_pid), 23), [](std::uint8_t* packet) { packet[1] |= 0x80; });
         all.push_back(run(rtp(datagrams(faulty)))->records());
     }
-    // Sound that is out of step, a step of the clock, an outage, packets out of the capture.
-    const Bytes stream = read_stream("h264-aac.ts");
-    all.push_back(
-        run(datagrams(change(stream, starts_of(stream, audio_pid), [](std::uint8_t* packet) { shift_timestamps(packet, 27000); })))
-            ->records());
-    auto arrivals = datagrams(stream);
+    // A step of the clock, an outage, packets out of the capture.
+    auto arrivals = datagrams(read_stream("h264-aac.ts"));
     for (std::size_t i = arrivals.size() / 2; i < arrivals.size(); ++i)
         for (std::size_t at = 0; at < arrivals[i].bytes.size(); at += ts_size) shift_clock(&arrivals[i].bytes[at], 450000);
     all.push_back(run(arrivals)->records());
