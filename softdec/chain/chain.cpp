@@ -99,7 +99,7 @@ void Chain::step()
     output_.step(stc);
     metadata_.step(stc);
     for (const auto& pair : audio_)
-        if (pair) pair->step(stc, output_.shown(), output_.period());
+        if (pair) pair->output().step(stc, output_.shown(), output_.period());
     auto& automatic = records_.buffering.tAutomatic;
     automatic.tLastVideoSkipReplayTime = output_.last_irregular();
     for (const auto& pair : records_.audio.PairStats)
@@ -188,9 +188,10 @@ void Chain::finish(const std::function<void()>& look)
         look();
     };
     for (end_streams(); !buffering_.empty(); end_streams()) go_on();
-    const auto waiting = [this] {
+    const auto waiting = [this]
+    {
         return !output_.empty() || !metadata_.empty() ||
-               std::ranges::any_of(audio_, [](const auto& pair) { return pair && !pair->empty(); });
+               std::ranges::any_of(audio_, [](const auto& pair) { return pair && !pair->output().empty(); });
     };
     while (waiting()) go_on();
 }

@@ -1,7 +1,5 @@
 #include "chain/chain_snapshot.h"
 
-#include "dictionary.h"
-
 namespace softdec
 {
 
@@ -12,8 +10,7 @@ records::Snapshot snapshot_of(Chain& chain, const Abilities& abilities)
     snapshot.taken_at = chain.clock().now();
     snapshot.present.set();
     snapshot.written_at.fill(snapshot.taken_at);
-    for (const char* name : fields_not_measured(abilities))
-        if (const auto found = dictionary::find(name)) snapshot.not_measured.set(found->field->index);
+    for (const dictionary::Field* field : fields_not_measured(abilities)) snapshot.not_measured.set(field->index);
     return snapshot;
 }
 

@@ -1,6 +1,11 @@
 #include "chain/not_measured.h"
 
+#include <algorithm>
+#include <array>
 #include <span>
+#include <stdexcept>
+#include <string>
+#include <string_view>
 
 namespace softdec
 {
@@ -8,74 +13,35 @@ namespace softdec
 namespace
 {
 
+/*
+ * Fields by their public names; a name that ends in a point stands for all that begin so. What tells when a field of them last changed, or
+ * how large and small it has been, is not measured either, and not named.
+ */
+using Names = std::span<const std::string_view>;
+
+/** What is measured all the same. */
+constexpr std::string_view all_the_same[] = {
+    "usage.start_requests",
+    "usage.last_start_request_time",
+    "vdecoder.record_size",
+    "vdecoder.state",
+};
+
 /** What software of this kind has no counterpart of, whatever the input. */
-constexpr const char* never[] = {
-    "usage.stop_requests",
-    "usage.last_stop_request_time",
-    "usage.get_stats_requests",
-    "usage.last_get_stats_request_time",
-    "usage.get_info_requests",
-    "usage.last_get_info_request_time",
-    "usage.configure_requests",
-    "usage.last_configure_request_time",
-    "usage.capture_requests",
-    "usage.last_capture_request_time",
-    "usage.clear_requests",
-    "usage.last_clear_request_time",
-    "usage.load_config_requests",
-    "usage.last_load_config_request_time",
-    "usage.save_config_requests",
-    "usage.last_save_config_request_time",
+constexpr std::string_view never[] = {
+    "usage.",
+    "tdemux.srt.",
+    "buffering.multisync.",
     "tdemux.stream_id",
     "tdemux.stream_address.host_name",
     "tdemux.sender_address.host_name",
     "tdemux.sources[].last_transmission_time",
     "tdemux.external_packet_interval",
-    "tdemux.max_external_packet_interval",
-    "tdemux.max_external_packet_interval_time",
     "tdemux.connections",
-    "tdemux.last_connection_time",
     "tdemux.failovers",
-    "tdemux.last_failover_time",
     "tdemux.last_error",
-    "tdemux.last_error_time",
     "tdemux.read_packet_list_size",
-    "tdemux.max_read_packet_list_size",
-    "tdemux.max_read_packet_list_size_time",
     "tdemux.read_packet_list_overflows",
-    "tdemux.last_read_packet_list_overflow_time",
-    "tdemux.srt.sent_bit_rate",
-    "tdemux.srt.sent_packets",
-    "tdemux.srt.sent_bytes",
-    "tdemux.srt.retransmitted_packets",
-    "tdemux.srt.retransmitted_bytes",
-    "tdemux.srt.received_bit_rate",
-    "tdemux.srt.received_packets",
-    "tdemux.srt.received_bytes",
-    "tdemux.srt.undecrypted_packets",
-    "tdemux.srt.undecrypted_bytes",
-    "tdemux.srt.lost_packets",
-    "tdemux.srt.dropped_packets",
-    "tdemux.srt.dropped_bytes",
-    "tdemux.srt.sent_acks",
-    "tdemux.srt.sent_naks",
-    "tdemux.srt.connections",
-    "tdemux.srt.mss",
-    "tdemux.srt.latency",
-    "tdemux.srt.bandwidth_limit",
-    "tdemux.srt.available_bandwidth",
-    "tdemux.srt.key_state",
-    "tdemux.srt.key_length",
-    "tdemux.srt.rtt",
-    "tdemux.srt.buffered_packets",
-    "tdemux.srt.buffered_bytes",
-    "tdemux.srt.buffered_duration",
-    "tdemux.srt.remote_port",
-    "tdemux.srt.local_port",
-    "tdemux.srt.output_port_nearly_full_events",
-    "tdemux.srt.max_output_port_level",
-    "tdemux.srt.version",
-    "tdemux.srt.peer_version",
     "vframer.decoder_id",
     "vframer.stream.framing",
     "vframer.stream.compatibility_mode",
@@ -86,27 +52,17 @@ constexpr const char* never[] = {
     "vframer.input_fifo_length",
     "vframer.output_fifo_length",
     "vframer.input_packet_list_size",
-    "vframer.max_input_packet_list_size",
-    "vframer.max_input_packet_list_size_time",
     "vframer.input_packet_list_overflows",
-    "vframer.last_input_packet_list_overflow_time",
     "vframer.output_packet_list_size",
-    "vframer.max_output_packet_list_size",
-    "vframer.max_output_packet_list_size_time",
     "vframer.output_packet_list_overflows",
-    "vframer.last_output_packet_list_overflow_time",
     "vdecoder.allocated_frame_buffers",
     "vdecoder.input_delay_period_short",
     "vdecoder.output_delay_period_short",
     "vdecoder.input_delay",
     "vdecoder.average_input_delay",
-    "vdecoder.recent_max_input_delay",
-    "vdecoder.recent_min_input_delay",
     "vdecoder.recent_max_codec_unit_delay",
     "vdecoder.recent_min_codec_unit_delay",
     "vdecoder.descriptor_list_length",
-    "vdecoder.recent_max_descriptor_list_length",
-    "vdecoder.recent_min_descriptor_list_length",
     "vdecoder.theoretical_hardware_output_delay",
     "vdecoder.hardware_output_delay",
     "vdecoder.hardware_playout_delay",
@@ -117,68 +73,42 @@ constexpr const char* never[] = {
     "vdecoder.still_image_type",
     "vdecoder.still_image_active",
     "vdecoder.av_resyncs",
-    "vdecoder.last_av_resync_time",
     "vdecoder.reorder_extract_calls",
-    "vdecoder.last_reorder_extract_call_time",
     "vdecoder.reorder_flush_calls",
-    "vdecoder.last_reorder_flush_call_time",
     "vdecoder.input_parsed_callbacks",
-    "vdecoder.last_input_parsed_callback_time",
     "vdecoder.resolution_found_callbacks",
-    "vdecoder.last_resolution_found_callback_time",
     "vdecoder.decoded_callbacks",
-    "vdecoder.last_decoded_callback_time",
     "vdecoder.display_callbacks",
-    "vdecoder.last_display_callback_time",
     "vdecoder.sei_callbacks",
-    "vdecoder.last_sei_callback_time",
-    "vdecoder.max_codec_unit_queue_length",
     "vdecoder.codec_unit_queue_length",
     "vdecoder.image_captures",
-    "vdecoder.last_image_capture_time",
     "vdecoder.failed_image_captures",
-    "vdecoder.last_failed_image_capture_time",
     "vdecoder.exit_errors",
-    "vdecoder.last_exit_error_time",
     "vdecoder.unreleased_frames",
-    "vdecoder.last_unreleased_frame_time",
     "vdecoder.still_images",
     "vdecoder.max_still_image_duration",
-    "vdecoder.last_still_image_on_time",
     "vdecoder.last_still_image_off_time",
     "audio.output_errors",
-    "audio.last_output_error_time",
     "audio.pending_decode_requests",
     "audio.input_delay",
     "audio.output_delay",
     "audio.input_jitter",
-    "audio.recent_max_input_jitter",
     "audio.pairs[].mode",
     "audio.pairs[].output_errors",
-    "audio.pairs[].last_output_error_time",
     "audio.pairs[].output_write_index",
     "audio.pairs[].output_read_index",
     "audio.pairs[].last_output_write_time",
-    "audio.pairs[].min_output_write_interval",
-    "audio.pairs[].max_output_write_interval",
     "audio.pairs[].output_write_interval",
     "audio.pairs[].last_error",
     "metadata.decoder_id",
     "metadata.input_queue_length",
     "metadata.channels[].dropped_packets",
-    "metadata.channels[].last_dropped_packet_time",
     "metadata.channels[].failed_output_packets",
-    "metadata.channels[].last_failed_output_packet_time",
     "metadata.channels[].failed_late_output_packets",
-    "metadata.channels[].last_failed_late_output_packet_time",
     "metadata.channels[].allocated_descriptors",
-    "metadata.channels[].last_allocated_descriptor_time",
     "metadata.channels[].failed_descriptor_allocations",
-    "metadata.channels[].last_failed_descriptor_allocation_time",
     "metadata.channels[].written_descriptors",
-    "metadata.channels[].last_written_descriptor_time",
     "metadata.channels[].freed_descriptors",
-    "metadata.channels[].last_freed_descriptor_time",
     "metadata.channels[].free_descriptor_list_length",
     "metadata.channels[].used_descriptor_list_length",
     "metadata.channels[].free_descriptor_list_head",
@@ -188,37 +118,14 @@ constexpr const char* never[] = {
     "buffering.decoder_id",
     "buffering.fixed_delay",
     "buffering.multisync_delay",
-    "buffering.multisync.timecode_present",
-    "buffering.multisync.timecode_valid",
-    "buffering.multisync.timecode_time_of_day",
-    "buffering.multisync.system_time_of_day",
-    "buffering.multisync.transmission_delay",
-    "buffering.multisync.configured_delay",
-    "buffering.multisync.actual_delay",
-    "buffering.multisync.delay_lower_limit",
-    "buffering.multisync.delay_upper_limit",
-    "buffering.multisync.timecode_packets",
-    "buffering.multisync.invalid_timecode_packets",
-    "buffering.multisync.last_timecode_packet_time",
-    "buffering.multisync.last_invalid_timecode_packet_time",
     "buffering.non_video_lateness",
-    "buffering.max_non_video_lateness",
-    "buffering.max_non_video_lateness_time",
     "buffering.video_decoder_latency",
-    "buffering.max_video_decoder_latency",
-    "buffering.max_video_decoder_latency_time",
     "buffering.video_decoder_jitter",
-    "buffering.max_video_decoder_jitter",
-    "buffering.max_video_decoder_jitter_time",
     "buffering.hardware_delay",
     "buffering.dropped_packets",
-    "buffering.last_dropped_packet_time",
     "buffering.unknown_channel_packets",
-    "buffering.last_unknown_channel_packet_time",
     "buffering.stc_updates",
-    "buffering.last_stc_update_time",
     "buffering.stc_lead_adjustments",
-    "buffering.last_stc_lead_adjustment_time",
     "clock_recovery.filtered_sender_clock_delta",
     "clock_recovery.clock_difference",
     "clock_recovery.filtered_clock_difference",
@@ -231,7 +138,8 @@ constexpr const char* never[] = {
 };
 
 /** What needs arrival times. */
-constexpr const char* without_arrivals[] = {
+constexpr std::string_view without_arrivals[] = {
+    "tdemux.fec.",
     "tdemux.encapsulation",
     "tdemux.fec_type",
     "tdemux.stream_address.family",
@@ -241,166 +149,47 @@ constexpr const char* without_arrivals[] = {
     "tdemux.sender_address.ip",
     "tdemux.sender_port",
     "tdemux.packet_interval",
-    "tdemux.max_packet_interval",
-    "tdemux.max_packet_interval_time",
     "tdemux.lost_rtp_segments",
-    "tdemux.last_lost_rtp_segment_time",
     "tdemux.resumed_stream_markers",
-    "tdemux.last_resumed_stream_marker_time",
     "tdemux.input_packet_list_size",
-    "tdemux.max_input_packet_list_size",
-    "tdemux.max_input_packet_list_size_time",
     "tdemux.input_packet_list_overflows",
-    "tdemux.last_input_packet_list_overflow_time",
-    "tdemux.fec.columns",
-    "tdemux.fec.rows",
-    "tdemux.fec.row_fec",
-    "tdemux.fec.block_aligned",
-    "tdemux.fec.received_packets",
-    "tdemux.fec.received_column_packets",
-    "tdemux.fec.received_row_packets",
-    "tdemux.fec.missing_packets",
-    "tdemux.fec.recovered_packets",
-    "tdemux.fec.lost_packets",
-    "tdemux.fec.missing_row_packets",
-    "tdemux.fec.missing_column_packets",
     "buffering.max_input_jitter",
-    "buffering.max_input_jitter_time",
     "buffering.channels[].jitter",
-    "buffering.channels[].max_jitter",
     "clock_recovery.receiver_clock",
     "clock_recovery.stc_frequency",
     "clock_recovery.tracking_mode",
     "clock_recovery.pll_unsettled",
     "clock_recovery.pll_settling_duration",
     "clock_recovery.average_stc_frequency",
-    "clock_recovery.recent_min_stc_frequency",
-    "clock_recovery.recent_max_stc_frequency",
     "clock_recovery.average_stc_deviation_hz",
     "clock_recovery.average_stc_deviation_ppm",
     "clock_recovery.stc_deviation_ppm",
     "clock_recovery.average_stc_deviation_ppm_fraction",
     "clock_recovery.pcr_jitter_errors",
     "clock_recovery.last_pcr_jitter",
-    "clock_recovery.max_pcr_jitter",
 };
 
 /** What decoding makes. */
-constexpr const char* without_decoding[] = {
-    "vdecoder.load",
-    "vdecoder.latency",
-    "vdecoder.display_format",
-    "vdecoder.has_chroma",
-    "vdecoder.frame_buffer_width",
-    "vdecoder.frame_buffer_height",
-    "vdecoder.frame_buffer_size",
-    "vdecoder.required_frame_buffers",
-    "vdecoder.luma_bit_depth",
-    "vdecoder.chroma_bit_depth",
-    "vdecoder.cropping",
-    "vdecoder.crop_left",
-    "vdecoder.crop_right",
-    "vdecoder.crop_top",
-    "vdecoder.crop_bottom",
-    "vdecoder.picture_structure",
-    "vdecoder.reorder_list_length",
-    "vdecoder.recent_max_reorder_list_length",
-    "vdecoder.recent_min_reorder_list_length",
-    "vdecoder.output_delay",
-    "vdecoder.average_output_delay",
-    "vdecoder.recent_max_output_delay",
-    "vdecoder.recent_min_output_delay",
-    "vdecoder.estimated_latency",
-    "vdecoder.key_frame_decoding_duration",
-    "vdecoder.received_pictures",
-    "vdecoder.last_received_picture_time",
-    "vdecoder.freed_received_pictures",
-    "vdecoder.last_freed_received_picture_time",
-    "vdecoder.pictures_sent_to_codec_unit",
-    "vdecoder.last_picture_sent_to_codec_unit_time",
-    "vdecoder.dropped_pictures",
-    "vdecoder.last_dropped_picture_time",
-    "vdecoder.dropped_i_pictures",
-    "vdecoder.last_dropped_i_picture_time",
-    "vdecoder.dropped_p_pictures",
-    "vdecoder.last_dropped_p_picture_time",
-    "vdecoder.dropped_b_pictures",
-    "vdecoder.last_dropped_b_picture_time",
-    "vdecoder.decoded_pictures",
-    "vdecoder.last_decoded_picture_time",
-    "vdecoder.concealed_pictures",
-    "vdecoder.last_concealed_picture_time",
-    "vdecoder.pictures_sent_to_display",
-    "vdecoder.last_picture_sent_to_display_time",
-    "vdecoder.displayed_frames",
-    "vdecoder.last_displayed_frame_time",
-    "vdecoder.skipped_frames",
-    "vdecoder.last_skipped_frame_time",
-    "vdecoder.replayed_frames",
-    "vdecoder.last_replayed_frame_time",
-    "vdecoder.freed_displayed_pictures",
-    "vdecoder.last_freed_displayed_picture_time",
-    "vdecoder.output_errors",
-    "vdecoder.last_output_error_time",
-    "vdecoder.late_output_pictures",
-    "vdecoder.last_late_output_picture_time",
-    "vdecoder.stc_lead",
-    "vdecoder.min_stc_lead",
-    "vdecoder.min_stc_lead_time",
-    "vdecoder.max_stc_lead",
-    "vdecoder.max_stc_lead_time",
-    "vdecoder.reorder_input_pictures",
-    "vdecoder.last_reorder_input_picture_time",
-    "vdecoder.reorder_queue_length",
-    "vdecoder.reorder_output_pictures",
-    "vdecoder.last_reorder_output_picture_time",
-    "vdecoder.last_creation_error_time",
-    "vdecoder.last_creation_error",
-    "vdecoder.end_of_stream_events",
-    "vdecoder.last_end_of_stream_event_time",
-    "vdecoder.pictures_without_info",
-    "vdecoder.last_picture_without_info_time",
-    "vdecoder.input_discontinuities",
-    "vdecoder.last_input_discontinuity_time",
-    "vdecoder.non_increasing_pts",
-    "vdecoder.last_non_increasing_pts_time",
-    "vdecoder.pictures_without_pts",
-    "vdecoder.last_picture_without_pts_time",
-    "vdecoder.reordering",
+constexpr std::string_view without_decoding[] = {
+    "vdecoder.",
     "audio.decoded_frames",
-    "audio.last_decoded_frame_time",
     "audio.output_frames",
-    "audio.last_output_frame_time",
     "audio.skipped_frames",
-    "audio.last_skipped_frame_time",
     "audio.decoder_errors",
     "audio.decoded_queue_length",
     "audio.pairs[].output_channels",
     "audio.pairs[].decoded_frames",
-    "audio.pairs[].last_decoded_frame_time",
     "audio.pairs[].decoded_bytes",
     "audio.pairs[].output_frames",
-    "audio.pairs[].last_output_frame_time",
     "audio.pairs[].output_sample_rate",
     "audio.pairs[].skipped_frames",
-    "audio.pairs[].last_skipped_frame_time",
     "audio.pairs[].decoder_errors",
-    "audio.pairs[].last_decoder_error_time",
     "audio.pairs[].output_queue_length",
-    "audio.pairs[].max_output_queue_length",
     "audio.pairs[].timestamp_discontinuities",
     "audio.pairs[].av_offset",
     "audio.pairs[].video_timestamp",
     "audio.pairs[].stc_lead",
-    "audio.pairs[].min_stc_lead",
-    "audio.pairs[].min_stc_lead_time",
-    "audio.pairs[].max_stc_lead",
-    "audio.pairs[].max_stc_lead_time",
     "audio.pairs[].processing_duration",
-    "audio.pairs[].min_processing_duration",
-    "audio.pairs[].min_processing_duration_time",
-    "audio.pairs[].max_processing_duration",
-    "audio.pairs[].max_processing_duration_time",
     "buffering.average_video_stc_lead",
     "buffering.recent_min_video_stc_lead",
     "buffering.recent_max_video_stc_lead",
@@ -412,31 +201,49 @@ constexpr const char* without_decoding[] = {
 };
 
 /** What decoding costs: figures of this machine, that are no part of what a capture gives each time. */
-constexpr const char* without_live_input[] = {
+constexpr std::string_view without_live_input[] = {
     "vdecoder.load",
     "vdecoder.key_frame_decoding_duration",
     "audio.pairs[].processing_duration",
-    "audio.pairs[].min_processing_duration",
-    "audio.pairs[].min_processing_duration_time",
-    "audio.pairs[].max_processing_duration",
-    "audio.pairs[].max_processing_duration_time",
 };
 
-void add(std::vector<const char*>& names, std::span<const char* const> more)
+using Marked = std::array<bool, dictionary::field_count>;
+
+void mark(Marked& marked, Names names)
 {
-    names.insert(names.end(), more.begin(), more.end());
+    for (const std::string_view name : names)
+    {
+        bool any = false;
+        for (const dictionary::Field& field : dictionary::fields())
+        {
+            const bool is_meant = name.ends_with('.') ? field.full_name.starts_with(name) : field.full_name == name;
+            if (!is_meant) continue;
+            any = true;
+            if (std::ranges::find(all_the_same, field.full_name) == std::end(all_the_same)) marked.at(field.index) = true;
+        }
+        if (!any) throw std::logic_error("no field " + std::string(name));
+    }
 }
 
 } // namespace
 
-std::vector<const char*> fields_not_measured(const Abilities& abilities)
+std::vector<const dictionary::Field*> fields_not_measured(const Abilities& abilities)
 {
-    std::vector<const char*> names;
-    add(names, never);
-    if (!abilities.has_arrivals) add(names, without_arrivals);
-    if (!abilities.decode) add(names, without_decoding);
-    if (!abilities.live && abilities.decode) add(names, without_live_input);
-    return names;
+    Marked marked = {};
+    mark(marked, never);
+    if (!abilities.has_arrivals) mark(marked, without_arrivals);
+    if (!abilities.decode) mark(marked, without_decoding);
+    if (!abilities.live) mark(marked, without_live_input);
+    const auto is_marked = [&marked](const dictionary::Field& field)
+    {
+        const dictionary::Field* of = &field;
+        while (!marked.at(of->index) && of->relation != dictionary::Relation::none) of = &dictionary::fields()[of->related];
+        return marked.at(of->index);
+    };
+    std::vector<const dictionary::Field*> fields;
+    for (const dictionary::Field& field : dictionary::fields())
+        if (is_marked(field)) fields.push_back(&field);
+    return fields;
 }
 
 } // namespace softdec

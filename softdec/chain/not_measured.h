@@ -7,6 +7,8 @@
 
 #include <vector>
 
+#include "dictionary.h"
+
 namespace softdec
 {
 
@@ -18,8 +20,8 @@ struct Abilities
     bool live = true;         /**< what decoding costs is measured */
 };
 
-/** The public names of the fields that are not measured then. */
-std::vector<const char*> fields_not_measured(const Abilities& abilities);
+/** The fields that are not measured then, in the dictionary's order. */
+std::vector<const dictionary::Field*> fields_not_measured(const Abilities& abilities);
 
 } // namespace softdec
 

@@ -18,8 +18,12 @@ Publication::Publication(const std::string& name, const std::string& directory, 
     STATS_PUBLISH_ERROR error;
     publisher_.reset(
         STATS_PublishOpen(name.c_str(), directory.empty() ? nullptr : directory.c_str(), "softdec " RELEASE_VERSION, 0, &error));
-    const auto fields = fields_not_measured(abilities);
-    if (!publisher_ || !STATS_PublishNotMeasured(publisher_.get(), fields.data(), fields.size(), &error)) throw OutputError(error.szText);
+    std::vector<std::string> texts;
+    for (const dictionary::Field* field : fields_not_measured(abilities)) texts.emplace_back(field->full_name);
+    std::vector<const char*> names;
+    names.reserve(texts.size());
+    for (const std::string& text : texts) names.push_back(text.c_str());
+    if (!publisher_ || !STATS_PublishNotMeasured(publisher_.get(), names.data(), names.size(), &error)) throw OutputError(error.szText);
 }
 
 void Publication::offer(Chain& chain)

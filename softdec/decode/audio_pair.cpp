@@ -11,8 +11,6 @@ namespace softdec
 namespace
 {
 
-constexpr Ticks furthest = 11 * ticks_per_second;
-
 /** Bytes of a frame's header that tell the layer of MPEG audio (ISO/IEC 11172-3, 2.4.1.3). */
 SMGR_TDEMUX_COMPRESSION_TYPE layer_of(std::span<const std::uint8_t> bytes, SMGR_TDEMUX_COMPRESSION_TYPE otherwise)
 {
@@ -39,7 +37,7 @@ timespec exact(Nanoseconds moment)
 } // namespace
 
 AudioPair::AudioPair(const VirtualClock& clock, SMGR_AUDIO_PAIR_STATS& record, bool decode, bool live)
-    : clock_(clock), record_(record), decode_(decode), load_(live)
+    : clock_(clock), record_(record), decode_(decode), load_(live), output_(clock, record)
 {
     record_ = {};
     record_.nSize = sizeof record_;
@@ -158,7 +156,8 @@ void AudioPair::decode(std::span<const std::uint8_t> bytes, Ticks pts)
         // A header need not tell what the decoder finds.
         const Ticks duration = expected_ ? *expected_ - pts : duration_of(frame_->nb_samples, frame_->sample_rate);
         expected_ = pts + duration;
-        queue(pts, duration);
+        if (stc_ && lead_ != nullptr) (*lead_)(pts - *stc_);
+        output_.take({.pts = pts, .duration = duration, .in_step = is_in_step()}, stc_);
         av_frame_unref(frame_.get());
     }
     if (const Nanoseconds busy = load_.end(clock_.now()); load_.enabled())
@@ -181,72 +180,9 @@ void AudioPair::decode(std::span<const std::uint8_t> bytes, Ticks pts)
     record_.tLastDecoderError = clock_.seconds();
 }
 
-void AudioPair::queue(Ticks pts, Ticks duration)
-{
-    if (!stc_) return play({.pts = pts, .duration = duration, .in_step = is_in_step()});
-    const Ticks lead = pts - *stc_;
-    if (lead_ != nullptr) (*lead_)(lead);
-    const bool first = record_.tMinSTCLeadTime == 0;
-    record_.nCurSTCLeadTimeMs = milliseconds(lead);
-    if (first || record_.nCurSTCLeadTimeMs < record_.nMinSTCLeadTimeMs)
-    {
-        record_.nMinSTCLeadTimeMs = record_.nCurSTCLeadTimeMs;
-        record_.tMinSTCLeadTime = clock_.seconds();
-    }
-    if (first || record_.nCurSTCLeadTimeMs > record_.nMaxSTCLeadTimeMs)
-    {
-        record_.nMaxSTCLeadTimeMs = record_.nCurSTCLeadTimeMs;
-        record_.tMaxSTCLeadTime = clock_.seconds();
-    }
-    // What should have been heard already, or never will be, is left out.
-    if (lead + duration <= 0 || lead > furthest)
-    {
-        ++record_.nSkippedFrames;
-        record_.tLastSkippedFrame = clock_.seconds();
-        return;
-    }
-    waiting_.push_back({.pts = pts, .duration = duration, .in_step = is_in_step()});
-    record_.nOutQueueLength = static_cast<unsigned>(waiting_.size());
-    record_.nMaxOutQueueLen = std::max(record_.nMaxOutQueueLen, record_.nOutQueueLength);
-}
-
-void AudioPair::step(std::optional<Ticks> stc, std::optional<Ticks> video, Ticks period)
-{
-    while (stc && !waiting_.empty() && waiting_.front().pts <= *stc)
-    {
-        const Waiting frame = waiting_.front();
-        waiting_.pop_front();
-        play(frame);
-        if (video) compare(frame, *video, period);
-    }
-    record_.nOutQueueLength = static_cast<unsigned>(waiting_.size());
-}
-
-void AudioPair::play(const Waiting& frame)
-{
-    if (frame.in_step && played_to_ && std::abs(frame.pts - *played_to_) > std::max<Ticks>(frame.duration * 3 / 4, ticks_per_millisecond))
-        ++record_.nTSDiscontinuity;
-    played_to_ = frame.pts + frame.duration;
-    ++record_.nOutputFrames;
-    record_.tLastOutputFrame = clock_.seconds();
-}
-
-/** While a picture is shown, what is heard is in step with it. */
-void AudioPair::compare(const Waiting& frame, Ticks video, Ticks period)
-{
-    record_.nVideoTimeStamp = static_cast<unsigned>(as_timestamp(video));
-    const Ticks offset = frame.pts - video;
-    record_.iAudioVideoTSDiffInMs = milliseconds(offset > 0 ? std::max<Ticks>(offset - period, 0) : offset);
-}
-
 void AudioPair::restart()
 {
-    while (!waiting_.empty())
-    {
-        play(waiting_.front());
-        waiting_.pop_front();
-    }
-    played_to_.reset();
+    output_.restart();
     expected_.reset();
 }
 

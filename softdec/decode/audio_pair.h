@@ -1,11 +1,10 @@
 /**
  * @file audio_pair.h
- * Frames and decodes one audio stream, plays it out on a virtual output, and keeps the pair's record.
+ * Frames and decodes one audio stream, and keeps the pair's record up to its output.
  */
 #ifndef SOFTDEC_DECODE_AUDIO_PAIR_H
 #define SOFTDEC_DECODE_AUDIO_PAIR_H
 
-#include <deque>
 #include <functional>
 #include <optional>
 #include <span>
@@ -15,6 +14,7 @@
 #include "decode/codec.h"
 #include "decode/load_meter.h"
 #include "demux/elementary_packet.h"
+#include "presenter/audio_output.h"
 #include "sessmgr_audio.h"
 
 namespace softdec
@@ -32,25 +32,16 @@ public:
      */
     void take(const ElementaryPacket& packet, std::optional<Ticks> stc, const std::function<void(Ticks)>& lead);
 
-    /** Plays what is due. @param video time stamp of the picture that is shown; nothing = none is @param period for how long it is */
-    void step(std::optional<Ticks> stc, std::optional<Ticks> video, Ticks period);
-
     /** The sender's clock has jumped. */
     void restart();
 
     /** The stream has ended. */
     void finish(std::optional<Ticks> stc);
 
-    bool empty() const { return waiting_.empty(); }
+    /** Where what is decoded is played. */
+    AudioOutput& output() { return output_; }
 
 private:
-    struct Waiting
-    {
-        Ticks pts;
-        Ticks duration;
-        bool in_step; // as it came
-    };
-
     /** What a frame is. 0 = not known. */
     struct AudioFormat
     {
@@ -67,26 +58,22 @@ private:
     void parse(const ElementaryPacket& packet);
     void take_frame(std::span<const std::uint8_t> bytes, std::optional<Ticks> pts);
     void decode(std::span<const std::uint8_t> bytes, Ticks pts);
-    void queue(Ticks pts, Ticks duration);
-    void play(const Waiting& frame);
-    void compare(const Waiting& frame, Ticks video, Ticks period);
 
     const VirtualClock& clock_;
     SMGR_AUDIO_PAIR_STATS& record_;
     const bool decode_;
     LoadMeter load_;
+    AudioOutput output_;
     SMGR_TDEMUX_COMPRESSION_TYPE compression_ = SMGR_TDEMUX_COMPRESSION_TYPE_UNKNOWN;
     Parser parser_;
     CodecContext decoder_;
     Frame frame_{av_frame_alloc()};
     Packet packet_{av_packet_alloc()};
     std::vector<std::uint8_t> padded_;
-    std::optional<Ticks> expected_;  // PTS of the next frame received
-    std::optional<Ticks> played_to_; // end of the last frame played
-    std::deque<Waiting> waiting_;
-    unsigned long stamps_ = 0; // frames with a time stamp so far
-    Ticks moment_ = 0;         // time of the last frame
-    bool cut_ = false;         // the input ended in the last packet
+    std::optional<Ticks> expected_; // PTS of the next frame received
+    unsigned long stamps_ = 0;      // frames with a time stamp so far
+    Ticks moment_ = 0;              // time of the last frame
+    bool cut_ = false;              // the input ended in the last packet
     std::optional<Ticks> stc_;
     const std::function<void(Ticks)>* lead_ = nullptr; // of the call of take that goes on
     RateMeter bits_;

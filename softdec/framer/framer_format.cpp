@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <vector>
 
 #include "clock/line_fit.h"
@@ -24,6 +25,30 @@ SMGR_VFRAMER_HDR_TYPE dynamic_range(unsigned transfer)
 }
 
 } // namespace
+
+SMGR_VIDEO_COLOR_TYPE color_type(const VideoFormat& format)
+{
+    const unsigned depth = std::max(format.luma_depth, format.chroma_depth);
+    switch (format.chroma_format)
+    {
+    case 0: return SMGR_VIDEO_COLOR_TYPE_MONOCHROME;
+    case 1:
+        return depth == 8 ? SMGR_VIDEO_COLOR_TYPE_420_8BIT : depth == 10 ? SMGR_VIDEO_COLOR_TYPE_420_10BIT : SMGR_VIDEO_COLOR_TYPE_UNKNOWN;
+    case 2:
+        return depth == 8 ? SMGR_VIDEO_COLOR_TYPE_422_8BIT : depth == 10 ? SMGR_VIDEO_COLOR_TYPE_422_10BIT : SMGR_VIDEO_COLOR_TYPE_UNKNOWN;
+    default: return SMGR_VIDEO_COLOR_TYPE_444;
+    }
+}
+
+void VideoFramer::forget_properties()
+{
+    record_.tCurrentProperties = {};
+    record_.tCurrentProperties.colour_primaries = 2;
+    record_.tCurrentProperties.transfer_characteristics = 2;
+    record_.tCurrentProperties.matrix_coefficients = 2;
+    if (compression_) return;
+    record_.tPreviousProperties = record_.tCurrentProperties;
+}
 
 void VideoFramer::take_format(const VideoFormat& format)
 {

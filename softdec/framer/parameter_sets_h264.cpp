@@ -9,7 +9,7 @@ namespace softdec
 namespace
 {
 
-constexpr std::size_t largest_set = 4096;
+constexpr std::size_t largest_set_h264 = 4096;
 
 void skip_scaling_list(BitReader& reader, unsigned size)
 {
@@ -40,7 +40,7 @@ void skip_hrd(BitReader& reader, SequenceParameters& set)
 }
 
 /** Annex E.1.1. */
-void parse_vui(BitReader& reader, SequenceParameters& set)
+void parse_vui_h264(BitReader& reader, SequenceParameters& set)
 {
     constexpr unsigned extended_aspect_ratio = 255;
     if (reader.flag() && reader.bits(8) == extended_aspect_ratio) reader.skip(32);
@@ -108,7 +108,7 @@ unsigned pictures_of_level(const VideoFormat& format)
 
 std::optional<SequenceParameters> parse_sequence_h264(std::span<const std::uint8_t> unit)
 {
-    const auto bytes = unescape(unit.subspan(1), largest_set);
+    const auto bytes = unescape(unit.subspan(1), largest_set_h264);
     BitReader reader(bytes);
     SequenceParameters set;
     VideoFormat& format = set.format;
@@ -165,7 +165,7 @@ std::optional<SequenceParameters> parse_sequence_h264(std::span<const std::uint8
     // What the stream does not say is bounded by its level, and a baseline profile has no B pictures.
     format.picture_buffers = pictures_of_level(format);
     format.reorders = format.profile != 66;
-    if (reader.flag()) parse_vui(reader, set);
+    if (reader.flag()) parse_vui_h264(reader, set);
     const bool sane = std::uint64_t{format.crop_left} + format.crop_right < format.coded_width &&
                       std::uint64_t{format.crop_top} + format.crop_bottom < format.coded_height;
     if (reader.overrun() || !sane) return std::nullopt;
@@ -174,7 +174,7 @@ std::optional<SequenceParameters> parse_sequence_h264(std::span<const std::uint8
 
 std::optional<PictureParameters> parse_picture_h264(std::span<const std::uint8_t> unit)
 {
-    const auto bytes = unescape(unit.subspan(1), largest_set);
+    const auto bytes = unescape(unit.subspan(1), largest_set_h264);
     BitReader reader(bytes);
     PictureParameters set;
     set.id = reader.unsigned_golomb();

@@ -9,7 +9,7 @@ namespace softdec
 namespace
 {
 
-constexpr std::size_t largest_set = 8192;
+constexpr std::size_t largest_set_h265 = 8192;
 constexpr std::size_t header_size = 2;
 
 /** Clause 7.3.3. */
@@ -85,7 +85,7 @@ bool skip_reference_sets(BitReader& reader)
 }
 
 /** Annex E.2.1, as far as the timing. */
-void parse_vui(BitReader& reader, SequenceParameters& set)
+void parse_vui_h265(BitReader& reader, SequenceParameters& set)
 {
     constexpr unsigned extended_aspect_ratio = 255;
     if (reader.flag() && reader.bits(8) == extended_aspect_ratio) reader.skip(32);
@@ -121,7 +121,7 @@ void parse_vui(BitReader& reader, SequenceParameters& set)
 
 std::optional<SequenceParameters> parse_sequence_h265(std::span<const std::uint8_t> unit)
 {
-    const auto bytes = unescape(unit.subspan(header_size), largest_set);
+    const auto bytes = unescape(unit.subspan(header_size), largest_set_h265);
     BitReader reader(bytes);
     SequenceParameters set;
     VideoFormat& format = set.format;
@@ -171,7 +171,7 @@ std::optional<SequenceParameters> parse_sequence_h265(std::span<const std::uint8
         for (unsigned i = 0; i < count && !reader.overrun(); ++i) reader.skip(order_bits + 1);
     }
     reader.skip(2);
-    if (reader.flag()) parse_vui(reader, set);
+    if (reader.flag()) parse_vui_h265(reader, set);
     const bool sane = set.id < 16 && format.chroma_format <= 3 && format.coded_width <= 16888 && format.coded_height <= 16888 &&
                       format.luma_depth <= 16 && format.chroma_depth <= 16 &&
                       std::uint64_t{format.crop_left} + format.crop_right < format.coded_width &&
@@ -182,7 +182,7 @@ std::optional<SequenceParameters> parse_sequence_h265(std::span<const std::uint8
 
 std::optional<PictureParameters> parse_picture_h265(std::span<const std::uint8_t> unit)
 {
-    const auto bytes = unescape(unit.subspan(header_size), largest_set);
+    const auto bytes = unescape(unit.subspan(header_size), largest_set_h265);
     BitReader reader(bytes);
     PictureParameters set;
     set.id = reader.unsigned_golomb();

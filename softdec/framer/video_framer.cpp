@@ -13,39 +13,9 @@ namespace
 constexpr std::size_t largest_picture = 32U << 20;
 
 /** A picture whose end the next one has not shown for this long is whole; fewer than four pictures a second are none to show. */
-constexpr Nanoseconds longest_wait = 250 * millisecond;
-
-bool has_first_bit(const NalUnit& unit, bool h265)
-{
-    const std::size_t header = h265 ? 2 : 1;
-    return unit.bytes.size() > header && (unit.bytes[header] & 0x80) != 0;
-}
+constexpr Nanoseconds longest_pause = 250 * millisecond;
 
 } // namespace
-
-SMGR_VIDEO_COLOR_TYPE color_type(const VideoFormat& format)
-{
-    const unsigned depth = std::max(format.luma_depth, format.chroma_depth);
-    switch (format.chroma_format)
-    {
-    case 0: return SMGR_VIDEO_COLOR_TYPE_MONOCHROME;
-    case 1:
-        return depth == 8 ? SMGR_VIDEO_COLOR_TYPE_420_8BIT : depth == 10 ? SMGR_VIDEO_COLOR_TYPE_420_10BIT : SMGR_VIDEO_COLOR_TYPE_UNKNOWN;
-    case 2:
-        return depth == 8 ? SMGR_VIDEO_COLOR_TYPE_422_8BIT : depth == 10 ? SMGR_VIDEO_COLOR_TYPE_422_10BIT : SMGR_VIDEO_COLOR_TYPE_UNKNOWN;
-    default: return SMGR_VIDEO_COLOR_TYPE_444;
-    }
-}
-
-void VideoFramer::forget_properties()
-{
-    record_.tCurrentProperties = {};
-    record_.tCurrentProperties.colour_primaries = 2;
-    record_.tCurrentProperties.transfer_characteristics = 2;
-    record_.tCurrentProperties.matrix_coefficients = 2;
-    if (compression_) return;
-    record_.tPreviousProperties = record_.tCurrentProperties;
-}
 
 void VideoFramer::begin_stream(const ElementaryPacket& packet)
 {
@@ -165,44 +135,6 @@ void VideoFramer::take_piece(const UnitJoiner::Piece& piece)
     append(piece.end);
 }
 
-std::optional<Slice> VideoFramer::slice_of(const NalUnit& unit)
-{
-    if (unit.kind != NalKind::slice) return std::nullopt;
-    auto slice = parse_slice(unit, h265_, sets_);
-    // Slices that come before their parameter sets are not wrong: the stream was joined between them.
-    if (!slice && started_)
-    {
-        ++record_.tCounters.nNumSHErrors;
-        record_.tCounters.tLastSHError = clock_.seconds();
-    }
-    return slice;
-}
-
-/** A picture begins with the first unit behind the last slice of another that may not follow slices, or with a first slice. */
-bool VideoFramer::begins_picture(const NalUnit& unit, const std::optional<Slice>& slice) const
-{
-    if (!has_slices_) return false;
-    switch (unit.kind)
-    {
-    case NalKind::delimiter:
-    case NalKind::video_parameters:
-    case NalKind::sequence_parameters:
-    case NalKind::picture_parameters: break;
-    case NalKind::supplement: // of H.265, the type 40 follows the picture that it belongs to
-        if (h265_ && unit.type == 40) return false;
-        break;
-    case NalKind::slice:
-        // The first bit tells of one whose parameter sets are not known too: the first macroblock's address, or the flag of H.265.
-        if (slice ? !slice->first : !has_first_bit(unit, h265_)) return false;
-        break;
-    default: return false;
-    }
-    // The second field of a frame is decoded with the first. What stands in front of its slices cannot tell whether it comes.
-    const bool second_field = slice && first_slice_ && slice->field && first_slice_->field && slice->bottom != first_slice_->bottom &&
-                              slice->frame_num == first_slice_->frame_num && !h265_ && picture_.top_fields + picture_.bottom_fields == 1;
-    return !second_field;
-}
-
 /** The time stamps of a packet are those of the first picture that begins in it. */
 void VideoFramer::begin_picture(Origin& origin)
 {
@@ -275,7 +207,7 @@ bool VideoFramer::is_decodable(Picture& picture)
 
 void VideoFramer::step()
 {
-    if (unaligned_ || clock_.now() - last_piece_ <= longest_wait) return;
+    if (unaligned_ || clock_.now() - last_piece_ <= longest_pause) return;
     take_piece(joiner_.rest(h265_));
     if (has_slices_) complete();
 }

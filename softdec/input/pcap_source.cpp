@@ -69,10 +69,10 @@ std::optional<Channel> PcapSource::channel_of(const UdpFrame& frame)
     {
         if (!carries_transport_stream(frame.payload)) return std::nullopt;
         destination_ = frame.destination;
-        status_.local = record_address(frame.destination);
-        status_.local_port = frame.destination.port;
-        status_.sender = record_address(frame.source);
-        status_.sender_port = frame.source.port;
+        network.local = record_address(frame.destination);
+        network.local_port = frame.destination.port;
+        network.sender = record_address(frame.source);
+        network.sender_port = frame.source.port;
     }
     Endpoint media = frame.destination;
     media.port = destination_->port;
@@ -94,7 +94,7 @@ Source::Result PcapSource::next(Datagram& datagram)
         const u_char* data = nullptr;
         const int result = pcap_next_ex(capture_.get(), &header, &data);
         // A capture that was being written when it was copied ends within a frame: what came before counts.
-        if (result == PCAP_ERROR && destination_) ++status_.errors;
+        if (result == PCAP_ERROR && destination_) ++network.errors;
         if (result == PCAP_ERROR && !destination_) throw InputError(path_ + ": " + pcap_geterr(capture_.get()));
         if (result != 1)
         {
@@ -107,7 +107,7 @@ Source::Result PcapSource::next(Datagram& datagram)
         if (!channel) continue;
         if (!frame->whole)
         {
-            ++status_.errors;
+            ++network.errors;
             continue;
         }
         // With nanosecond precision the field of microseconds holds nanoseconds.

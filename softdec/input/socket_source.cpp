@@ -163,8 +163,8 @@ SocketSource::SocketSource(const std::string& address, bool with_fec)
         for (const Socket& socket : sockets_) close(socket.descriptor);
         throw;
     }
-    status_.local = record_address(target.group.any.sa_family != AF_UNSPEC ? target.group : target.local);
-    status_.local_port = target.port;
+    network.local = record_address(target.group.any.sa_family != AF_UNSPEC ? target.group : target.local);
+    network.local_port = target.port;
     buffers_.resize(sockets_.size() * batch * largest_datagram);
 }
 
@@ -193,7 +193,7 @@ void SocketSource::receive(Socket& socket)
                                .msg_flags = 0};
     }
     const int count = recvmmsg(socket.descriptor, messages.data(), batch, MSG_DONTWAIT, nullptr);
-    if (count < 0 && errno != EAGAIN && errno != EINTR) ++status_.errors;
+    if (count < 0 && errno != EAGAIN && errno != EINTR) ++network.errors;
     for (int k = 0; k < count; ++k)
     {
         const auto i = static_cast<std::size_t>(k);
@@ -212,14 +212,14 @@ void SocketSource::receive(Socket& socket)
             {
                 std::uint32_t overflows = 0;
                 std::memcpy(&overflows, CMSG_DATA(item), sizeof overflows);
-                status_.overflows += overflows - socket.overflows; // counts from the opening, modulo 2^32
+                network.overflows += overflows - socket.overflows; // counts from the opening, modulo 2^32
                 socket.overflows = overflows;
             }
         }
         if (socket.channel == Channel::media)
         {
-            status_.sender = record_address(senders[i]);
-            status_.sender_port = ntohs(senders[i].any.sa_family == AF_INET ? senders[i].v4.sin_port : senders[i].v6.sin6_port);
+            network.sender = record_address(senders[i]);
+            network.sender_port = ntohs(senders[i].any.sa_family == AF_INET ? senders[i].v4.sin_port : senders[i].v6.sin6_port);
         }
         waiting_.push_back({.channel = socket.channel,
                             .arrival = arrival != 0 ? arrival : now(),

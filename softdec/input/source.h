@@ -70,10 +70,10 @@ public:
     /** Whether datagrams have arrival times. */
     virtual bool has_arrivals() const = 0;
 
-    const InputStatus& status() const { return status_; }
+    const InputStatus& status() const { return network; }
 
 protected:
-    InputStatus status_;
+    InputStatus network; /**< what the input knows, for it to fill */
 };
 
 } // namespace softdec

@@ -59,7 +59,7 @@ std::optional<UdpFrame> udp_in_ip(Bytes packet)
     if (packet.empty()) return std::nullopt;
     if (packet[0] >> 4 == 4)
     {
-        const std::size_t header = (packet[0] & 0x0fU) * 4U;
+        const std::size_t header = std::size_t{packet[0] & 0x0fU} * 4;
         if (header < 20 || packet.size() < header || packet[9] != protocol_udp) return std::nullopt;
         const unsigned fragment = big_endian_16(packet, 6);
         if ((fragment & 0x1fff) != 0) return std::nullopt;

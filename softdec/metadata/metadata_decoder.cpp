@@ -10,7 +10,7 @@ namespace softdec
 namespace
 {
 
-constexpr Ticks furthest = 11 * ticks_per_second;
+constexpr Ticks furthest_metadata = 11 * ticks_per_second;
 
 /** Every key of SMPTE ST 336 begins so. */
 constexpr std::array<std::uint8_t, 4> universal_label = {0x06, 0x0e, 0x2b, 0x34};
@@ -81,7 +81,7 @@ void MetadataDecoder::take(SMGR_METADATA_CHANNEL_TYPE type, std::size_t bytes, b
         channel.tCounters.tLastAsynchronousPacket = now;
     }
     const Waiting packet = {.pts = pts.value_or(0), .bytes = bytes, .received = clock_.now()};
-    if (!pts || !stc || *pts - *stc > furthest) return put_out(index, packet);
+    if (!pts || !stc || *pts - *stc > furthest_metadata) return put_out(index, packet);
 
     const bool first = channel.tCounters.tMinOutputSTCLeadTime == 0;
     const int lead = milliseconds(*pts - *stc);

@@ -110,7 +110,7 @@ void parse_user_data(Bytes payload, PictureMetadata& metadata)
     const Bytes data = payload.subspan(header);
     if (is("GA94") && data.size() >= 3 && data[0] == 3 && (data[1] & 0x40) != 0)
     {
-        const std::size_t bytes = (data[1] & 0x1fU) * 3U;
+        const std::size_t bytes = std::size_t{data[1] & 0x1fU} * 3;
         metadata.caption_bytes += static_cast<unsigned>(std::min(bytes, data.size() - 3));
     }
     else if (is("DTG1") && data.size() >= 2 && (data[0] & 0x40) != 0)

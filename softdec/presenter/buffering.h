@@ -21,6 +21,9 @@ namespace softdec
 /** The decoders get packets this long before their time [90 kHz ticks]: for reordering, and one picture for its end to show. */
 inline constexpr Ticks decoder_lead = 600 * ticks_per_millisecond;
 
+/** A picture or frame of sound whose time is further away has a time stamp of another clock and cannot be shown or played. */
+inline constexpr Ticks furthest = 11 * ticks_per_second;
+
 class Buffering
 {
 public:

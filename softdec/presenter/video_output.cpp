@@ -2,14 +2,13 @@
 
 #include <algorithm>
 
+#include "presenter/buffering.h"
+
 namespace softdec
 {
 
 namespace
 {
-
-/** A picture whose time is further away has a time stamp of another clock and cannot be shown. */
-constexpr Ticks furthest = 11 * ticks_per_second;
 
 /** Not each picture need have a time stamp; ISO/IEC 13818-1, 2.7.4 asks for one each 0.7 s. */
 constexpr Ticks longest_unstamped = ticks_per_second * 7 / 10;

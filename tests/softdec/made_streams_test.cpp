@@ -400,6 +400,33 @@ TEST_P(MadeStream, IsClean)
     }
 }
 
+TEST(MadeSlowStream, HasAClockThatSettles)
+{
+    // Of a slow stream a PCR waits for the other packets of its datagram, up to 35 ms. After ten minutes the diagnosis expects a clock.
+    constexpr int many = 73;
+    const Bytes stream = multiplex(
+        {.streams =
+             {{.pid = 256, .type = 0x1b, .stream_id = 0xe0, .packets = packetize(again(encode(VideoCoding{.bits = 130'000}), many))}},
+         .rate = 300e3,
+         .lead = 90'000});
+    softdec::Chain chain({.has_arrivals = true, .decode = false, .live = false, .start = 0});
+    Watcher watcher;
+    softdec::Nanoseconds due = beginning + 590 * softdec::second;
+    for (const Arrival& arrival : datagrams(stream))
+    {
+        for (; arrival.moment > due; due += softdec::second)
+        {
+            chain.run_to(due);
+            watcher.look(chain);
+        }
+        chain.take({.channel = arrival.channel, .arrival = arrival.moment, .bytes = arrival.bytes}, {});
+    }
+    EXPECT_EQ(watcher.found, "");
+    EXPECT_EQ(chain.records().clock_recovery.PllNotSettled, 0);
+    EXPECT_NEAR(static_cast<double>(chain.records().clock_recovery.OldPll), 27e6, 27);
+    EXPECT_EQ(faults_in(chain), Faults{});
+}
+
 INSTANTIATE_TEST_SUITE_P(All, MadeStream, testing::ValuesIn(shapes),
                          [](const auto& parameter) { return std::string(parameter.param.name); });
 
