@@ -122,10 +122,9 @@ const Rules& link_rules()
                 const std::int64_t round_trip = window.value(rtt); // [us]
                 if (round_trip <= 0 || window.value(latency) * 2000 >= round_trip * 5) return false;
                 const std::int64_t bad = window.grown(too_late);
-                const std::int64_t all = window.value(too_late);
                 constexpr Limit since_start{.least = 100, .of_million = 500};
                 if (!lost_for_good.reached(bad, bad + window.grown(srt_received)) &&
-                    !since_start.reached(all, all + window.value(srt_received)))
+                    !since_start.reached(window.value(too_late), window.value(too_late) + window.value(srt_received)))
                     return false;
                 if (bad > 0) hit.say(share_text(bad, bad + window.grown(srt_received), "packets"));
                 return hit.show(latency).show(rtt).show(too_late).found();
