@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <array>
-#include <cstring>
+#include <string_view>
 
 namespace softdec
 {
@@ -23,11 +23,11 @@ constexpr std::size_t cell_header = 5;
 MetadataDecoder::MetadataDecoder(const VirtualClock& clock, SMGR_METADATADEC_STATS& record) : clock_(clock), record_(record)
 {
     record_.enState = SMGR_METADATA_STATE_IDLE;
-    constexpr std::array names = {"KLV", "TC", "CC", "AFD"};
+    constexpr std::array<std::string_view, 4> names = {"KLV", "TC", "CC", "AFD"};
     for (std::size_t i = 0; i < names.size(); ++i)
     {
         auto& channel = record_.tChannel[i];
-        std::strcpy(channel.szName, names[i]);
+        names.at(i).copy(channel.szName, sizeof channel.szName - 1); // the record begins with zeros
         channel.enType = static_cast<SMGR_METADATA_CHANNEL_TYPE>(i);
         channel.enState = SMGR_METADATA_STATE_IDLE;
     }

@@ -342,16 +342,19 @@ Faults faults_in(softdec::Chain& chain)
 class Watcher
 {
 public:
+    explicit Watcher(bool decode = true) : abilities_{.has_arrivals = true, .decode = decode, .live = false} {}
+
     void look(softdec::Chain& chain)
     {
         for (diagnosis::Diagnosis* diagnosis : {&hasty_, &usual_})
-            if (diagnosis->take(softdec::snapshot_of(chain, {.has_arrivals = true, .decode = true, .live = false})))
+            if (diagnosis->take(softdec::snapshot_of(chain, abilities_)))
                 if (const std::string findings = findings_of(diagnosis->result()); !findings.empty()) found += "\n" + findings;
     }
 
     std::string found;
 
 private:
+    softdec::Abilities abilities_;
     diagnosis::Diagnosis hasty_{{.window = 2, .confirm = false}};
     diagnosis::Diagnosis usual_;
 };
@@ -410,7 +413,7 @@ TEST(MadeSlowStream, HasAClockThatSettles)
          .rate = 300e3,
          .lead = 90'000});
     softdec::Chain chain({.has_arrivals = true, .decode = false, .live = false, .start = 0});
-    Watcher watcher;
+    Watcher watcher(false);
     softdec::Nanoseconds due = beginning + 590 * softdec::second;
     for (const Arrival& arrival : datagrams(stream))
     {

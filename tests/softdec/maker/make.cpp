@@ -21,7 +21,7 @@ Bytes five_megabits()
 {
     constexpr int packets = 31'915;
     constexpr double seconds = 9.6;
-    Multiplex shape = {.streams = {}, .rate = packets * ts_size * 8 / seconds};
+    Multiplex shape = {.rate = packets * ts_size * 8 / seconds, .length = static_cast<softdec::Ticks>(seconds * softdec::ticks_per_second)};
     const VideoCoding video = {.width = 720, .height = 576, .bits = 4'350'000, .frames = 240};
     const AudioCoding audio = {.bits = 128'000, .seconds = seconds};
     const auto pictures = encode(video);

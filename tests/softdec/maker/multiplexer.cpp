@@ -159,7 +159,7 @@ std::vector<Waiting> schedule(const Multiplex& multiplex)
             first = std::min(first, pes.due);
             last = std::max(last, pes.due);
         }
-    const Ticks end = last - first + 3600;
+    const Ticks end = std::max(last - first + 3600, multiplex.length);
     // Where several are due at once, tables and clock come first.
     for (Ticks due = 0; due < end; due += multiplex.table_interval)
     {

@@ -44,6 +44,7 @@ struct Multiplex
 {
     std::vector<Stream> streams = {};
     double rate = 0;                       /**< bit/s, filled up with null packets; 0 = variable, without any */
+    softdec::Ticks length = 0;             /**< of the whole, at least */
     softdec::Ticks lead = 60'000;          /**< that packets are sent before their DTS */
     softdec::Ticks begin = 900'000;        /**< first PCR; wraps */
     softdec::Ticks pcr_interval = 2'700;   /**< 30 ms */
