@@ -88,6 +88,7 @@ class Page(PageTest):
         self.assertLess(time.monotonic() - told, 2)
         until(lambda: self.text("#stage-link .state b") == "Stopped", "the state", 5)
         self.assertEqual(self.text("#first-link"), "Link")
+        self.assertRegex(self.text("#place"), r"^(For [0-9].*)?$")
         self.assertEqual(self.text("#action"), "Do now: " + found[0]["action"])
         self.assertEqual(self.text("#stage-link .state .first"), "First problem")
         self.assertEqual(self.texts("#stage-link .ref"), ["1"])

@@ -52,7 +52,7 @@ export function show_verdict(now) {
 function place_text(verdict, title) {
   const place = verdict.place ?? "";
   if (!title || !place.startsWith(title)) return place;
-  const rest = place.slice(title.length).replace(/^[:.\s]+/, "");
+  const rest = place.slice(title.length).replace(/^[:.,\s]+/, "");
   return rest && `${rest[0].toUpperCase()}${rest.slice(1)}`;
 }
 
