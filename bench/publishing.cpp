@@ -10,8 +10,7 @@
 #include <limits>
 
 #include "bars.h"
-#include "samples.h"
-#include "stats_publish.h"
+#include "samples_publish.h"
 
 namespace
 {
@@ -21,18 +20,6 @@ constexpr int repetitions = 20;
 
 using Copy = void* (*)(void*, const void*, std::size_t);
 volatile Copy copy = std::memcpy; // volatile: a call, with a size that the compiler cannot use
-
-void publish_all(STATS_PUBLISHER* publisher, const SAMPLES_RECORDS& records)
-{
-    STATS_PublishForTDemux(publisher, &records.tTDemux);
-    STATS_PublishForVFramer(publisher, &records.tVFramer);
-    STATS_PublishForVideoDecoder(publisher, &records.tVideoDecoder);
-    STATS_PublishForAudioDecoder(publisher, &records.tAudio);
-    STATS_PublishForMetadataDec(publisher, &records.tMetadata);
-    STATS_PublishForCBuffering(publisher, &records.tBuffering);
-    STATS_PublishForClockRecovery(publisher, &records.tClockRecovery);
-    STATS_PublishForDecoderUsage(publisher, &records.tUsage);
-}
 
 void copy_all(SAMPLES_RECORDS& to, const SAMPLES_RECORDS& records)
 {
@@ -76,7 +63,7 @@ int main(int argc, char** argv)
     double copying = publishing;
     for (int i = 0; i < runs; ++i)
     {
-        publishing = std::min(publishing, time_of([&] { publish_all(publisher, records); }));
+        publishing = std::min(publishing, time_of([&] { samples_publish(publisher, &records); }));
         copying = std::min(copying, time_of([&] { copy_all(copied, records); }));
     }
     STATS_PublishClose(publisher);

@@ -9,8 +9,7 @@
 #include <limits>
 
 #include "bench.h"
-#include "samples.h"
-#include "stats_publish.h"
+#include "samples_publish.h"
 
 namespace
 {
@@ -29,14 +28,7 @@ public:
         if (publisher_ == nullptr) fail(error.szText);
         static SAMPLES_RECORDS records;
         samples_find("live-srt-1080i")->pFill(&records, time(nullptr));
-        STATS_PublishForTDemux(publisher_, &records.tTDemux);
-        STATS_PublishForVFramer(publisher_, &records.tVFramer);
-        STATS_PublishForVideoDecoder(publisher_, &records.tVideoDecoder);
-        STATS_PublishForAudioDecoder(publisher_, &records.tAudio);
-        STATS_PublishForMetadataDec(publisher_, &records.tMetadata);
-        STATS_PublishForCBuffering(publisher_, &records.tBuffering);
-        STATS_PublishForClockRecovery(publisher_, &records.tClockRecovery);
-        STATS_PublishForDecoderUsage(publisher_, &records.tUsage);
+        samples_publish(publisher_, &records);
     }
     ~LiveDecoder()
     {

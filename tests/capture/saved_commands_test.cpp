@@ -29,6 +29,26 @@ std::string eventful(const ScratchDirectory& directory)
     return path;
 }
 
+/** A frame in a file [bytes]. */
+struct Frame
+{
+    std::uint64_t offset;
+    std::uint64_t size;
+};
+
+/** Changes a byte of the first snapshot that is told from the one before. */
+Frame damage_first_change(const ScratchDirectory& directory, const std::string& name)
+{
+    capture::FrameReader frames(directory / name);
+    frames.start();
+    auto part = frames.next();
+    while (part.type != capture::FrameType::change) part = frames.next();
+    std::string bytes = content_of(directory / name);
+    bytes[part.offset + 12] ^= 1;
+    directory.write(name, bytes);
+    return {part.offset, part.size};
+}
+
 TEST(History, TellsSpanRestartsAndGaps)
 {
     const ScratchDirectory directory;
@@ -87,13 +107,8 @@ TEST(Check, NamesDamageAndRepairLeavesItOut)
     const ScratchDirectory directory;
     const std::string path = eventful(directory);
     const std::vector<records::Snapshot> all = held_in(path).snapshots;
-    capture::FrameReader frames(path);
-    frames.start();
-    auto part = frames.next();
-    while (part.type != capture::FrameType::change) part = frames.next(); // the second snapshot, from which three others are told
-    std::string bytes = content_of(path);
-    bytes[part.offset + 12] ^= 1;
-    directory.write("a.dcap", bytes);
+    const Frame part = damage_first_change(directory, "a.dcap"); // the second snapshot, from which three others are told
+    const std::string damaged = content_of(path);
 
     const Finish check = run({"check", path});
     EXPECT_EQ(check.status, 2);
@@ -105,7 +120,7 @@ TEST(Check, NamesDamageAndRepairLeavesItOut)
     const Finish repair = run({"repair", path, directory / "b.dcap"});
     EXPECT_EQ(repair.status, 0);
     EXPECT_EQ(repair.out, "4 snapshots kept, " + std::to_string(part.size) + " bytes left out\n");
-    EXPECT_EQ(content_of(path), bytes);
+    EXPECT_EQ(content_of(path), damaged);
     expect_same(held_in(directory / "b.dcap").snapshots, {all[0], all[5], all[6], all[7]});
     EXPECT_EQ(run({"check", directory / "b.dcap"}).status, 0);
     EXPECT_NE(run({"history", directory / "b.dcap"}).out.find("gap of 3m 00s: damaged\n"), std::string::npos);
@@ -270,13 +285,7 @@ TEST(CaptureSource, WhatIsLostOfARangeIsToldAndTheRestShown)
     const auto snapshots = Living("live-srt-1080i").snapshots(70);
     const std::string path = directory / "a";
     capture_all(path, snapshots);
-    capture::FrameReader frames(path);
-    frames.start();
-    auto part = frames.next();
-    while (part.type != capture::FrameType::change) part = frames.next();
-    std::string bytes = content_of(path);
-    bytes[part.offset + 12] ^= 1;
-    directory.write("a", bytes);
+    const Frame part = damage_first_change(directory, "a");
     const Finish finish = run({"show", path, "--from", "0", "--format", "ndjson", "--field", "tdemux.received_packets"});
     EXPECT_EQ(finish.status, 0);
     EXPECT_EQ(lines_of(finish.out).size(), 11u); // the first, and from the whole one behind a minute on
@@ -305,13 +314,7 @@ TEST(CaptureSource, WhatIsLostBehindTheSnapshotShownIsTold)
     const auto snapshots = Living("live-srt-1080i").snapshots(3);
     const std::string path = directory / "a";
     capture_all(path, snapshots);
-    capture::FrameReader frames(path);
-    frames.start();
-    auto part = frames.next();
-    while (part.type != capture::FrameType::change) part = frames.next();
-    std::string bytes = content_of(path);
-    bytes[part.offset + 12] ^= 1;
-    directory.write("a", bytes);
+    const Frame part = damage_first_change(directory, "a");
     const Finish finish = run({"show", path, "--field", "tdemux.received_packets"});
     EXPECT_EQ(finish.status, 0);
     EXPECT_EQ(finish.out, received(snapshots[0]));

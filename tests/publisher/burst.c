@@ -6,8 +6,7 @@
 #include <string.h>
 #include <unistd.h>
 
-#include "samples.h"
-#include "stats_publish.h"
+#include "samples_publish.h"
 
 int main(int argc, char** argv)
 {
@@ -24,14 +23,7 @@ int main(int argc, char** argv)
     if (write(STDERR_FILENO, "begin\n", 6) != 6) return 3;
     for (int i = 0; i < 10000; i++)
     {
-        STATS_PublishForTDemux(pPublisher, &tRecords.tTDemux);
-        STATS_PublishForVFramer(pPublisher, &tRecords.tVFramer);
-        STATS_PublishForVideoDecoder(pPublisher, &tRecords.tVideoDecoder);
-        STATS_PublishForAudioDecoder(pPublisher, &tRecords.tAudio);
-        STATS_PublishForMetadataDec(pPublisher, &tRecords.tMetadata);
-        STATS_PublishForCBuffering(pPublisher, &tRecords.tBuffering);
-        STATS_PublishForClockRecovery(pPublisher, &tRecords.tClockRecovery);
-        STATS_PublishForDecoderUsage(pPublisher, &tRecords.tUsage);
+        samples_publish(pPublisher, &tRecords);
         STATS_PublishHeartbeat(pPublisher);
     }
     if (write(STDERR_FILENO, "end\n", 4) != 4) return 3;

@@ -18,9 +18,9 @@
 
 #include "bounds.h"
 #include "http.h"
+#include "samples_publish.h"
 #include "scratch_directory.h"
 #include "simulation.h"
-#include "stats_publish.h"
 
 using namespace std::chrono_literals;
 using std::chrono::steady_clock;
@@ -48,15 +48,7 @@ public:
     void publish()
     {
         simulation_.advance(std::chrono::system_clock::now() - simulation_.now());
-        const SAMPLES_RECORDS& records = simulation_.records();
-        STATS_PublishForTDemux(publisher_, &records.tTDemux);
-        STATS_PublishForVFramer(publisher_, &records.tVFramer);
-        STATS_PublishForVideoDecoder(publisher_, &records.tVideoDecoder);
-        STATS_PublishForAudioDecoder(publisher_, &records.tAudio);
-        STATS_PublishForMetadataDec(publisher_, &records.tMetadata);
-        STATS_PublishForCBuffering(publisher_, &records.tBuffering);
-        STATS_PublishForClockRecovery(publisher_, &records.tClockRecovery);
-        STATS_PublishForDecoderUsage(publisher_, &records.tUsage);
+        samples_publish(publisher_, &simulation_.records());
         STATS_PublishHeartbeat(publisher_);
     }
 

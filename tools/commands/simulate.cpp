@@ -14,10 +14,10 @@
 #include "failure.h"
 #include "name.h"
 #include "options.h"
+#include "samples_publish.h"
 #include "signals.h"
 #include "simulation.h"
 #include "standard_output.h"
-#include "stats_publish.h"
 
 namespace commands
 {
@@ -61,14 +61,7 @@ public:
 
     void publish(const SAMPLES_RECORDS& records)
     {
-        STATS_PublishForTDemux(publisher_, &records.tTDemux);
-        STATS_PublishForVFramer(publisher_, &records.tVFramer);
-        STATS_PublishForVideoDecoder(publisher_, &records.tVideoDecoder);
-        STATS_PublishForAudioDecoder(publisher_, &records.tAudio);
-        STATS_PublishForMetadataDec(publisher_, &records.tMetadata);
-        STATS_PublishForCBuffering(publisher_, &records.tBuffering);
-        STATS_PublishForClockRecovery(publisher_, &records.tClockRecovery);
-        STATS_PublishForDecoderUsage(publisher_, &records.tUsage);
+        samples_publish(publisher_, &records);
         STATS_PublishHeartbeat(publisher_);
     }
 
