@@ -97,7 +97,7 @@ def rfc3339(moment):
     return time.strftime("%Y-%m-%dT%H:%M:%S", time.gmtime(moment // 10**9)) + f".{moment % 10**9:09d}Z"
 
 
-class Capture(unittest.TestCase):
+class Case(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
         """A file that a live decoder was captured to, and behind a gap another run of its host."""
@@ -119,6 +119,8 @@ class Capture(unittest.TestCase):
         cls.data = cls.path.read_bytes()
         cls.snapshots, cls.lost = read(cls.data)
 
+
+class Capture(Case):
     def check_as_shown(self, data, snapshot):
         path = pathlib.Path(self.directory, "shown.dcap")
         path.write_bytes(data)
@@ -191,6 +193,18 @@ class Capture(unittest.TestCase):
             self.assertIn(f"{path}: ", found.stderr)
             self.assertIn(expected, found.stderr)
 
+    def test_elsewhere(self):
+        """Layouts that stand behind what names them, frames of types to come, a header of another size."""
+        frames = frames_of(released)
+        (layout,) = [released[begin:end] for begin, end, kind in frames if kind == 1]
+        others = [released[begin:end] for begin, end, kind in frames if kind != 1]
+        header = released[:16] + struct.pack("<I", 32)
+        header += struct.pack("<I", zlib.crc32(header)) + bytes(8)
+        data = header + frame(200, b"to come").join(others) + frame(255, b"") + layout
+        self.assertEqual(read(data), read(released))
+
+
+class Damaged(Case):
     def test_damage(self):
         """A live capture with bytes flipped, cut out, or cut off: before, in and behind whole snapshots."""
         frames = frames_of(self.data)
@@ -234,16 +248,6 @@ class Capture(unittest.TestCase):
             for size in (1, 12, 13, 60):
                 if at + size < len(released):
                     self.check_damaged(released, snapshots, at, at + size, b"")
-
-    def test_elsewhere(self):
-        """Layouts that stand behind what names them, frames of types to come, a header of another size."""
-        frames = frames_of(released)
-        (layout,) = [released[begin:end] for begin, end, kind in frames if kind == 1]
-        others = [released[begin:end] for begin, end, kind in frames if kind != 1]
-        header = released[:16] + struct.pack("<I", 32)
-        header += struct.pack("<I", zlib.crc32(header)) + bytes(8)
-        data = header + frame(200, b"to come").join(others) + frame(255, b"") + layout
-        self.assertEqual(read(data), read(released))
 
     def test_lies(self):
         """Frames that are whole, whatever they say, are decoded or refused, without another exception."""
