@@ -39,11 +39,6 @@ struct Options
     sources::Range range;
 };
 
-[[noreturn]] void fail(const std::string& message)
-{
-    throw files::Failure(files::ExitStatus::input_failed, message);
-}
-
 /** What goes into the file, and what is told of it on standard error. */
 class Capture
 {
@@ -172,8 +167,8 @@ void capture_captured(const Options& options, Capture& capture)
 void run(const Options& options, bool has_times)
 {
     const bool is_captured = sources::is_captured(options.source);
-    if (is_captured && has_times) fail("--every and --for are for sources that live; a capture file has moments of its own");
-    if (!is_captured && options.range.is_given()) fail("--from and --to are for a SOURCE that is a capture file");
+    if (is_captured && has_times) files::fail_input("--every and --for are for sources that live; a capture file has moments of its own");
+    if (!is_captured && options.range.is_given()) files::fail_input("--from and --to are for a SOURCE that is a capture file");
     Capture capture(options);
     if (is_captured)
         capture_captured(options, capture);
@@ -201,7 +196,7 @@ void add_capture(Command& command, Invocation& /*invocation*/)
         [options, every, lasts]
         {
             if (options->file.empty()) std::swap(options->file, options->source.text);
-            if (options->file.empty()) fail("FILE is required; see 'decstats capture --help'");
+            if (options->file.empty()) files::fail_input("FILE is required; see 'decstats capture --help'");
             try
             {
                 run(*options, every.is_given() || lasts.is_given());

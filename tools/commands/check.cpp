@@ -49,9 +49,8 @@ void check(const std::string& path)
     }
     files::print(std::to_string(snapshots) + (snapshots == 1 ? " snapshot" : " snapshots") + " can be read\n");
     if (damaged == 0) return;
-    throw files::Failure(files::ExitStatus::input_failed, files::shown(path) + ": damaged in " + std::to_string(damaged) +
-                                                              (damaged == 1 ? " place" : " places") +
-                                                              "; 'decstats repair' writes a file of what can be read");
+    files::fail_input(files::shown(path) + ": damaged in " + std::to_string(damaged) + (damaged == 1 ? " place" : " places") +
+                      "; 'decstats repair' writes a file of what can be read");
 }
 
 } // namespace

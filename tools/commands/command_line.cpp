@@ -45,11 +45,6 @@ constexpr Entry entries[] = {
     {"version", "Print the versions of decstats and the report library, or those in a file", add_version},
 };
 
-[[noreturn]] void fail(const std::string& message)
-{
-    throw files::Failure(files::ExitStatus::input_failed, message);
-}
-
 /** The command that the command line names, or the app itself. */
 const CLI::App& chosen(const CLI::App& app)
 {
@@ -94,14 +89,14 @@ void refuse_unexpected(const CLI::App& app)
     const auto option = std::ranges::find_if(words, is_option);
     if (option == words.end())
     {
-        if (&command == &app) fail("'" + words.front() + "' is not a command; the commands are " + command_names());
-        fail("'" + words.front() + "' is not expected; see '" + full_name(command) + " --help'");
+        if (&command == &app) files::fail_input("'" + words.front() + "' is not a command; the commands are " + command_names());
+        files::fail_input("'" + words.front() + "' is not expected; see '" + full_name(command) + " --help'");
     }
 
     const std::string name = option->substr(0, option->find('='));
     if (&command != &app && command.get_option_no_throw(name) != nullptr)
-        fail(name + " stands behind the command: " + full_name(command) + " " + name);
-    fail(name + " is not an option of '" + full_name(command) + "', which has " + option_names(command));
+        files::fail_input(name + " stands behind the command: " + full_name(command) + " " + name);
+    files::fail_input(name + " is not an option of '" + full_name(command) + "', which has " + option_names(command));
 }
 
 /** Adds the commands that the command line has a word for: setting all of them up takes longer than most of them run. */
@@ -146,9 +141,9 @@ void parse(CLI::App& app, int argc, char** argv)
         // A word without a place often makes the next one look wrong, so it comes first.
         refuse_unexpected(app);
         const bool says_enough = dynamic_cast<const CLI::ValidationError*>(&error) != nullptr;
-        fail(error.what() + (says_enough ? "" : "; see '" + full_name(chosen(app)) + " --help'"));
+        files::fail_input(error.what() + (says_enough ? "" : "; see '" + full_name(chosen(app)) + " --help'"));
     }
-    if (app.get_subcommands().empty()) fail("which command? The commands are " + command_names() + "; see 'decstats --help'");
+    if (app.get_subcommands().empty()) files::fail_input("which command? The commands are " + command_names() + "; see 'decstats --help'");
 }
 
 } // namespace

@@ -40,8 +40,7 @@ std::vector<const Field*> described_fields(const std::vector<std::string>& names
     {
         const std::vector<const Field*> found = views::find_fields(name);
         if (found.empty())
-            throw files::Failure(files::ExitStatus::input_failed,
-                                 unknown_text(name, "field, C member, metric, report line or component", views::nearest_names(name)));
+            files::fail_input(unknown_text(name, "field, C member, metric, report line or component", views::nearest_names(name)));
         for (const Field* field : found)
             if (std::ranges::find(all, field) == all.end()) all.push_back(field);
     }
@@ -93,8 +92,7 @@ void describe(const Options& options)
         const std::string other = other_description(name);
         const bool is_of_fields = other.empty() || !views::find_fields(name).empty();
         if (is_of_fields) names.push_back(name);
-        if (!is_of_fields && options.format == "json")
-            throw files::Failure(files::ExitStatus::input_failed, "'" + name + "' is no field, and --format json has fields only");
+        if (!is_of_fields && options.format == "json") files::fail_input("'" + name + "' is no field, and --format json has fields only");
         if (!other.empty()) others += (others.empty() ? "" : "\n") + other;
     }
     std::vector<const Field*> fields;

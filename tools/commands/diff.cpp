@@ -30,7 +30,7 @@ struct Options
 void diff(const Options& options)
 {
     if (options.new_source.empty() && !options.from && !options.to)
-        throw files::Failure(files::ExitStatus::input_failed, "which NEW? A SOURCE, or --from and --to for two moments of OLD");
+        files::fail_input("which NEW? A SOURCE, or --from and --to for two moments of OLD");
     const std::string& new_source = options.new_source.empty() ? options.old_source : options.new_source;
     const auto old = std::make_unique<records::Snapshot>(sources::take({options.old_source, options.directory}, options.from));
     const auto now = std::make_unique<records::Snapshot>(sources::take({new_source, options.directory}, options.to));

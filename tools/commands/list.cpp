@@ -28,7 +28,7 @@ struct Options
 void list(const Options& options)
 {
     const published::Listing listing = published::list(options.directory);
-    if (listing.problem) throw files::Failure(files::ExitStatus::input_failed, listing.problem->text);
+    if (listing.problem) files::fail_input(listing.problem->text);
     const std::int64_t now = sources::present_moment();
     if (options.format == "json") return files::print(views::indented(views::decoders_json(listing, options.directory, now)) + "\n");
     if (listing.decoders.empty()) files::warn("no decoder is published in " + files::shown(options.directory));

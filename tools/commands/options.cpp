@@ -124,7 +124,7 @@ std::vector<dictionary::Found> named_fields(const std::vector<std::string>& name
         const auto field = dictionary::find(name);
         if (!field)
         {
-            throw files::Failure(files::ExitStatus::input_failed, unknown_text(name, "field", views::nearest_field_names(name)));
+            files::fail_input(unknown_text(name, "field", views::nearest_field_names(name)));
         }
         found.push_back(*field);
     }

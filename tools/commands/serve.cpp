@@ -33,8 +33,8 @@ constexpr const char* program = "decstats-serve";
     arguments.push_back(nullptr);
     execv(path.c_str(), arguments.data());
     const int number = errno;
-    throw files::Failure(files::ExitStatus::input_failed, path.string() + ": " + std::strerror(number) +
-                                                              (number == ENOENT ? "; it is in a package of its own, decstats-serve" : ""));
+    files::fail_input(path.string() + ": " + std::strerror(number) +
+                      (number == ENOENT ? "; it is in a package of its own, decstats-serve" : ""));
 }
 
 } // namespace

@@ -39,11 +39,6 @@ struct Options
     std::string output;
 };
 
-[[noreturn]] void fail(const std::string& message)
-{
-    throw files::Failure(files::ExitStatus::input_failed, message);
-}
-
 /** The format without --format. */
 std::string usual_format(const Options& options)
 {
@@ -54,20 +49,21 @@ std::string usual_format(const Options& options)
 void check(const Options& options)
 {
     const bool is_json = options.format == "json" || options.format == "ndjson";
-    if (options.raw && !is_json) fail("--raw is for JSON: --format json or ndjson");
-    if (options.raw && !options.fields.empty()) fail("--raw shows whole records, so there is no --field with it");
+    if (options.raw && !is_json) files::fail_input("--raw is for JSON: --format json or ndjson");
+    if (options.raw && !options.fields.empty()) files::fail_input("--raw shows whole records, so there is no --field with it");
     if (!options.fields.empty() && !is_json && options.format != "text")
-        fail("--field is for text and JSON: --format text, json or ndjson");
+        files::fail_input("--field is for text and JSON: --format text, json or ndjson");
     if (!options.output.empty() && options.format == "text" && options.fields.empty())
-        fail("--output is for what programs read: --format json, ndjson, openmetrics or prometheus");
+        files::fail_input("--output is for what programs read: --format json, ndjson, openmetrics or prometheus");
     if (options.range.is_given())
     {
-        if (options.at) fail("--at is one moment, --from and --to are a range: not both");
-        if (options.format != "ndjson") fail("a range is many snapshots: --from and --to are for --format ndjson");
-        if (!options.output.empty()) fail("--output replaces a file whole, so there is no range in it: not with --from and --to");
+        if (options.at) files::fail_input("--at is one moment, --from and --to are a range: not both");
+        if (options.format != "ndjson") files::fail_input("a range is many snapshots: --from and --to are for --format ndjson");
+        if (!options.output.empty())
+            files::fail_input("--output replaces a file whole, so there is no range in it: not with --from and --to");
     }
     if (!options.decoder.empty() && options.format == "text")
-        fail("--decoder is for what has the name in it: --format json, ndjson, openmetrics or prometheus");
+        files::fail_input("--decoder is for what has the name in it: --format json, ndjson, openmetrics or prometheus");
 }
 
 /** The components that the options ask for; none = all. */
@@ -77,7 +73,7 @@ std::bitset<records::component_count> wanted_components(const Options& options, 
     for (const dictionary::Found& found : fields)
     {
         if (options.components.any() && !options.components[found.field->component])
-            fail("--field " + std::string(found.field->full_name) + " is of no component that --component names");
+            files::fail_input("--field " + std::string(found.field->full_name) + " is of no component that --component names");
         wanted.set(found.field->component);
     }
     return fields.empty() ? options.components : wanted;
@@ -90,7 +86,8 @@ void restrict(records::Snapshot& snapshot, const Options& options, std::bitset<r
     for (const records::Component& component : records::components())
     {
         if (snapshot.has(component)) continue;
-        if (wanted[component.index]) fail(files::shown(options.source.text) + ": no " + std::string(component.name) + " record");
+        if (wanted[component.index])
+            files::fail_input(files::shown(options.source.text) + ": no " + std::string(component.name) + " record");
         missing += (missing.empty() ? "" : ", ") + std::string(component.name);
     }
     if (wanted.any())
@@ -123,7 +120,8 @@ void name(records::Snapshot& snapshot, const Options& options)
 {
     if (options.decoder.empty()) return;
     if (!snapshot.decoder.empty())
-        fail(files::shown(options.source.text) + ": its decoder has the name " + snapshot.decoder + "; --decoder is for what has none");
+        files::fail_input(files::shown(options.source.text) + ": its decoder has the name " + snapshot.decoder +
+                          "; --decoder is for what has none");
     snapshot.decoder = options.decoder;
 }
 
@@ -132,14 +130,14 @@ void write_file(const std::string& path, const std::string& content)
 {
     const std::filesystem::path file(path);
     const files::LockedDirectory directory(file.has_parent_path() ? file.parent_path().string() : ".");
-    if (!file.has_filename()) fail(files::shown(path) + ": a directory, but --output names a file");
+    if (!file.has_filename()) files::fail_input(files::shown(path) + ": a directory, but --output names a file");
     files::write_set(directory, {{file.filename().string(), std::as_bytes(std::span(content))}});
 }
 
 /** A line of JSON for each Snapshot. What a Snapshot lacks its line lacks, as that of a decoder that has just begun. */
 void show_range(const Options& options, const std::vector<dictionary::Found>& fields, std::bitset<records::component_count> wanted)
 {
-    if (!sources::is_captured(options.source)) fail("--from and --to are for a SOURCE that is a capture file");
+    if (!sources::is_captured(options.source)) files::fail_input("--from and --to are for a SOURCE that is a capture file");
     sources::Captured captured(options.source.text, options.range);
     bool is_empty = true;
     while (std::optional<records::Snapshot> snapshot = captured.next())
@@ -149,7 +147,7 @@ void show_range(const Options& options, const std::vector<dictionary::Found>& fi
         name(*snapshot, options);
         files::print(json(*snapshot, options, fields));
     }
-    if (is_empty) fail(files::shown(options.source.text) + ": holds no snapshot of that range");
+    if (is_empty) files::fail_input(files::shown(options.source.text) + ": holds no snapshot of that range");
 }
 
 void show(Options& options, const LibraryFile& library)

@@ -89,8 +89,7 @@ void require_fault_of(const std::string& scenario, const std::string& name)
 {
     const samples::Fault* const fault = samples::find_fault(name);
     if (fault != nullptr && fault->scenario != scenario)
-        throw files::Failure(files::ExitStatus::input_failed,
-                             "--fault: " + name + " is a fault of the scenario " + fault->scenario + ", not of " + scenario);
+        files::fail_input("--fault: " + name + " is a fault of the scenario " + fault->scenario + ", not of " + scenario);
 }
 
 void simulate(const Options& options)
@@ -138,8 +137,7 @@ void add_simulate(Command& command, Invocation& /*invocation*/)
         [options]
         {
             if (options->list_faults) return list_faults();
-            if (options->scenario.empty())
-                throw files::Failure(files::ExitStatus::input_failed, "SCENARIO is required; 'decstats demo --list' lists all");
+            if (options->scenario.empty()) files::fail_input("SCENARIO is required; 'decstats demo --list' lists all");
             require_fault_of(options->scenario, options->fault);
             simulate(*options);
         });

@@ -29,7 +29,7 @@ void print_version_records(const std::string& path)
                                                          if (!std::exchange(is_first, false)) std::puts("");
                                                          print_version_record(record, offset);
                                                      });
-    if (count == 0) throw files::Failure(files::ExitStatus::input_failed, file.name() + ": no version record found");
+    if (count == 0) files::fail_input(file.name() + ": no version record found");
 }
 
 void print_versions(const LibraryFile& library)

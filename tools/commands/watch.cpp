@@ -46,15 +46,10 @@ struct Options
     }
 };
 
-[[noreturn]] void fail(const std::string& message)
-{
-    throw files::Failure(files::ExitStatus::input_failed, message);
-}
-
 std::unique_ptr<sources::Series> open_series(const Options& options)
 {
     if (sources::is_captured(options.source)) return sources::open_playback(options.source.text, options.range);
-    if (options.speed || options.range.is_given()) fail("--speed, --from and --to are for a SOURCE that is a capture file");
+    if (options.speed || options.range.is_given()) files::fail_input("--speed, --from and --to are for a SOURCE that is a capture file");
     return sources::open_series(options.source);
 }
 

@@ -9,6 +9,11 @@ namespace files
 
 Failure::Failure(ExitStatus status, std::string_view message) : std::runtime_error(printable(message)), status_(status) {}
 
+void fail_input(std::string_view message)
+{
+    throw Failure(ExitStatus::input_failed, message);
+}
+
 std::string printable(std::string_view text)
 {
     constexpr char digits[] = "0123456789abcdef";

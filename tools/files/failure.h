@@ -37,6 +37,9 @@ private:
     ExitStatus status_;
 };
 
+/** Ends a command whose command line was wrong, or that cannot read an input. @param message as for a Failure */
+[[noreturn]] void fail_input(std::string_view message);
+
 /**
  * Makes a text safe for a terminal.
  * @param text any bytes

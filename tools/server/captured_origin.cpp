@@ -30,8 +30,7 @@ public:
     {
         open();
         name_ = last_.decoder;
-        if (!published::is_name(name_))
-            throw files::Failure(files::ExitStatus::input_failed, files::shown(path_) + ": has no name of a decoder to serve it by");
+        if (!published::is_name(name_)) files::fail_input(files::shown(path_) + ": has no name of a decoder to serve it by");
     }
 
     Sight look() override

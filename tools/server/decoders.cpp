@@ -18,11 +18,6 @@ namespace
 
 using std::chrono::steady_clock;
 
-[[noreturn]] void fail(const std::string& message)
-{
-    throw files::Failure(files::ExitStatus::input_failed, message);
-}
-
 } // namespace
 
 Decoders::Decoders(Watched watched) : watched_(std::move(watched))
@@ -42,7 +37,7 @@ void Decoders::add_source(const std::string& source)
         return add(name, std::move(origin));
     }
     if (std::filesystem::exists(source, ignored) || !published::is_name(source))
-        fail(files::shown(source) + ": is neither a decoder's name nor a capture file, and nothing else is served");
+        files::fail_input(files::shown(source) + ": is neither a decoder's name nor a capture file, and nothing else is served");
     add_live(source, published::path_of(watched_.directory, source));
 }
 
@@ -50,7 +45,7 @@ void Decoders::add(const std::string& name, std::unique_ptr<Origin> origin)
 {
     auto decoder = std::make_shared<WatchedDecoder>(std::move(origin));
     const std::scoped_lock lock(mutex_);
-    if (!decoders_.try_emplace(name, std::move(decoder)).second) fail("two sources are of the decoder " + files::shown(name));
+    if (!decoders_.try_emplace(name, std::move(decoder)).second) files::fail_input("two sources are of the decoder " + files::shown(name));
 }
 
 void Decoders::add_live(const std::string& name, const std::string& path)

@@ -130,8 +130,7 @@ HttpServer::HttpServer(Listening listening, Access access, const Routes& routes)
     daemon_.reset(MHD_start_daemon(flags, 0, nullptr, nullptr, &handle, this, MHD_OPTION_EXTERNAL_LOGGER, &keep_message, complaint_.get(),
                                    MHD_OPTION_ARRAY, options.data(), MHD_OPTION_END));
     if (!daemon_)
-        throw files::Failure(files::ExitStatus::input_failed,
-                             (access_.identity ? "cannot serve with this certificate and key: " : "cannot serve: ") + complaint_->text);
+        files::fail_input((access_.identity ? "cannot serve with this certificate and key: " : "cannot serve: ") + complaint_->text);
     listening.release(); // the library's
 }
 

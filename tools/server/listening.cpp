@@ -25,11 +25,6 @@ namespace
 constexpr int first_inherited = 3; // SD_LISTEN_FDS_START
 constexpr int backlog = 256;
 
-[[noreturn]] void fail(const std::string& message)
-{
-    throw files::Failure(files::ExitStatus::input_failed, message);
-}
-
 /** The host and the port of an address. */
 std::pair<std::string, std::string> parts_of(const std::string& address)
 {
@@ -43,7 +38,7 @@ std::pair<std::string, std::string> parts_of(const std::string& address)
     unsigned number = 0;
     const auto [end, error] = std::from_chars(port.data(), port.data() + port.size(), number);
     if (host.empty() || port.empty() || error != std::errc() || end != port.data() + port.size() || number > 65535)
-        fail("--listen " + files::shown(address) + ": an address and a port are expected, as 127.0.0.1:9720 or [::1]:9720");
+        files::fail_input("--listen " + files::shown(address) + ": an address and a port are expected, as 127.0.0.1:9720 or [::1]:9720");
     return {host, port};
 }
 
@@ -94,10 +89,10 @@ Listening::Listening(const std::string& address)
     hints.ai_flags = AI_PASSIVE | AI_NUMERICSERV;
     addrinfo* found = nullptr;
     const int error = getaddrinfo(host.c_str(), port.c_str(), &hints, &found);
-    if (error != 0) fail("--listen " + files::shown(address) + ": " + gai_strerror(error));
+    if (error != 0) files::fail_input("--listen " + files::shown(address) + ": " + gai_strerror(error));
     const std::unique_ptr<addrinfo, decltype(&freeaddrinfo)> addresses(found, &freeaddrinfo);
     descriptor_ = listen_at(*addresses);
-    if (descriptor_ < 0) fail("cannot listen on " + files::shown(address) + ": " + std::strerror(errno));
+    if (descriptor_ < 0) files::fail_input("cannot listen on " + files::shown(address) + ": " + std::strerror(errno));
     host_ = host;
 }
 
@@ -110,14 +105,15 @@ bool Listening::is_inherited()
 Listening Listening::inherited()
 {
     const char* const count = std::getenv("LISTEN_FDS");
-    if (count == nullptr || std::string_view(count) != "1") fail("more than one socket was handed over, and there is use for one");
+    if (count == nullptr || std::string_view(count) != "1")
+        files::fail_input("more than one socket was handed over, and there is use for one");
     int accepts = 0;
     socklen_t size = sizeof accepts;
     AddressText host = {};
     PortText port = {};
     if (getsockopt(first_inherited, SOL_SOCKET, SO_ACCEPTCONN, &accepts, &size) != 0 || accepts == 0 ||
         !read_address(first_inherited, host, port))
-        fail("what was handed over is no socket that listens");
+        files::fail_input("what was handed over is no socket that listens");
     fcntl(first_inherited, F_SETFD, FD_CLOEXEC);
     fcntl(first_inherited, F_SETFL, fcntl(first_inherited, F_GETFL) | O_NONBLOCK);
     return {first_inherited, host.data()};

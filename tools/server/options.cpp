@@ -58,8 +58,7 @@ std::optional<Options> read_options(int argc, char** argv)
     catch (const CLI::ParseError& error)
     {
         const bool says_enough = dynamic_cast<const CLI::ValidationError*>(&error) != nullptr;
-        throw files::Failure(files::ExitStatus::input_failed,
-                             error.what() + std::string(says_enough ? "" : "; see 'decstats serve --help'"));
+        files::fail_input(error.what() + std::string(says_enough ? "" : "; see 'decstats serve --help'"));
     }
     return std::nullopt;
 }

@@ -50,8 +50,7 @@ void allow_many_files()
 Listening listen(const Options& options)
 {
     if (!Listening::is_inherited()) return Listening(options.listen.empty() ? usual_address : options.listen);
-    if (!options.listen.empty())
-        throw files::Failure(files::ExitStatus::input_failed, "--listen has no place where the socket is handed over by who starts this");
+    if (!options.listen.empty()) files::fail_input("--listen has no place where the socket is handed over by who starts this");
     return Listening::inherited();
 }
 

@@ -14,7 +14,7 @@ std::string read_text_file(const std::string& path)
     files::InputFile file(path);
     std::string text(most + 1, '\0');
     text.resize(file.read(std::as_writable_bytes(std::span(text))));
-    if (text.size() > most) throw files::Failure(files::ExitStatus::input_failed, files::shown(path) + ": is longer than 64 KiB");
+    if (text.size() > most) files::fail_input(files::shown(path) + ": is longer than 64 KiB");
     return text;
 }
 

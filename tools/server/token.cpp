@@ -46,8 +46,7 @@ std::string password_in(const std::string& credentials)
 
 Token::Token(const std::string& path)
 {
-    const auto fail = [&path](const std::string& text)
-    { throw files::Failure(files::ExitStatus::input_failed, files::shown(path) + ": " + text); };
+    const auto fail = [&path](const std::string& text) { files::fail_input(files::shown(path) + ": " + text); };
     struct stat file = {};
     if (stat(path.c_str(), &file) == 0 && S_ISREG(file.st_mode) && (file.st_mode & S_IROTH) != 0)
         fail("everybody may read the token; take that away with chmod o-r");

@@ -17,11 +17,6 @@ namespace
 using published::RecordState;
 using published::State;
 
-[[noreturn]] void fail(const std::string& message)
-{
-    throw files::Failure(files::ExitStatus::input_failed, message);
-}
-
 /** Whether its host is there. */
 bool is_alive(const published::Listed& decoder)
 {
@@ -32,15 +27,16 @@ bool is_alive(const published::Listed& decoder)
 std::string only_live(const std::string& directory)
 {
     const published::Listing listing = published::list(directory);
-    if (listing.problem) fail("no SOURCE, and no live decoder: " + listing.problem->text);
+    if (listing.problem) files::fail_input("no SOURCE, and no live decoder: " + listing.problem->text);
     const auto first = std::ranges::find_if(listing.decoders, is_alive);
     if (first != listing.decoders.end() && std::none_of(first + 1, listing.decoders.end(), is_alive)) return first->path;
 
     std::string names;
     for (const published::Listed& decoder : listing.decoders)
         names.append(names.empty() ? "" : ", ").append(decoder.name).append(" (").append(state_name(decoder.status.state)).append(")");
-    if (names.empty()) fail("no SOURCE, and no decoder is published in " + files::shown(directory));
-    fail("which SOURCE? In " + files::shown(directory) + (first == listing.decoders.end() ? " none is live: " : " there are ") + names);
+    if (names.empty()) files::fail_input("no SOURCE, and no decoder is published in " + files::shown(directory));
+    files::fail_input("which SOURCE? In " + files::shown(directory) +
+                      (first == listing.decoders.end() ? " none is live: " : " there are ") + names);
 }
 
 /** Whether a path is a published file by its name. */
@@ -84,8 +80,8 @@ std::optional<std::string> find_live(const Source& source)
     const bool is_hidden = type == std::filesystem::file_type::none; // its directory may not be searched
     if (type != std::filesystem::file_type::not_found && !is_hidden) return path;
     if (std::filesystem::exists(text, ignored)) return as_path;
-    fail(is_hidden ? published::Decoder(path).status().text
-                   : text + ": neither a decoder in " + files::shown(source.directory) + " nor a file");
+    files::fail_input(is_hidden ? published::Decoder(path).status().text
+                                : text + ": neither a decoder in " + files::shown(source.directory) + " nor a file");
 }
 
 published::Look LiveDecoder::look()
@@ -126,7 +122,7 @@ records::Snapshot take_live(const std::string& path, bool as_last_updated)
     published::Look look = LiveDecoder(path).look();
     const std::string problem = problem_of(look);
     if (!published::has_records(look.status.state) || look.snapshot.present.none())
-        fail(problem.empty() ? path + ": nothing has been published yet" : problem);
+        files::fail_input(problem.empty() ? path + ": nothing has been published yet" : problem);
     if (!problem.empty()) files::warn(problem);
     look.snapshot.is_up = look.status.state == State::live;
     if (as_last_updated) look.snapshot.taken_at = updated_at(look);

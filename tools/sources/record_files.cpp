@@ -16,11 +16,6 @@ namespace sources
 namespace
 {
 
-[[noreturn]] void fail(const std::string& message)
-{
-    throw files::Failure(files::ExitStatus::input_failed, message);
-}
-
 std::string count_of_bytes(std::uint64_t count)
 {
     return std::to_string(count) + (count == 1 ? " byte" : " bytes");
@@ -48,7 +43,7 @@ std::int64_t moment_of(const files::InputFile& file, const std::optional<At>& at
     if (!at) return as_written ? file.modified_at().value_or(present_moment()) : present_moment();
     if (at->moment) return *at->moment;
     const auto written = file.modified_at();
-    if (!written) fail(file.name() + ": is not a regular file, so it has no mtime for --at");
+    if (!written) files::fail_input(file.name() + ": is not a regular file, so it has no mtime for --at");
     return *written;
 }
 
@@ -83,8 +78,9 @@ records::Snapshot record_file(const records::Component* component, const std::st
 
     const records::Component* const found = records::find_component_of_size(count);
     if (component != nullptr && found != component)
-        fail(file.name() + ": " + found_size(count, limit, size) + ", but " + described(*component) + " has " + std::to_string(limit));
-    if (found == nullptr) fail(file.name() + ": " + found_size(count, limit, size) + ", which is the size of no record");
+        files::fail_input(file.name() + ": " + found_size(count, limit, size) + ", but " + described(*component) + " has " +
+                          std::to_string(limit));
+    if (found == nullptr) files::fail_input(file.name() + ": " + found_size(count, limit, size) + ", which is the size of no record");
 
     records::Snapshot snapshot;
     snapshot.taken_at = moment_of(file, at, as_written);
@@ -99,20 +95,20 @@ records::Snapshot record_directory(const std::string& path, const std::optional<
     std::vector<std::filesystem::path> paths;
     for (std::filesystem::directory_iterator entry(path, error), end; !error && entry != end; entry.increment(error))
         if (entry->path().extension() == ".rec" && !entry->path().filename().string().starts_with('.')) paths.push_back(entry->path());
-    if (error) fail(files::shown(path) + ": " + error.message());
-    if (paths.empty()) fail(files::shown(path) + ": no record file, *.rec");
+    if (error) files::fail_input(files::shown(path) + ": " + error.message());
+    if (paths.empty()) files::fail_input(files::shown(path) + ": no record file, *.rec");
     std::ranges::sort(paths);
 
     records::Snapshot all;
     for (const std::filesystem::path& file : paths)
     {
         if (components.any() && !has_any(file, components)) continue;
-        if (is_other_than_file(file)) fail(file.string() + ": is not a regular file, so it is no record");
+        if (is_other_than_file(file)) files::fail_input(file.string() + ": is not a regular file, so it is no record");
         const records::Snapshot one = record_file(records::find_component(file.stem().string()), file.string(), at, as_written);
         for (const records::Component& component : records::components())
         {
             if (!one.has(component)) continue;
-            if (all.has(component)) fail(file.string() + ": " + described(component) + ", of which the directory has another");
+            if (all.has(component)) files::fail_input(file.string() + ": " + described(component) + ", of which the directory has another");
             all.put(component, one.record(component));
         }
         all.taken_at = std::max(all.taken_at, one.taken_at);

@@ -35,7 +35,7 @@ std::vector<Scenario> scenarios()
 records::Snapshot sample(const std::string& scenario, std::int64_t moment)
 {
     const SAMPLES_SCENARIO* found = samples_find(scenario.c_str());
-    if (found == nullptr) throw files::Failure(files::ExitStatus::input_failed, "sample '" + scenario + "' is not known");
+    if (found == nullptr) files::fail_input("sample '" + scenario + "' is not known");
 
     SAMPLES_RECORDS filled;
     found->pFill(&filled, static_cast<time_t>(moment / 1'000'000'000));

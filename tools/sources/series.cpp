@@ -22,8 +22,7 @@ public:
         published::Look look = decoder_.look();
         const published::State state = look.status.state;
         // What cannot be read at first is not waited for: it is another file, or somebody else's.
-        if (!std::exchange(has_looked_, true) && !published::has_records(state))
-            throw files::Failure(files::ExitStatus::input_failed, look.status.text);
+        if (!std::exchange(has_looked_, true) && !published::has_records(state)) files::fail_input(look.status.text);
         Sight sight = {.snapshot = std::nullopt, .state = std::string(published::state_name(state)), .problem = problem_of(look)};
         if (!look.snapshot.present.any()) return sight;
         look.snapshot.is_up = state == published::State::live;
@@ -56,7 +55,7 @@ class Playback : public Series
 public:
     Playback(const std::string& path, const Range& range) : captured_(path, range), path_(path)
     {
-        if (!read_ahead()) throw files::Failure(files::ExitStatus::input_failed, files::shown(path) + ": no snapshot to play back");
+        if (!read_ahead()) files::fail_input(files::shown(path) + ": no snapshot to play back");
         clock_ = ahead_.taken_at;
     }
 

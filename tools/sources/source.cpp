@@ -12,27 +12,17 @@
 namespace sources
 {
 
-namespace
-{
-
-[[noreturn]] void fail(const std::string& message)
-{
-    throw files::Failure(files::ExitStatus::input_failed, message);
-}
-
-} // namespace
-
 records::Snapshot take(const Source& source, const std::optional<At>& at, const Wanted& wanted)
 {
     constexpr std::string_view sample_prefix = "sample:";
     if (source.text.starts_with(sample_prefix))
     {
-        if (at && !at->moment) fail(source.text + ": is no file, so it has no mtime for --at");
+        if (at && !at->moment) files::fail_input(source.text + ": is no file, so it has no mtime for --at");
         return sample(source.text.substr(sample_prefix.size()), at ? *at->moment : present_moment());
     }
     if (const auto path = find_live(source))
     {
-        if (at) fail(*path + ": a live decoder is shown as it is now; --at is for what is saved");
+        if (at) files::fail_input(*path + ": a live decoder is shown as it is now; --at is for what is saved");
         return take_live(*path, wanted.as_last_updated);
     }
     if (is_capture(source.text)) return take_captured(source.text, at);

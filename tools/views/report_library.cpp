@@ -22,11 +22,6 @@ namespace
 
 constexpr const char* default_name = STATS_SONAME;
 
-[[noreturn]] void fail(const std::string& message)
-{
-    throw files::Failure(files::ExitStatus::input_failed, message);
-}
-
 /** The folders in which the dynamic linker looks for a library of this executable, in its order. */
 std::vector<std::string> library_folders()
 {
@@ -74,7 +69,7 @@ void require_whole(const std::string& path)
         ElfW(Phdr) segment;
         if (!file.read(reinterpret_cast<char*>(&segment), sizeof(segment))) return;
         if (segment.p_type == PT_LOAD && (segment.p_offset > size || segment.p_filesz > size - segment.p_offset))
-            fail(path + ": is cut short: a part to be loaded lies behind its " + std::to_string(size) + " bytes");
+            files::fail_input(path + ": is cut short: a part to be loaded lies behind its " + std::to_string(size) + " bytes");
     }
 }
 
@@ -111,7 +106,7 @@ ReportLibrary::ReportLibrary(const std::optional<std::string>& file)
         for (const std::string& folder : folders) message += folder + ", ";
         message += "and --library FILE names another";
     }
-    fail(message);
+    files::fail_input(message);
 }
 
 void* ReportLibrary::find(const char* function) const
@@ -123,14 +118,15 @@ void* ReportLibrary::find(const char* function) const
     const ElfW(Sym)* symbol = nullptr;
     if (dladdr1(address, &place, const_cast<void**>(reinterpret_cast<const void**>(&symbol)), RTLD_DL_SYMENT) == 0 || symbol == nullptr ||
         ELF64_ST_TYPE(symbol->st_info) != STT_FUNC)
-        fail(path() + ": " + function + " is not a function");
+        files::fail_input(path() + ": " + function + " is not a function");
     return address;
 }
 
 std::string ReportLibrary::path() const
 {
     link_map* map = nullptr;
-    if (dlinfo(handle_.get(), RTLD_DI_LINKMAP, &map) != 0 || map == nullptr) fail(std::string("the report library's file: ") + dlerror());
+    if (dlinfo(handle_.get(), RTLD_DI_LINKMAP, &map) != 0 || map == nullptr)
+        files::fail_input(std::string("the report library's file: ") + dlerror());
     const std::unique_ptr<char, decltype(&std::free)> resolved(realpath(map->l_name, nullptr), &std::free);
     return resolved ? resolved.get() : map->l_name;
 }

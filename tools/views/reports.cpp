@@ -24,11 +24,6 @@ namespace
 /** Where time() stands for this thread; nothing = it runs. */
 constinit thread_local std::optional<time_t> report_clock;
 
-[[noreturn]] void fail(const std::string& message)
-{
-    throw files::Failure(files::ExitStatus::input_failed, message);
-}
-
 /** A record may come from anyone: its texts must not reach a terminal as escape sequences, nor as lines of their own. */
 void make_printable(std::span<char> text)
 {
@@ -59,18 +54,18 @@ std::vector<Report> find_reports(const ReportLibrary& library, const records::Sn
     for (const records::Component& component : records::components())
     {
         const bool is_named = components[component.index];
-        if (is_named && !snapshot.has(component)) fail("no " + std::string(component.name) + " record is there to print");
+        if (is_named && !snapshot.has(component)) files::fail_input("no " + std::string(component.name) + " record is there to print");
         if (is_named || (components.none() && snapshot.has(component)))
         {
             void* const function = library.find(component.function);
             if (function != nullptr)
                 reports.emplace_back(&component, function);
             else if (is_named)
-                fail(library.path() + ": no function " + component.function + ", which prints the " + std::string(component.name) +
-                     " report");
+                files::fail_input(library.path() + ": no function " + component.function + ", which prints the " +
+                                  std::string(component.name) + " report");
         }
     }
-    if (reports.empty()) fail(library.path() + ": none of the report functions, STATS_PrintFor...");
+    if (reports.empty()) files::fail_input(library.path() + ": none of the report functions, STATS_PrintFor...");
     return reports;
 }
 
