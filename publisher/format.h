@@ -66,7 +66,8 @@ using FieldRow = dictionary::LayoutRow;
 
 /** What is written and read at the same time consists of these. */
 using Word = std::atomic<std::uint64_t>;
-static_assert(sizeof(Word) == 8 && alignof(Word) == 8 && Word::is_always_lock_free, "other processes see a word as it is");
+static_assert(sizeof(Word) == 8 && Word::is_always_lock_free, "other processes see a word as it is");
+static_assert(alignof(Word) == 8);
 
 /** The start of a section that changes. Its words follow it. */
 struct Slot

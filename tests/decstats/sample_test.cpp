@@ -21,7 +21,7 @@ namespace
 const std::vector<std::string> all_files = {"audio.rec",  "buffering.rec", "clock-recovery.rec", "metadata.rec",
                                             "tdemux.rec", "usage.rec",     "vdecoder.rec",       "vframer.rec"};
 
-void expect_output_error(const Start& start, const std::string& line)
+void expect_not_written(const Start& start, const std::string& line)
 {
     const Finish finish = run(start);
     EXPECT_EQ(finish.err, line + "\n");
@@ -107,7 +107,7 @@ TEST(Sample, IntoAMissingDirectory)
 {
     const ScratchDirectory directory;
     const std::string missing = directory / "missing";
-    expect_output_error({.arguments = {"sample", "idle", missing}}, "decstats: " + missing + ": No such file or directory");
+    expect_not_written({.arguments = {"sample", "idle", missing}}, "decstats: " + missing + ": No such file or directory");
     EXPECT_TRUE(directory.names().empty());
 }
 
@@ -115,7 +115,7 @@ TEST(Sample, IntoAFile)
 {
     const ScratchDirectory directory;
     const std::string file = directory.write("file", "keep");
-    expect_output_error({.arguments = {"sample", "idle", file}}, "decstats: " + file + ": Not a directory");
+    expect_not_written({.arguments = {"sample", "idle", file}}, "decstats: " + file + ": Not a directory");
     EXPECT_EQ(content_of(file), "keep");
     EXPECT_EQ(directory.names(), std::vector<std::string>{"file"});
 }
@@ -123,8 +123,8 @@ TEST(Sample, IntoAFile)
 TEST(Sample, IntoAnEmptyNameIsNotIntoTheCurrentDirectory)
 {
     const ScratchDirectory directory;
-    expect_output_error({.arguments = {"sample", "idle", ""}, .shell_setup = "cd '" + directory.path() + "'"},
-                        "decstats: '': No such file or directory");
+    expect_not_written({.arguments = {"sample", "idle", ""}, .shell_setup = "cd '" + directory.path() + "'"},
+                       "decstats: '': No such file or directory");
     EXPECT_TRUE(directory.names().empty());
 }
 
@@ -133,7 +133,7 @@ TEST(Sample, IntoAReadOnlyDirectory)
     if (geteuid() == 0) GTEST_SKIP() << "root writes into every directory";
     const ScratchDirectory directory;
     ASSERT_EQ(chmod(directory.path().c_str(), 0500), 0);
-    expect_output_error({.arguments = {"sample", "idle", directory.path()}}, "decstats: " + directory.path() + ": Permission denied");
+    expect_not_written({.arguments = {"sample", "idle", directory.path()}}, "decstats: " + directory.path() + ": Permission denied");
     ASSERT_EQ(chmod(directory.path().c_str(), 0700), 0);
     EXPECT_TRUE(directory.names().empty());
 }
@@ -144,8 +144,8 @@ TEST(Sample, AFailedWriteLeavesNothingBehindAndOldFilesAsTheyWere)
     directory.write("tdemux.rec", "old");
     directory.write("usage.rec", "old");
     // A sanitizer's runtime would fail first, on a temporary file of its own; without a folder for it, it does without.
-    expect_output_error({.arguments = {"sample", "idle", directory.path()}, .shell_setup = "export TMPDIR=/dev/null; ulimit -f 0"},
-                        "decstats: " + (directory / "tdemux.rec") + ": File too large");
+    expect_not_written({.arguments = {"sample", "idle", directory.path()}, .shell_setup = "export TMPDIR=/dev/null; ulimit -f 0"},
+                       "decstats: " + (directory / "tdemux.rec") + ": File too large");
     EXPECT_EQ(directory.names(), (std::vector<std::string>{"tdemux.rec", "usage.rec"}));
     EXPECT_EQ(content_of(directory / "tdemux.rec"), "old");
     EXPECT_EQ(content_of(directory / "usage.rec"), "old");
@@ -155,8 +155,7 @@ TEST(Sample, ANameThatIsTakenByADirectory)
 {
     const ScratchDirectory directory;
     std::filesystem::create_directory(directory / "tdemux.rec");
-    expect_output_error({.arguments = {"sample", "idle", directory.path()}},
-                        "decstats: " + (directory / "tdemux.rec") + ": Is a directory");
+    expect_not_written({.arguments = {"sample", "idle", directory.path()}}, "decstats: " + (directory / "tdemux.rec") + ": Is a directory");
     EXPECT_EQ(directory.names(), std::vector<std::string>{"tdemux.rec"});
 }
 
@@ -192,7 +191,7 @@ TEST(Sample, TheLastNameIsTakenByADirectory)
     std::filesystem::create_directory(directory / "usage.rec");
     directory.write("tdemux.rec", "old");
     directory.write("notes.txt", "keep");
-    expect_output_error({.arguments = {"sample", "idle", directory.path()}}, "decstats: " + (directory / "usage.rec") + ": Is a directory");
+    expect_not_written({.arguments = {"sample", "idle", directory.path()}}, "decstats: " + (directory / "usage.rec") + ": Is a directory");
     EXPECT_EQ(directory.names(), (std::vector<std::string>{"notes.txt", "tdemux.rec", "usage.rec"}));
     EXPECT_EQ(content_of(directory / "tdemux.rec"), "old");
 }

@@ -85,7 +85,7 @@ bool is_called(const Field& field, const std::string& name)
 }
 
 /** The least number of characters to put in, take out or replace that makes one text another (Levenshtein). */
-std::size_t distance(std::string_view one, std::string_view other)
+std::size_t edits_between(std::string_view one, std::string_view other)
 {
     std::vector<std::size_t> row(other.size() + 1);
     std::iota(row.begin(), row.end(), std::size_t{0});
@@ -116,7 +116,7 @@ public:
     /** @param name what to offer @param form one of its forms, which is compared */
     void consider(std::string_view name, std::string_view form)
     {
-        const std::size_t steps = distance(what_, lower(form));
+        const std::size_t steps = edits_between(what_, lower(form));
         if (steps <= std::min(what_.size(), form.size()) / 3) found_.emplace_back(steps, name);
     }
 

@@ -128,19 +128,19 @@ std::string version_text(const dictionary::Field& field, std::span<const std::by
 
 std::string bytes_text(const dictionary::Field& field, std::span<const std::byte> record)
 {
-    const auto bytes = record.subspan(field.offset(), field.size);
+    const auto content = record.subspan(field.offset(), field.size);
     const std::int64_t family = is_address(field) ? dictionary::integer(dictionary::fields()[field.index - 1u], record) : AF_UNSPEC;
     if (family == AF_INET || family == AF_INET6)
     {
         SMGR_IP_ADDRESS address = {};
         address.enType = static_cast<int>(family);
-        std::memcpy(address.acAddress, bytes.data(), std::min(bytes.size(), sizeof address.acAddress));
+        std::memcpy(address.acAddress, content.data(), std::min(content.size(), sizeof address.acAddress));
         std::array<char, 64> buffer;
         return SessMgr_GetIPAddressString(&address, buffer.data(), buffer.size());
     }
 
     std::string text;
-    append_hex(text, bytes);
+    append_hex(text, content);
     return text;
 }
 
