@@ -156,7 +156,7 @@ void Chain::show(const DecodedPicture& picture)
     const bool comparable = picture.time_base == recovery_.time_bases();
     const auto stc = comparable ? buffering_.stc() : std::nullopt;
     if (stc && picture.pts) buffering_.take_lead(SMGR_TDEMUX_DATA_TYPE_VIDEO, *picture.pts - *stc);
-    output_.take(picture.pts, picture.period, stc);
+    output_.take(picture, stc);
 }
 
 void Chain::finish(const std::function<void()>& look)

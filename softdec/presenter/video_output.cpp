@@ -18,15 +18,14 @@ constexpr unsigned most_untimed = 60;
 
 } // namespace
 
-void VideoOutput::take(std::optional<Ticks> pts, Ticks period, std::optional<Ticks> stc)
+void VideoOutput::take(const DecodedPicture& picture, std::optional<Ticks> stc)
 {
     auto& counters = record_.tCounters;
     ++counters.nNumFramesSentToDisplay;
     counters.tLastFrameSentToDisplay = clock_.seconds();
-    period_ = period;
-    const auto time = time_of(pts);
-    if (!time) return;
-    pts = time;
+    period_ = picture.period;
+    const auto pts = time_of(picture);
+    if (!pts) return;
     if (!stc) return show(*pts);
 
     const Ticks lead = *pts - *stc;
@@ -64,15 +63,15 @@ void VideoOutput::take(std::optional<Ticks> pts, Ticks period, std::optional<Tic
 }
 
 /** The time of a picture by its stamp, or by those around it. @return nothing = it is known when the next one is */
-std::optional<Ticks> VideoOutput::time_of(std::optional<Ticks> pts)
+std::optional<Ticks> VideoOutput::time_of(const DecodedPicture& picture)
 {
-    if (!pts && !taken_ && untimed_ < most_untimed)
+    if (!picture.pts && !taken_ && untimed_ < most_untimed)
     {
         ++untimed_;
         return std::nullopt;
     }
-    const Ticks time = pts.value_or(taken_.value_or(0) + period_);
-    if (pts)
+    const Ticks time = picture.pts.value_or(taken_.value_or(0) + taken_for_);
+    if (picture.pts)
     {
         for (; untimed_ > 0; --untimed_) waiting_.insert(time - static_cast<Ticks>(untimed_) * period_);
         stamped_ = time;
@@ -83,6 +82,7 @@ std::optional<Ticks> VideoOutput::time_of(std::optional<Ticks> pts)
         record_.tCounters.tLastOutputTimestampMissing = clock_.seconds();
     }
     taken_ = time;
+    taken_for_ = picture.shown_for;
     return time;
 }
 
