@@ -13,6 +13,9 @@ namespace
 /** Not each picture need have a time stamp; ISO/IEC 13818-1, 2.7.4 asks for one each 0.7 s. */
 constexpr Ticks longest_unstamped = ticks_per_second * 7 / 10;
 
+/** So long it may take until the next picture shows that the one before is not shown again in place of another. */
+constexpr Ticks longest_wait = ticks_per_second;
+
 /** Pictures that wait for the first time stamp. More have missed theirs. */
 constexpr unsigned most_untimed = 60;
 
@@ -23,6 +26,8 @@ void VideoOutput::take(const DecodedPicture& picture, std::optional<Ticks> stc)
     auto& counters = record_.tCounters;
     ++counters.nNumFramesSentToDisplay;
     counters.tLastFrameSentToDisplay = clock_.seconds();
+    // A picture that is shown may turn out to be so for longer than its predecessors.
+    if (shown_ && next_ == *shown_ + period_) next_ = *shown_ + picture.period;
     period_ = picture.period;
     const auto pts = time_of(picture);
     if (!pts) return;
@@ -104,6 +109,7 @@ void VideoOutput::step(std::optional<Ticks> stc)
             show(pts);
     }
     if (ended_) return;
+    if (waiting_.empty() && *stc - next_ < longest_wait) return;
     while (shown_ && next_ + patience() <= *stc && (waiting_.empty() || next_ + patience() < *waiting_.begin())) replay();
 }
 
