@@ -168,6 +168,7 @@ void VideoFramer::add_slice(const std::optional<Slice>& slice)
     if (!first_slice_)
     {
         first_slice_ = slice;
+        picture_.place = order_.place_of(slice->order);
         picture_.format = slice->sequence->format;
         sequence_ = *slice->sequence;
     }

@@ -16,6 +16,9 @@ constexpr Ticks longest_unstamped = ticks_per_second * 7 / 10;
 /** So long it may take until the next picture shows that the one before is not shown again in place of another. */
 constexpr Ticks longest_wait = ticks_per_second;
 
+/** A stream whose rate has not varied for so long has a constant one. */
+constexpr Ticks longest_steady = 10 * ticks_per_second;
+
 /** Pictures that wait for the first time stamp. More have missed theirs. */
 constexpr unsigned most_untimed = 60;
 
@@ -31,7 +34,7 @@ void VideoOutput::take(const DecodedPicture& picture, std::optional<Ticks> stc)
     period_ = picture.period;
     const auto pts = time_of(picture);
     if (!pts) return;
-    if (!stc) return show(*pts);
+    if (!stc) return show({*pts, picture.place});
 
     const Ticks lead = *pts - *stc;
     const bool first = counters.tMinOutputSTCLeadTime == 0;
@@ -64,7 +67,7 @@ void VideoOutput::take(const DecodedPicture& picture, std::optional<Ticks> stc)
         counters.tLastOutputTimestampNotIncreasing = clock_.seconds();
         return skip();
     }
-    waiting_.insert(*pts);
+    waiting_.insert({*pts, picture.place});
 }
 
 /** The time of a picture by its stamp, or by those around it. @return nothing = it is known when the next one is */
@@ -78,7 +81,7 @@ std::optional<Ticks> VideoOutput::time_of(const DecodedPicture& picture)
     const Ticks time = picture.pts.value_or(taken_.value_or(0) + taken_for_);
     if (picture.pts)
     {
-        for (; untimed_ > 0; --untimed_) waiting_.insert(time - static_cast<Ticks>(untimed_) * period_);
+        for (; untimed_ > 0; --untimed_) waiting_.insert({time - static_cast<Ticks>(untimed_) * period_, std::nullopt});
         stamped_ = time;
     }
     else if (!taken_ || time - stamped_ > longest_unstamped)
@@ -94,28 +97,49 @@ std::optional<Ticks> VideoOutput::time_of(const DecodedPicture& picture)
 void VideoOutput::step(std::optional<Ticks> stc)
 {
     if (!stc) return;
-    while (!waiting_.empty() && *waiting_.begin() <= *stc)
+    while (!waiting_.empty() && waiting_.begin()->pts <= *stc)
     {
-        const Ticks pts = *waiting_.begin();
+        const Waiting picture = *waiting_.begin();
         waiting_.erase(waiting_.begin());
         // The time between the one shown and this one was filled with the one shown, a period at a time. The last pictures of a
         // stream that is cut off lack some between them, which is no fault of an output.
-        while (!ended_ && shown_ && next_ + patience() < pts) replay();
+        while (!ended_ && lacks_some_before(picture)) replay();
         // One whose successor is due as well has missed its turn.
-        const bool missed = !waiting_.empty() && *waiting_.begin() <= *stc && *stc - *waiting_.begin() > period_;
-        if (missed && shown_ && *stc - pts > 2 * period_)
+        const bool missed = !waiting_.empty() && waiting_.begin()->pts <= *stc && *stc - waiting_.begin()->pts > period_;
+        if (missed && shown_ && *stc - picture.pts > 2 * period_)
             skip();
         else
-            show(pts);
+            show(picture);
     }
     if (ended_) return;
     if (waiting_.empty() && *stc - next_ < longest_wait) return;
-    while (shown_ && next_ + patience() <= *stc && (waiting_.empty() || next_ + patience() < *waiting_.begin())) replay();
+    while (shown_ && next_ + patience() <= *stc && (waiting_.empty() || lacks_some_before(*waiting_.begin()))) replay();
+}
+
+/** Whether pictures are absent between the one shown and the next one, which comes later than usual. */
+bool VideoOutput::lacks_some_before(const Waiting& next) const
+{
+    if (!shown_ || next_ + patience() >= next.pts) return false;
+    if (!shown_place_ || !next.place) return true;
+    // Where a sequence ends is not told: there, the rate of a stream varies that has varied.
+    if (next.place->sequence != shown_place_->sequence) return !varied_ || next.pts - *varied_ > longest_steady;
+    const std::int64_t step = next.place->number - shown_place_->number;
+    return step <= 0 || step > least_step_;
+}
+
+/** The places of pictures that follow on each other differ by as much as the encoder counts, which shows where none is absent. */
+void VideoOutput::note_step(const Waiting& next)
+{
+    if (!shown_ || !shown_place_ || !next.place || next.place->sequence != shown_place_->sequence) return;
+    const std::int64_t step = next.place->number - shown_place_->number;
+    if (step <= 0) return;
+    if (step == least_step_ && next.pts - *shown_ > period_ + patience()) varied_ = next.pts;
+    if (least_step_ == 0 || step < least_step_) least_step_ = step;
 }
 
 void VideoOutput::show_untimed()
 {
-    for (; untimed_ > 0; --untimed_) show(taken_.value_or(0));
+    for (; untimed_ > 0; --untimed_) show({taken_.value_or(0), std::nullopt});
 }
 
 void VideoOutput::end()
@@ -134,19 +158,22 @@ void VideoOutput::restart()
     }
     shown_.reset();
     taken_.reset();
+    varied_.reset();
     next_ = 0;
 }
 
-void VideoOutput::show(Ticks pts)
+void VideoOutput::show(const Waiting& picture)
 {
+    note_step(picture);
     auto& counters = record_.tCounters;
     ++counters.nNumDisplayedOutputFrames;
     counters.tLastDisplayedOutputFrame = clock_.seconds();
     ++counters.nNumDisplayedFramesFreed;
     counters.tLastDisplayedFrameFreed = clock_.seconds();
-    shown_ = pts;
+    shown_ = picture.pts;
+    shown_place_ = picture.place;
     // The times that passed before it was shown late have been filled already.
-    next_ = std::max(pts + period_, next_);
+    next_ = std::max(picture.pts + period_, next_);
 }
 
 void VideoOutput::skip()

@@ -48,24 +48,37 @@ public:
     std::time_t last_irregular() const { return last_irregular_; }
 
 private:
+    /** A picture that waits to be shown. */
+    struct Waiting
+    {
+        Ticks pts;
+        std::optional<DisplayPlace> place;
+        auto operator<=>(const Waiting&) const = default;
+    };
+
     /** As much later the next picture may come without the one shown being shown again: films are shown for two and three fields in turn. */
     Ticks patience() const { return period_ * 3 / 4; }
 
     std::optional<Ticks> time_of(const DecodedPicture& picture);
     void show_untimed();
-    void show(Ticks pts);
+    void show(const Waiting& picture);
+    bool lacks_some_before(const Waiting& next) const;
+    void note_step(const Waiting& next);
     void skip();
     void replay();
 
     const VirtualClock& clock_;
     SMGR_VCUDEC_STATS& record_;
-    std::multiset<Ticks> waiting_;
+    std::multiset<Waiting> waiting_;
     std::optional<Ticks> shown_;
-    Ticks next_ = 0;             // when the picture after the one shown is due
-    std::optional<Ticks> taken_; // time of the last picture taken
-    Ticks taken_for_ = 0;        // how long that one is shown
-    Ticks stamped_ = 0;          // and of the last one that had a time of its own
-    unsigned untimed_ = 0;       // pictures that came before the first time
+    std::optional<DisplayPlace> shown_place_;
+    std::int64_t least_step_ = 0; // between places; 0 = none is known
+    std::optional<Ticks> varied_; // when a picture was last shown for longer than usual with none absent behind it
+    Ticks next_ = 0;              // when the picture after the one shown is due
+    std::optional<Ticks> taken_;  // time of the last picture taken
+    Ticks taken_for_ = 0;         // how long that one is shown
+    Ticks stamped_ = 0;           // and of the last one that had a time of its own
+    unsigned untimed_ = 0;        // pictures that came before the first time
     Ticks period_ = ticks_per_second / 25;
     bool ended_ = false;
     std::time_t last_irregular_ = 0;

@@ -129,6 +129,41 @@ const Shape shapes[] = {
     {"Rate120H265", h265, [] { return packetize(pictures({.encoder = "libx265", .rate = 120, .frames = 1152})); }, 120, 120},
     {"UnevenTimes", h264,
      [] { return packetize(shown_at(pictures({}), [](int n) { return softdec::Ticks{n} * 3600 + (n * 7919 % 17 - 8) * 150; })); }},
+    {"VariableRate", h264,
+     []
+     {
+         // One picture in six is not sent, as nothing moves.
+         return packetize(shown_at(pictures({}), [](int n) { return softdec::Ticks{n} * 3600 + softdec::Ticks{n / 5} * 3600; }));
+     },
+     20.83, 25},
+    {"VariableRateNoBPictures", h264,
+     []
+     {
+         return packetize(shown_at(pictures({.group = 60, .b_pictures = 0}),
+                                   [](int n) { return softdec::Ticks{n} * 3600 + softdec::Ticks{n / 5} * 3600; }));
+     },
+     20.83, 25},
+    {"VariableRateH265", h265,
+     []
+     {
+         return packetize(
+             shown_at(pictures({.encoder = "libx265"}), [](int n) { return softdec::Ticks{n} * 3600 + softdec::Ticks{n / 5} * 7200; }));
+     },
+     17.86, 25},
+    {"RateChangesH264", h264,
+     []
+     {
+         // A second of 60 a second, a second of 15.
+         return packetize(shown_at(pictures({.rate = 60, .frames = 450}),
+                                   [](int n)
+                                   {
+                                       const int seconds = n >= 0 ? n / 75 * 2 : 0;
+                                       const int rest = n >= 0 ? n % 75 : n;
+                                       return seconds * softdec::ticks_per_second +
+                                              (rest < 60 ? softdec::Ticks{rest} * 1500 : 90'000 + softdec::Ticks{rest - 60} * 6000);
+                                   }));
+     },
+     37.5, 60},
     {"LargePictures", h264, [] { return packetize(pictures({.width = 640, .height = 480, .group = 100, .options = "bufsize=400000"})); }},
     {"Size162x98H265", h265, [] { return packetize(pictures({.encoder = "libx265", .width = 162, .height = 98})); }},
 };
