@@ -48,20 +48,18 @@ bool VideoDecoder::prepare(const Picture& picture, SMGR_TDEMUX_COMPRESSION_TYPE 
     return false;
 }
 
-/** The DTS of pictures only grows, picture by picture. */
+/** The DTS of pictures only grows, picture by picture, within a time base. */
 void VideoDecoder::check_order(const Picture& picture)
 {
     if (!picture.dts) return;
-    const Ticks step = last_dts_ ? *picture.dts - *last_dts_ : 1;
-    if (picture.time_base != time_base_ || step <= 0 || step > std::max(longest_step, 5 * period_))
+    const bool follows = last_dts_ && picture.time_base.number == time_base_;
+    const Ticks step = follows ? *picture.dts - *last_dts_ : 1;
+    if (step <= 0 || step > std::max(longest_step, 5 * period_))
     {
-        if (last_dts_)
-        {
-            ++record_.tCounters.nNumDiscontinuty;
-            record_.tCounters.tLastDiscontinuity = clock_.seconds();
-        }
-        time_base_ = picture.time_base;
+        ++record_.tCounters.nNumDiscontinuty;
+        record_.tCounters.tLastDiscontinuity = clock_.seconds();
     }
+    time_base_ = picture.time_base.number;
     last_dts_ = picture.dts;
 }
 
@@ -93,7 +91,7 @@ void VideoDecoder::send(Picture& picture)
     packet_->size = static_cast<int>(size);
     decoder_->reordered_opaque = ++number_;
     pending_[number_] = {.pts = picture.pts,
-                         .time_base = picture.time_base,
+                         .time_base = picture.time_base.number,
                          .damaged = picture.damaged,
                          .cut = picture.cut,
                          .failed = false,

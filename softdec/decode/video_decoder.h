@@ -23,7 +23,7 @@ namespace softdec
 struct DecodedPicture
 {
     std::optional<Ticks> pts;
-    unsigned time_base = 0;
+    unsigned time_base = 0; /**< number of it */
     Ticks period = 0; /**< of the pictures [90 kHz ticks] */
 };
 

@@ -33,8 +33,9 @@ public:
     {
         std::function<void(const Program&)> program;  /**< the program is another one */
         std::function<void(ElementaryPacket)> packet; /**< a packet of an elementary stream */
-        /** A PCR has come and is about to be taken; gives the arrival that the clock is to be recovered by, if it has one. */
-        std::function<std::optional<Nanoseconds>(Pcr pcr, std::optional<Nanoseconds> arrival)> pcr;
+        /** A PCR has come and is about to be taken, announced if it begins another time base; gives the arrival that the clock is to be
+            recovered by, if it has one. */
+        std::function<std::optional<Nanoseconds>(Pcr pcr, std::optional<Nanoseconds> arrival, bool announced)> pcr;
     };
 
     /** @param record to be filled, but for the network and the transport's own statistics */
@@ -66,7 +67,7 @@ private:
         Ticks pcr_at_start = 0; // last PCR when the PES packet began that is being assembled
         bool pcr_known = false;
         bool before_pcr = false; // the first PCR had not come then
-        unsigned time_base = 0;
+        TimeBase time_base = {};
         Nanoseconds last_piece = 0; // when a piece of it last came
         Nanoseconds last_timed = 0; // when a packet with a time stamp last came
     };
@@ -100,6 +101,7 @@ private:
     Nanoseconds last_pmt_ = 0;
     Nanoseconds started_ = 0;
     bool scrambled_ = false;
+    bool time_base_announced_ = false; // the next PCR begins another one
 };
 
 } // namespace softdec

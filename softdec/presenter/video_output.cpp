@@ -13,21 +13,24 @@ namespace
 /** Not each picture need have a time stamp; ISO/IEC 13818-1, 2.7.4 asks for one each 0.7 s. */
 constexpr Ticks longest_unstamped = ticks_per_second * 7 / 10;
 
+/** Between two time bases nothing need be shown for so long. */
+constexpr Ticks longest_pause = ticks_per_second;
+
 /** Pictures that wait for the first time stamp. More have missed theirs. */
 constexpr unsigned most_untimed = 60;
 
 } // namespace
 
-void VideoOutput::take(std::optional<Ticks> pts, Ticks period, std::optional<Ticks> stc)
+void VideoOutput::take(std::optional<Ticks> pts, Ticks period, unsigned time_base, std::optional<Ticks> stc)
 {
     auto& counters = record_.tCounters;
     ++counters.nNumFramesSentToDisplay;
     counters.tLastFrameSentToDisplay = clock_.seconds();
     period_ = period;
-    const auto time = time_of(pts);
+    const auto time = time_of(pts, time_base);
     if (!time) return;
     pts = time;
-    if (!stc) return show(*pts);
+    if (!stc) return show({*pts, time_base});
 
     const Ticks lead = *pts - *stc;
     const bool first = counters.tMinOutputSTCLeadTime == 0;
@@ -54,17 +57,17 @@ void VideoOutput::take(std::optional<Ticks> pts, Ticks period, std::optional<Tic
         return skip();
     }
     // A picture whose successor is on already cannot be shown any more.
-    if (shown_ && *pts <= *shown_)
+    if (shown_ && time_base == time_base_ && *pts <= *shown_)
     {
         ++counters.nOutputTimestampNotIncreasing;
         counters.tLastOutputTimestampNotIncreasing = clock_.seconds();
         return skip();
     }
-    waiting_.insert(*pts);
+    waiting_.insert({*pts, time_base});
 }
 
 /** The time of a picture by its stamp, or by those around it. @return nothing = it is known when the next one is */
-std::optional<Ticks> VideoOutput::time_of(std::optional<Ticks> pts)
+std::optional<Ticks> VideoOutput::time_of(std::optional<Ticks> pts, unsigned time_base)
 {
     if (!pts && !taken_ && untimed_ < most_untimed)
     {
@@ -74,7 +77,7 @@ std::optional<Ticks> VideoOutput::time_of(std::optional<Ticks> pts)
     const Ticks time = pts.value_or(taken_.value_or(0) + period_);
     if (pts)
     {
-        for (; untimed_ > 0; --untimed_) waiting_.insert(time - static_cast<Ticks>(untimed_) * period_);
+        for (; untimed_ > 0; --untimed_) waiting_.insert({time - static_cast<Ticks>(untimed_) * period_, time_base});
         stamped_ = time;
     }
     else if (!taken_ || time - stamped_ > longest_unstamped)
@@ -89,27 +92,35 @@ std::optional<Ticks> VideoOutput::time_of(std::optional<Ticks> pts)
 void VideoOutput::step(std::optional<Ticks> stc)
 {
     if (!stc) return;
-    while (!waiting_.empty() && *waiting_.begin() <= *stc)
+    while (!waiting_.empty() && waiting_.begin()->pts <= *stc)
     {
-        const Ticks pts = *waiting_.begin();
+        const Waiting picture = *waiting_.begin();
         waiting_.erase(waiting_.begin());
+        const bool follows = shown_ && picture.time_base == time_base_;
         // The time between the one shown and this one was filled with the one shown, a period at a time. The last pictures of a
         // stream that is cut off lack some between them, which is no fault of an output.
-        while (!ended_ && shown_ && next_ + patience() < pts) replay();
+        while (!ended_ && follows && next_ + patience() < picture.pts) replay();
         // One whose successor is due as well has missed its turn.
-        const bool missed = !waiting_.empty() && *waiting_.begin() <= *stc && *stc - *waiting_.begin() > period_;
-        if (missed && shown_ && *stc - pts > 2 * period_)
+        const bool missed = !waiting_.empty() && waiting_.begin()->pts <= *stc && *stc - waiting_.begin()->pts > period_;
+        if (missed && follows && *stc - picture.pts > 2 * period_)
             skip();
         else
-            show(pts);
+            show(picture);
     }
-    if (ended_) return;
-    while (shown_ && next_ + patience() <= *stc && (waiting_.empty() || next_ + patience() < *waiting_.begin())) replay();
+    if (ended_ || pauses(*stc)) return;
+    while (shown_ && next_ + patience() <= *stc && (waiting_.empty() || next_ + patience() < waiting_.begin()->pts)) replay();
+}
+
+/** Whether the time base that is shown has ended, and the first picture of the next one is to come. */
+bool VideoOutput::pauses(Ticks stc) const
+{
+    const bool all_shown = waiting_.empty() || waiting_.begin()->time_base != time_base_;
+    return announced_ != time_base_ && all_shown && stc - next_ < longest_pause;
 }
 
 void VideoOutput::show_untimed()
 {
-    for (; untimed_ > 0; --untimed_) show(taken_.value_or(0));
+    for (; untimed_ > 0; --untimed_) show({taken_.value_or(0), announced_});
 }
 
 void VideoOutput::end()
@@ -118,29 +129,17 @@ void VideoOutput::end()
     ended_ = true;
 }
 
-void VideoOutput::restart()
-{
-    show_untimed();
-    while (!waiting_.empty())
-    {
-        show(*waiting_.begin());
-        waiting_.erase(waiting_.begin());
-    }
-    shown_.reset();
-    taken_.reset();
-    next_ = 0;
-}
-
-void VideoOutput::show(Ticks pts)
+void VideoOutput::show(const Waiting& picture)
 {
     auto& counters = record_.tCounters;
     ++counters.nNumDisplayedOutputFrames;
     counters.tLastDisplayedOutputFrame = clock_.seconds();
     ++counters.nNumDisplayedFramesFreed;
     counters.tLastDisplayedFrameFreed = clock_.seconds();
-    shown_ = pts;
     // The times that passed before it was shown late have been filled already.
-    next_ = std::max(pts + period_, next_);
+    next_ = picture.time_base == time_base_ ? std::max(picture.pts + period_, next_) : picture.pts + period_;
+    shown_ = picture.pts;
+    time_base_ = picture.time_base;
 }
 
 void VideoOutput::skip()

@@ -21,17 +21,18 @@ public:
 
     /**
      * Takes a decoded picture.
-     * @param pts    its time; nothing = it has none, and follows on the one before
-     * @param period of the pictures [90 kHz ticks]
-     * @param stc    now; nothing = the clock is not known, so that the picture is shown at once
+     * @param pts       its time; nothing = it has none, and follows on the one before
+     * @param period    of the pictures [90 kHz ticks]
+     * @param time_base number of the one that its time stamp is of
+     * @param stc       now; nothing = the clock is not known, so that the picture is shown at once
      */
-    void take(std::optional<Ticks> pts, Ticks period, std::optional<Ticks> stc);
+    void take(std::optional<Ticks> pts, Ticks period, unsigned time_base, std::optional<Ticks> stc);
 
     /** Shows what is due. */
     void step(std::optional<Ticks> stc);
 
-    /** The sender's clock has jumped: nothing that waits has a time any more. */
-    void restart();
+    /** Time stamps that come from now on are of this time base: between two of them there may be a pause. */
+    void announce(unsigned time_base) { announced_ = time_base; }
 
     /** The stream has ended: what has been shown is not shown again in place of what does not come. */
     void end();
@@ -48,19 +49,30 @@ public:
     std::time_t last_irregular() const { return last_irregular_; }
 
 private:
+    /** A picture that waits to be shown. */
+    struct Waiting
+    {
+        Ticks pts;
+        unsigned time_base;
+        auto operator<=>(const Waiting&) const = default;
+    };
+
     /** As much later the next picture may come without the one shown being shown again: films are shown for two and three fields in turn. */
     Ticks patience() const { return period_ * 3 / 4; }
 
-    std::optional<Ticks> time_of(std::optional<Ticks> pts);
+    std::optional<Ticks> time_of(std::optional<Ticks> pts, unsigned time_base);
     void show_untimed();
-    void show(Ticks pts);
+    void show(const Waiting& picture);
+    bool pauses(Ticks stc) const;
     void skip();
     void replay();
 
     const VirtualClock& clock_;
     SMGR_VCUDEC_STATS& record_;
-    std::multiset<Ticks> waiting_;
+    std::multiset<Waiting> waiting_;
     std::optional<Ticks> shown_;
+    unsigned time_base_ = 0;     // of the one shown
+    unsigned announced_ = 0;     // newest time base
     Ticks next_ = 0;             // when the picture after the one shown is due
     std::optional<Ticks> taken_; // time of the last picture taken
     Ticks stamped_ = 0;          // and of the last one that had a time of its own

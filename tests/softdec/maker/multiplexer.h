@@ -53,7 +53,6 @@ struct Multiplex
     unsigned map_pid = 4096;
     unsigned program = 1;
     unsigned more_programs = 0;                   /**< that the PAT names behind it, with maps that do not come */
-    std::optional<softdec::Ticks> rebase_at = {}; /**< from here on clock and time stamps are an hour further, which is announced */
 };
 
 /** The transport stream, whole packets. */
