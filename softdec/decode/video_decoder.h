@@ -24,7 +24,7 @@ struct DecodedPicture
 {
     std::optional<Ticks> pts;
     unsigned time_base = 0; /**< number of it */
-    Ticks period = 0; /**< of the pictures [90 kHz ticks] */
+    Ticks period = 0;       /**< of the pictures [90 kHz ticks] */
 };
 
 class VideoDecoder

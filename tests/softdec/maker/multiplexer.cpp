@@ -134,12 +134,7 @@ Bytes program_map(const Multiplex& multiplex)
 Bytes clock_packet(unsigned pid)
 {
     Bytes packet(ts_size, 0xff);
-    const std::uint8_t header[] = {0x47,
-                                   static_cast<std::uint8_t>(pid >> 8),
-                                   static_cast<std::uint8_t>(pid),
-                                   0x20,
-                                   183,
-                                   0x10};
+    const std::uint8_t header[] = {0x47, static_cast<std::uint8_t>(pid >> 8), static_cast<std::uint8_t>(pid), 0x20, 183, 0x10};
     std::ranges::copy(header, packet.begin());
     return packet;
 }
