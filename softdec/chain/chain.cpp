@@ -28,7 +28,8 @@ constexpr std::int64_t longest_pcr_step = 27'000'000;
 Chain::Chain(const Settings& settings)
     : settings_(settings), recovery_(clock_, records_.clock_recovery, settings.has_arrivals),
       reception_(clock_, records_.tdemux, settings.has_arrivals,
-                 [this](std::span<const std::uint8_t> bytes, std::optional<Nanoseconds> arrival) { demux_.feed(bytes, arrival); }),
+                 [this](std::span<const std::uint8_t> bytes, std::optional<Nanoseconds> arrival)
+                 { demux_.feed(bytes, arrival, reception_.packet_distance()); }),
       demux_(clock_, recovery_, records_.tdemux,
              {.program = [this](const Program& program) { configure(program); },
               .packet = [this](ElementaryPacket packet) { buffering_.take(std::move(packet)); },

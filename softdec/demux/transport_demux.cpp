@@ -33,11 +33,11 @@ TransportDemux::TransportDemux(const VirtualClock& clock, ClockRecovery& recover
 {
 }
 
-void TransportDemux::feed(std::span<const std::uint8_t> bytes, std::optional<Nanoseconds> arrival)
+void TransportDemux::feed(std::span<const std::uint8_t> bytes, std::optional<Nanoseconds> arrival, std::size_t distance)
 {
     if (started_ == 0) started_ = clock_.now();
     arrival_ = arrival;
-    sync_.feed(bytes);
+    sync_.feed(bytes, distance);
     given_up_.clear();
 }
 

@@ -41,8 +41,8 @@ public:
     /** @param record to be filled, but for the network and the transport's own statistics */
     TransportDemux(const VirtualClock& clock, ClockRecovery& recovery, SMGR_TDEMUX_STATS& record, Events events);
 
-    /** Takes bytes of the transport stream. @param arrival nothing = not known */
-    void feed(std::span<const std::uint8_t> bytes, std::optional<Nanoseconds> arrival);
+    /** Takes bytes of the transport stream. @param arrival nothing = not known @param distance see TransportSync::feed */
+    void feed(std::span<const std::uint8_t> bytes, std::optional<Nanoseconds> arrival, std::size_t distance = packet_size);
 
     /** The stream has ended. */
     void finish();
