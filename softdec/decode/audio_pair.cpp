@@ -62,7 +62,7 @@ void AudioPair::take(const ElementaryPacket& packet, std::optional<Ticks> stc, c
     stc_ = stc;
     cut_ = packet.cut;
     lead_ = &lead;
-    if (parser_ && decoder_)
+    if (decoder_)
     {
         if (packet.time_base.number != time_base_.number) begin_time_base(packet);
         parse(packet);
@@ -88,6 +88,8 @@ void AudioPair::parse(const ElementaryPacket& packet)
     padded_.assign(packet.data.begin(), packet.data.end());
     padded_.resize(packet.data.size() + AV_INPUT_BUFFER_PADDING_SIZE);
     std::span<const std::uint8_t> rest(padded_.data(), packet.data.size());
+    // What is not compressed has a frame in each packet, and needs no parser.
+    if (!parser_) return take_frame(packet.data, packet.pts);
     std::int64_t pts = packet.pts.value_or(AV_NOPTS_VALUE);
     while (!rest.empty())
     {
@@ -106,7 +108,8 @@ void AudioPair::parse(const ElementaryPacket& packet)
     }
 }
 
-/** What a frame's header says: of ADTS (ISO/IEC 14496-3, 1.A.2.2) it is read here, of the others the parser has read it. */
+/** What a frame's header says: of ADTS (ISO/IEC 14496-3, 1.A.2.2) and of uncompressed sound (SMPTE ST 302, 5.5) it is read here, of the
+    others the parser has read it. */
 AudioPair::AudioFormat AudioPair::format_of(std::span<const std::uint8_t> frame) const
 {
     constexpr std::array sample_rates = {96000, 88200, 64000, 48000, 44100, 32000, 24000, 22050, 16000, 12000, 11025, 8000, 7350};
@@ -119,6 +122,13 @@ AudioPair::AudioFormat AudioPair::format_of(std::span<const std::uint8_t> frame)
                 .channels = configuration == 7   ? 8
                             : configuration != 0 ? configuration
                                                  : decoder_->ch_layout.nb_channels};
+    }
+    if (!parser_)
+    {
+        if (frame.size() < 4) return {};
+        const int channels = 2 * (frame[2] >> 6) + 2;
+        const int bits = 20 + 4 * (frame[3] >> 4 & 3); // of a sample, 4 of them its flags
+        return {.sample_rate = 48000, .samples = (frame[0] << 8 | frame[1]) * 8 / (channels * bits), .channels = channels};
     }
     return {.sample_rate = decoder_->sample_rate,
             .samples = parser_->duration > 0 ? parser_->duration : decoder_->frame_size,
@@ -205,13 +215,14 @@ void AudioPair::decode(std::span<const std::uint8_t> bytes, Ticks pts, bool foll
 
 void AudioPair::finish(std::optional<Ticks> stc)
 {
-    if (!parser_ || !decoder_ || cut_) return; // a frame that was cut off is none
+    if (cut_) return; // a frame that was cut off is none
     stc_ = stc;
     parse_rest();
 }
 
 void AudioPair::parse_rest()
 {
+    if (!parser_ || !decoder_) return;
     std::uint8_t* frame = nullptr;
     int size = 0;
     av_parser_parse2(parser_.get(), decoder_.get(), &frame, &size, nullptr, 0, AV_NOPTS_VALUE, AV_NOPTS_VALUE, 0);
