@@ -155,7 +155,7 @@ void Chain::show(const DecodedPicture& picture)
 {
     const auto stc = buffering_.stc();
     if (stc && picture.pts) buffering_.take_lead(SMGR_TDEMUX_DATA_TYPE_VIDEO, *picture.pts - *stc);
-    output_.take(picture.pts, picture.period, picture.time_base, stc);
+    output_.take(picture, stc);
 }
 
 void Chain::finish(const std::function<void()>& look)

@@ -84,14 +84,15 @@ void TransportDemux::count_timestamps(Followed& followed, const ElementaryPacket
 {
     SMGR_TDEMUX_SOURCE_STATS& source = source_of(followed);
     // Asynchronous KLV has no time stamps by its nature.
-    const bool timed = followed.stream.type != SMGR_TDEMUX_DATA_TYPE_KLV || followed.stream.synchronous_metadata;
+    const bool has_times = followed.stream.type != SMGR_TDEMUX_DATA_TYPE_KLV || followed.stream.synchronous_metadata;
+    if (followed.last_timed == 0) followed.last_timed = clock_.now(); // a stream may be joined between two time stamps
     if (packet.pts)
     {
         source.nPTS = record_.tCounters.TimeStamp = packet.time_base.timestamp_of(*packet.pts);
         source.nDTS = packet.time_base.timestamp_of(*packet.dts);
         followed.last_timed = clock_.now();
     }
-    else if (timed && (followed.last_timed == 0 || clock_.now() - followed.last_timed > longest_untimed))
+    else if (has_times && clock_.now() - followed.last_timed > longest_untimed)
     {
         // Without a DTS the PTS is it, so that a packet lacks its DTS when it has neither.
         ++source.tCounters.nNumNoPTSValueFrames;

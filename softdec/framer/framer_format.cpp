@@ -10,6 +10,10 @@ namespace softdec
 namespace
 {
 
+/** Structures of ITU-T H.264, table D-1, with the first field again. */
+constexpr unsigned top_field_twice = 5;
+constexpr unsigned bottom_field_twice = 6;
+
 constexpr Ticks rate_window = 2 * ticks_per_second;
 
 /** Codes of H.273 that are of the ordinary kind of dynamic range. */
@@ -120,6 +124,20 @@ void VideoFramer::measure_rate(Ticks dts)
     const double rate = pictures * ticks_per_second / static_cast<double>(timed_.back().dts - timed_.front().dts);
     record_.tCounters.fInputFrameRate = static_cast<float>(rate);
     if (!record_.tCurrentProperties.bFrameRateFoundInStream) record_.tCurrentProperties.fFrameRate = static_cast<float>(rate);
+}
+
+/** Films are shown for two and three fields in turn, which counts where the rate is that of the frames that they make. */
+void VideoFramer::set_rate(Picture& picture) const
+{
+    if (!picture.format)
+    {
+        picture.rate = record_.tCounters.fInputFrameRate;
+        return;
+    }
+    picture.rate = rate_of(*picture.format);
+    const auto structure = picture.metadata.picture_structure;
+    const bool has_third_field = structure == top_field_twice || structure == bottom_field_twice;
+    if (has_third_field && picture.rate == picture.format->frame_rate) picture.shown_fields = 3;
 }
 
 /** The rate that is signalled, but for one that is too high: some count fields or ticks. */

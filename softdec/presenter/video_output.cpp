@@ -21,16 +21,15 @@ constexpr unsigned most_untimed = 60;
 
 } // namespace
 
-void VideoOutput::take(std::optional<Ticks> pts, Ticks period, unsigned time_base, std::optional<Ticks> stc)
+void VideoOutput::take(const DecodedPicture& picture, std::optional<Ticks> stc)
 {
     auto& counters = record_.tCounters;
     ++counters.nNumFramesSentToDisplay;
     counters.tLastFrameSentToDisplay = clock_.seconds();
-    period_ = period;
-    const auto time = time_of(pts, time_base);
-    if (!time) return;
-    pts = time;
-    if (!stc) return show({*pts, time_base});
+    period_ = picture.period;
+    const auto pts = time_of(picture);
+    if (!pts) return;
+    if (!stc) return show({*pts, picture.time_base});
 
     const Ticks lead = *pts - *stc;
     const bool first = counters.tMinOutputSTCLeadTime == 0;
@@ -57,27 +56,27 @@ void VideoOutput::take(std::optional<Ticks> pts, Ticks period, unsigned time_bas
         return skip();
     }
     // A picture whose successor is on already cannot be shown any more.
-    if (shown_ && time_base == time_base_ && *pts <= *shown_)
+    if (shown_ && picture.time_base == time_base_ && *pts <= *shown_)
     {
         ++counters.nOutputTimestampNotIncreasing;
         counters.tLastOutputTimestampNotIncreasing = clock_.seconds();
         return skip();
     }
-    waiting_.insert({*pts, time_base});
+    waiting_.insert({*pts, picture.time_base});
 }
 
 /** The time of a picture by its stamp, or by those around it. @return nothing = it is known when the next one is */
-std::optional<Ticks> VideoOutput::time_of(std::optional<Ticks> pts, unsigned time_base)
+std::optional<Ticks> VideoOutput::time_of(const DecodedPicture& picture)
 {
-    if (!pts && !taken_ && untimed_ < most_untimed)
+    if (!picture.pts && !taken_ && untimed_ < most_untimed)
     {
         ++untimed_;
         return std::nullopt;
     }
-    const Ticks time = pts.value_or(taken_.value_or(0) + period_);
-    if (pts)
+    const Ticks time = picture.pts.value_or(taken_.value_or(0) + taken_for_);
+    if (picture.pts)
     {
-        for (; untimed_ > 0; --untimed_) waiting_.insert({time - static_cast<Ticks>(untimed_) * period_, time_base});
+        for (; untimed_ > 0; --untimed_) waiting_.insert({time - static_cast<Ticks>(untimed_) * period_, picture.time_base});
         stamped_ = time;
     }
     else if (!taken_ || time - stamped_ > longest_unstamped)
@@ -86,6 +85,7 @@ std::optional<Ticks> VideoOutput::time_of(std::optional<Ticks> pts, unsigned tim
         record_.tCounters.tLastOutputTimestampMissing = clock_.seconds();
     }
     taken_ = time;
+    taken_for_ = picture.shown_for;
     return time;
 }
 

@@ -9,6 +9,7 @@
 #include <set>
 
 #include "clock/ticks.h"
+#include "decode/decoded_picture.h"
 #include "sessmgr_types.h"
 
 namespace softdec
@@ -21,12 +22,10 @@ public:
 
     /**
      * Takes a decoded picture.
-     * @param pts       its time; nothing = it has none, and follows on the one before
-     * @param period    of the pictures [90 kHz ticks]
-     * @param time_base number of the one that its time stamp is of
-     * @param stc       now; nothing = the clock is not known, so that the picture is shown at once
+     * @param picture without a time it follows on the one before
+     * @param stc     now; nothing = the clock is not known, so that the picture is shown at once
      */
-    void take(std::optional<Ticks> pts, Ticks period, unsigned time_base, std::optional<Ticks> stc);
+    void take(const DecodedPicture& picture, std::optional<Ticks> stc);
 
     /** Shows what is due. */
     void step(std::optional<Ticks> stc);
@@ -60,7 +59,7 @@ private:
     /** As much later the next picture may come without the one shown being shown again: films are shown for two and three fields in turn. */
     Ticks patience() const { return period_ * 3 / 4; }
 
-    std::optional<Ticks> time_of(std::optional<Ticks> pts, unsigned time_base);
+    std::optional<Ticks> time_of(const DecodedPicture& picture);
     void show_untimed();
     void show(const Waiting& picture);
     bool pauses(Ticks stc) const;
@@ -75,6 +74,7 @@ private:
     unsigned announced_ = 0;     // newest time base
     Ticks next_ = 0;             // when the picture after the one shown is due
     std::optional<Ticks> taken_; // time of the last picture taken
+    Ticks taken_for_ = 0;        // how long that one is shown
     Ticks stamped_ = 0;          // and of the last one that had a time of its own
     unsigned untimed_ = 0;       // pictures that came before the first time
     Ticks period_ = ticks_per_second / 25;

@@ -49,7 +49,7 @@ void open(AVCodecContext& context, const std::string& options)
     const bool opened = avcodec_open2(&context, nullptr, &dictionary) == 0;
     const bool all_known = av_dict_count(dictionary) == 0;
     av_dict_free(&dictionary);
-    require(opened && all_known, context.codec->name + (" " + options));
+    require(opened && all_known, options);
 }
 
 /** Hands a frame to the encoder, or the end, and takes what comes out. */
@@ -120,7 +120,7 @@ std::vector<CodedUnit> encode(const VideoCoding& coding)
     context->max_b_frames = coding.b_pictures;
     std::string options = coding.options;
     const std::string name = coding.encoder;
-    if (name != "mpeg2video") options = "preset=superfast" + (options.empty() ? "" : "," + options);
+    if (name.starts_with("libx26")) options = "preset=superfast" + (options.empty() ? "" : "," + options);
     if (name == "libx265" && options.find("x265-params") == std::string::npos) options += ",x265-params=log-level=none";
     if (coding.interlaced) context->flags |= AV_CODEC_FLAG_INTERLACED_DCT | AV_CODEC_FLAG_INTERLACED_ME;
     open(*context, options);
