@@ -100,7 +100,6 @@ void ClockRecovery::take(Pcr pcr, std::optional<Nanoseconds> arrival, bool annou
     record_.tLastPcrUpdate = clock_.seconds();
     record_.curPcr = static_cast<long>(pcr / 300);
     record_.TrackingStarted = 1;
-
     // Only an unannounced one is a jump, which would be an error.
     const bool another = announced && !first && !goes_on(step, arrival);
     if (step > 0 && pcr < before && !another) ++rollovers_;
@@ -132,8 +131,9 @@ void ClockRecovery::check_interval(Pcr pcr_step, Nanoseconds arrival)
     const double interval = static_cast<double>(pcr_step) / nominal_frequency * 1000;
     const double waited = has_arrivals_ ? static_cast<double>(arrival - last_arrival_) / 1e6 : interval;
     record_.pcrLateMaxValue = std::max(record_.pcrLateMaxValue, static_cast<int>(std::min(waited, 1e9)));
+    if (usual_interval_ == 0) usual_interval_ = std::min(interval, longest_interval * 10);
     if (interval > longest_interval && interval > 2 * usual_interval_ && interval < jump_limit * 60'000) ++record_.pcrLateCount;
-    usual_interval_ += (std::min(interval, longest_interval * 10) - usual_interval_) / (usual_interval_ == 0 ? 1 : 8);
+    usual_interval_ += (std::min(interval, longest_interval * 10) - usual_interval_) / 8;
     record_.OldDeltaSnd = static_cast<long>(pcr_step / 300);
     last_arrival_ = arrival;
 }

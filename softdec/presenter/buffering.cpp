@@ -55,7 +55,7 @@ void Buffering::take(ElementaryPacket packet)
     ++counters.nNumReceivedPackets;
     counters.tLastReceivedPacket = clock_.seconds();
     const std::size_t index = packet.source;
-    if (packet.stream.type == SMGR_TDEMUX_DATA_TYPE_KLV && !packet.pts) synthesize(packet);
+    if (packet.stream.type == SMGR_TDEMUX_DATA_TYPE_KLV && !packet.pts) synthesize(channels_[index], packet);
     measure_jitter(index, packet);
 
     auto& channel = record_.tChannel[index];
@@ -71,8 +71,8 @@ void Buffering::take(ElementaryPacket packet)
     channel.tCounters.nMaxQueueOccupancyFrames = std::max(channel.tCounters.nMaxQueueOccupancyFrames, channel.nQueueOccupancyFrames);
 }
 
-/** Asynchronous metadata belongs to the pictures that arrive with it. */
-void Buffering::synthesize(ElementaryPacket& packet)
+/** Asynchronous metadata belongs to the pictures that arrive with it; what arrives at once keeps its order. */
+void Buffering::synthesize(Channel& channel, ElementaryPacket& packet)
 {
     auto& counters = record_.tCounters;
     const auto sender = recovery_.at(clock_.now());
@@ -82,7 +82,8 @@ void Buffering::synthesize(ElementaryPacket& packet)
         counters.tLastSynthesizedAsyncTimestampFail = clock_.seconds();
         return;
     }
-    packet.pts = packet.dts = *sender;
+    channel.synthesized = channel.synthesized ? std::max(*sender, *channel.synthesized + 1) : *sender;
+    packet.pts = packet.dts = channel.synthesized;
     packet.time_base = recovery_.time_base();
     ++counters.nSynthesizedAsyncTimestamps;
     counters.tLastSynthesizedAsyncTimestamp = clock_.seconds();

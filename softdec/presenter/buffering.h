@@ -62,6 +62,7 @@ private:
     {
         std::deque<std::pair<ElementaryPacket, Nanoseconds>> packets; // with their arrival
         Window jitter{10 * second};
+        std::optional<Ticks> synthesized; // last time stamp that was made
         std::optional<Ticks> last_distance;
         unsigned time_base = 0; // that it was measured in
     };
@@ -69,7 +70,7 @@ private:
     bool is_due(const ElementaryPacket& packet, std::optional<Ticks> stc) const;
     void release(std::size_t index, std::optional<Ticks> stc);
     void count_late(Ticks late);
-    void synthesize(ElementaryPacket& packet);
+    void synthesize(Channel& channel, ElementaryPacket& packet);
     void measure_jitter(std::size_t index, const ElementaryPacket& packet);
     void settle_delay();
 
