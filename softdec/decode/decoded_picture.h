@@ -18,9 +18,9 @@ struct DecodedPicture
 {
     std::optional<Ticks> pts;
     std::optional<DisplayPlace> place = {};
-    unsigned time_base = 0;
-    Ticks period = 0;    /**< of the pictures [90 kHz ticks] */
-    Ticks shown_for = 0; /**< the picture itself [90 kHz ticks] */
+    unsigned time_base = 0; /**< number of it */
+    Ticks period = 0;       /**< of the pictures [90 kHz ticks] */
+    Ticks shown_for = 0;    /**< the picture itself [90 kHz ticks] */
 };
 
 } // namespace softdec

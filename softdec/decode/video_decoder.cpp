@@ -48,7 +48,7 @@ bool VideoDecoder::prepare(const Picture& picture, SMGR_TDEMUX_COMPRESSION_TYPE 
     return false;
 }
 
-/** The DTS of pictures only grows, picture by picture. */
+/** The DTS of pictures only grows, picture by picture, within a time base. */
 void VideoDecoder::check_order(const Picture& picture)
 {
     if (!picture.dts)
@@ -56,16 +56,14 @@ void VideoDecoder::check_order(const Picture& picture)
         ++untimed_;
         return;
     }
-    const Ticks step = last_dts_ ? *picture.dts - *last_dts_ : 1;
-    if (picture.time_base != time_base_ || step <= 0 || step > std::max(longest_step, (5 + 2 * Ticks{untimed_}) * period_))
+    const bool follows = last_dts_ && picture.time_base.number == time_base_;
+    const Ticks step = follows ? *picture.dts - *last_dts_ : 1;
+    if (step <= 0 || step > std::max(longest_step, (5 + 2 * Ticks{untimed_}) * period_))
     {
-        if (last_dts_)
-        {
-            ++record_.tCounters.nNumDiscontinuty;
-            record_.tCounters.tLastDiscontinuity = clock_.seconds();
-        }
-        time_base_ = picture.time_base;
+        ++record_.tCounters.nNumDiscontinuty;
+        record_.tCounters.tLastDiscontinuity = clock_.seconds();
     }
+    time_base_ = picture.time_base.number;
     last_dts_ = picture.dts;
     untimed_ = 0;
 }
@@ -99,7 +97,7 @@ void VideoDecoder::send(Picture& picture)
     decoder_->reordered_opaque = ++number_;
     pending_[number_] = {.pts = picture.pts,
                          .place = picture.place,
-                         .time_base = picture.time_base,
+                         .time_base = picture.time_base.number,
                          .damaged = picture.damaged,
                          .cut = picture.cut,
                          .failed = false,

@@ -164,8 +164,9 @@ void VideoFramer::count_picture(const Picture& picture)
     if (picture.dts)
     {
         // Pictures come in decoding order, in which presentation goes back and forth.
-        if (properties.TimeStamp != 0) properties.TimeStampDelta = as_timestamp(*picture.dts - static_cast<Ticks>(properties.TimeStamp));
-        properties.TimeStamp = as_timestamp(*picture.dts);
+        const std::uint64_t timestamp = picture.time_base.timestamp_of(*picture.dts);
+        if (properties.TimeStamp != 0) properties.TimeStampDelta = as_timestamp(static_cast<Ticks>(timestamp - properties.TimeStamp));
+        properties.TimeStamp = timestamp;
         measure_rate(*picture.dts);
     }
     count_structure(picture);

@@ -21,7 +21,7 @@ struct Picture
     std::vector<std::uint8_t> data;
     std::optional<Ticks> pts;
     std::optional<Ticks> dts;
-    unsigned time_base = 0;
+    TimeBase time_base = {};
     PictureType type = PictureType::unknown;
     bool key = false;     /**< decoding may begin here */
     bool damaged = false; /**< a piece of it was lost on the way */

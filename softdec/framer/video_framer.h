@@ -49,7 +49,7 @@ private:
     {
         std::optional<Ticks> pts;
         std::optional<Ticks> dts;
-        unsigned time_base = 0;
+        TimeBase time_base = {};
         bool damaged = false;
     };
 

@@ -19,6 +19,9 @@ constexpr Ticks longest_wait = ticks_per_second;
 /** A stream whose rate has not varied for so long has a constant one. */
 constexpr Ticks longest_steady = 10 * ticks_per_second;
 
+/** Between two time bases nothing need be shown for so long. */
+constexpr Ticks longest_pause = ticks_per_second;
+
 /** Pictures that wait for the first time stamp. More have missed theirs. */
 constexpr unsigned most_untimed = 60;
 
@@ -34,7 +37,7 @@ void VideoOutput::take(const DecodedPicture& picture, std::optional<Ticks> stc)
     period_ = picture.period;
     const auto pts = time_of(picture);
     if (!pts) return;
-    if (!stc) return show({*pts, picture.place});
+    if (!stc) return show({*pts, picture.time_base, picture.place});
 
     const Ticks lead = *pts - *stc;
     const bool first = counters.tMinOutputSTCLeadTime == 0;
@@ -61,13 +64,13 @@ void VideoOutput::take(const DecodedPicture& picture, std::optional<Ticks> stc)
         return skip();
     }
     // A picture whose successor is on already cannot be shown any more.
-    if (shown_ && *pts <= *shown_)
+    if (shown_ && picture.time_base == time_base_ && *pts <= *shown_)
     {
         ++counters.nOutputTimestampNotIncreasing;
         counters.tLastOutputTimestampNotIncreasing = clock_.seconds();
         return skip();
     }
-    waiting_.insert({*pts, picture.place});
+    waiting_.insert({*pts, picture.time_base, picture.place});
 }
 
 /** The time of a picture by its stamp, or by those around it. @return nothing = it is known when the next one is */
@@ -81,7 +84,7 @@ std::optional<Ticks> VideoOutput::time_of(const DecodedPicture& picture)
     const Ticks time = picture.pts.value_or(taken_.value_or(0) + taken_for_);
     if (picture.pts)
     {
-        for (; untimed_ > 0; --untimed_) waiting_.insert({time - static_cast<Ticks>(untimed_) * period_, std::nullopt});
+        for (; untimed_ > 0; --untimed_) waiting_.insert({time - static_cast<Ticks>(untimed_) * period_, picture.time_base, std::nullopt});
         stamped_ = time;
     }
     else if (!taken_ || time - stamped_ > longest_unstamped)
@@ -101,17 +104,18 @@ void VideoOutput::step(std::optional<Ticks> stc)
     {
         const Waiting picture = *waiting_.begin();
         waiting_.erase(waiting_.begin());
+        const bool follows = shown_ && picture.time_base == time_base_;
         // The time between the one shown and this one was filled with the one shown, a period at a time. The last pictures of a
         // stream that is cut off lack some between them, which is no fault of an output.
-        while (!ended_ && lacks_some_before(picture)) replay();
+        while (!ended_ && follows && lacks_some_before(picture)) replay();
         // One whose successor is due as well has missed its turn.
         const bool missed = !waiting_.empty() && waiting_.begin()->pts <= *stc && *stc - waiting_.begin()->pts > period_;
-        if (missed && shown_ && *stc - picture.pts > 2 * period_)
+        if (missed && follows && *stc - picture.pts > 2 * period_)
             skip();
         else
             show(picture);
     }
-    if (ended_) return;
+    if (ended_ || pauses(*stc)) return;
     if (waiting_.empty() && *stc - next_ < longest_wait) return;
     while (shown_ && next_ + patience() <= *stc && (waiting_.empty() || lacks_some_before(*waiting_.begin()))) replay();
 }
@@ -120,7 +124,7 @@ void VideoOutput::step(std::optional<Ticks> stc)
 bool VideoOutput::lacks_some_before(const Waiting& next) const
 {
     if (!shown_ || next_ + patience() >= next.pts) return false;
-    if (!shown_place_ || !next.place) return true;
+    if (!shown_place_ || !next.place || next.time_base != time_base_) return true;
     // Where a sequence ends is not told: there, the rate of a stream varies that has varied.
     if (next.place->sequence != shown_place_->sequence) return !varied_ || next.pts - *varied_ > longest_steady;
     const std::int64_t step = next.place->number - shown_place_->number;
@@ -130,36 +134,29 @@ bool VideoOutput::lacks_some_before(const Waiting& next) const
 /** The places of pictures that follow on each other differ by as much as the encoder counts, which shows where none is absent. */
 void VideoOutput::note_step(const Waiting& next)
 {
-    if (!shown_ || !shown_place_ || !next.place || next.place->sequence != shown_place_->sequence) return;
+    if (!shown_ || next.time_base != time_base_ || !shown_place_ || !next.place || next.place->sequence != shown_place_->sequence) return;
     const std::int64_t step = next.place->number - shown_place_->number;
     if (step <= 0) return;
     if (step == least_step_ && next.pts - *shown_ > period_ + patience()) varied_ = next.pts;
     if (least_step_ == 0 || step < least_step_) least_step_ = step;
 }
 
+/** Whether the time base that is shown has ended, and the first picture of the next one is to come. */
+bool VideoOutput::pauses(Ticks stc) const
+{
+    const bool all_shown = waiting_.empty() || waiting_.begin()->time_base != time_base_;
+    return announced_ != time_base_ && all_shown && stc - next_ < longest_pause;
+}
+
 void VideoOutput::show_untimed()
 {
-    for (; untimed_ > 0; --untimed_) show({taken_.value_or(0), std::nullopt});
+    for (; untimed_ > 0; --untimed_) show({taken_.value_or(0), announced_, std::nullopt});
 }
 
 void VideoOutput::end()
 {
     show_untimed();
     ended_ = true;
-}
-
-void VideoOutput::restart()
-{
-    show_untimed();
-    while (!waiting_.empty())
-    {
-        show(*waiting_.begin());
-        waiting_.erase(waiting_.begin());
-    }
-    shown_.reset();
-    taken_.reset();
-    varied_.reset();
-    next_ = 0;
 }
 
 void VideoOutput::show(const Waiting& picture)
@@ -170,10 +167,11 @@ void VideoOutput::show(const Waiting& picture)
     counters.tLastDisplayedOutputFrame = clock_.seconds();
     ++counters.nNumDisplayedFramesFreed;
     counters.tLastDisplayedFrameFreed = clock_.seconds();
-    shown_ = picture.pts;
-    shown_place_ = picture.place;
     // The times that passed before it was shown late have been filled already.
-    next_ = std::max(picture.pts + period_, next_);
+    next_ = picture.time_base == time_base_ ? std::max(picture.pts + period_, next_) : picture.pts + period_;
+    shown_ = picture.pts;
+    time_base_ = picture.time_base;
+    shown_place_ = picture.place;
 }
 
 void VideoOutput::skip()
