@@ -151,7 +151,7 @@ void VideoFramer::set_rate(Picture& picture) const
         return;
     }
     picture.rate = rate_of(*picture.format);
-    const auto structure = picture.metadata.picture_structure;
+    const unsigned structure = picture.metadata.picture_structure.value_or(0);
     const bool has_third_field = structure == top_field_twice || structure == bottom_field_twice;
     if (has_third_field && picture.rate == picture.format->frame_rate) picture.shown_fields = 3;
     if (sequence_ && sequence_->field_pictures) picture.shown_fields = 1;

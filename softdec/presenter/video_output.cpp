@@ -13,14 +13,11 @@ namespace
 /** Not each picture need have a time stamp; ISO/IEC 13818-1, 2.7.4 asks for one each 0.7 s. */
 constexpr Ticks longest_unstamped = ticks_per_second * 7 / 10;
 
-/** So long it may take until the next picture shows that the one before is not shown again in place of another. */
-constexpr Ticks longest_wait = ticks_per_second;
-
 /** A stream whose rate has not varied for so long has a constant one. */
 constexpr Ticks longest_steady = 10 * ticks_per_second;
 
-/** Between two time bases nothing need be shown for so long. */
-constexpr Ticks longest_pause = ticks_per_second;
+/** So long it may take until the next picture tells whether others are absent before it. Between two time bases none need be shown. */
+constexpr Ticks longest_silence_of_decoder = ticks_per_second;
 
 /** Pictures that wait for the first time stamp. More have missed theirs. */
 constexpr unsigned most_untimed = 60;
@@ -116,7 +113,7 @@ void VideoOutput::step(std::optional<Ticks> stc)
             show(picture);
     }
     if (ended_ || pauses(*stc)) return;
-    if (waiting_.empty() && *stc - next_ < longest_wait) return;
+    if (waiting_.empty() && *stc - next_ < longest_silence_of_decoder) return;
     while (shown_ && next_ + patience() <= *stc && (waiting_.empty() || lacks_some_before(*waiting_.begin()))) replay();
 }
 
@@ -145,7 +142,7 @@ void VideoOutput::note_step(const Waiting& next)
 bool VideoOutput::pauses(Ticks stc) const
 {
     const bool all_shown = waiting_.empty() || waiting_.begin()->time_base != time_base_;
-    return announced_ != time_base_ && all_shown && stc - next_ < longest_pause;
+    return announced_ != time_base_ && all_shown && stc - next_ < longest_silence_of_decoder;
 }
 
 void VideoOutput::show_untimed()
