@@ -28,11 +28,12 @@ constexpr std::int64_t longest_pcr_step = 27'000'000;
 Chain::Chain(const Settings& settings)
     : settings_(settings), recovery_(clock_, records_.clock_recovery, settings.has_arrivals),
       reception_(clock_, records_.tdemux, settings.has_arrivals,
-                 [this](std::span<const std::uint8_t> bytes, std::optional<Nanoseconds> arrival) { demux_.feed(bytes, arrival); }),
+                 [this](std::span<const std::uint8_t> bytes, std::optional<Nanoseconds> arrival)
+                 { demux_.feed(bytes, arrival, reception_.packet_distance()); }),
       demux_(clock_, recovery_, records_.tdemux,
              {.program = [this](const Program& program) { configure(program); },
               .packet = [this](ElementaryPacket packet) { buffering_.take(std::move(packet)); },
-              .pcr = [this](Pcr pcr, std::optional<Nanoseconds> arrival) { return arrival_of(pcr, arrival); }}),
+              .pcr = [this](Pcr pcr, std::optional<Nanoseconds> arrival, bool announced) { return arrival_of(pcr, arrival, announced); }}),
       buffering_(clock_, recovery_, records_.buffering, settings.has_arrivals,
                  [this](ElementaryPacket packet) { decode(std::move(packet)); }),
       framer_(clock_, records_.vframer, [this](Picture picture) { take_picture(std::move(picture)); }),
@@ -73,13 +74,19 @@ void Chain::run_to(Nanoseconds moment)
 }
 
 /** Without arrival times it is the PCR that time goes by. */
-std::optional<Nanoseconds> Chain::arrival_of(Pcr pcr, std::optional<Nanoseconds> arrival)
+std::optional<Nanoseconds> Chain::arrival_of(Pcr pcr, std::optional<Nanoseconds> arrival, bool announced)
 {
     if (settings_.has_arrivals) return arrival;
     constexpr std::int64_t range = std::int64_t{300} * timestamp_range;
-    const std::int64_t step = last_pcr_ ? (static_cast<std::int64_t>(pcr) - static_cast<std::int64_t>(*last_pcr_) + range) % range : 0;
+    std::int64_t step = last_pcr_ ? (static_cast<std::int64_t>(pcr) - static_cast<std::int64_t>(*last_pcr_) + range) % range : 0;
     last_pcr_ = pcr;
-    if (step <= longest_pcr_step) run_to(clock_.now() + step * 1000 / 27);
+    // How long it took to another time base does not stand in the stream: as long as to the PCR before, most likely.
+    if (announced && last_step_ != 0 && step > 2 * last_step_) step = last_step_;
+    if (step <= longest_pcr_step)
+    {
+        last_step_ = step;
+        run_to(clock_.now() + step * 1000 / 27);
+    }
     return clock_.now();
 }
 
@@ -87,15 +94,8 @@ void Chain::step()
 {
     buffering_.step();
     framer_.step();
-    if (recovery_.time_bases() != time_base_)
-    {
-        time_base_ = recovery_.time_bases();
-        output_.restart();
-        metadata_.restart();
-        for (const auto& pair : audio_)
-            if (pair) pair->restart();
-    }
     const auto stc = buffering_.stc();
+    output_.announce(recovery_.time_base().number);
     output_.step(stc);
     metadata_.step(stc);
     for (const auto& pair : audio_)
@@ -147,16 +147,15 @@ void Chain::decode(ElementaryPacket packet)
 
 void Chain::take_picture(Picture picture)
 {
-    metadata_.take_picture(picture.metadata, picture.pts, buffering_.stc());
+    metadata_.take_picture(picture.metadata, picture.pts, picture.time_base.number, buffering_.stc());
     if (settings_.decode) decoder_.take(std::move(picture), video_compression_);
 }
 
 void Chain::show(const DecodedPicture& picture)
 {
-    const bool comparable = picture.time_base == recovery_.time_bases();
-    const auto stc = comparable ? buffering_.stc() : std::nullopt;
+    const auto stc = buffering_.stc();
     if (stc && picture.pts) buffering_.take_lead(SMGR_TDEMUX_DATA_TYPE_VIDEO, *picture.pts - *stc);
-    output_.take(picture.pts, picture.period, stc);
+    output_.take(picture, stc);
 }
 
 void Chain::finish(const std::function<void()>& look)

@@ -54,7 +54,7 @@ public:
 private:
     void step();
     void configure(const Program& program);
-    std::optional<Nanoseconds> arrival_of(Pcr pcr, std::optional<Nanoseconds> arrival);
+    std::optional<Nanoseconds> arrival_of(Pcr pcr, std::optional<Nanoseconds> arrival, bool announced);
     void decode(ElementaryPacket packet);
     void take_picture(Picture picture);
     void show(const DecodedPicture& picture);
@@ -75,8 +75,8 @@ private:
     std::array<std::unique_ptr<AudioPair>, SMGR_AUDIO_MAX_PAIRS> audio_;
     SMGR_TDEMUX_COMPRESSION_TYPE video_compression_ = SMGR_TDEMUX_COMPRESSION_TYPE_UNKNOWN;
     bool ended_ = false;
-    unsigned time_base_ = 0;
     std::optional<Pcr> last_pcr_;
+    std::int64_t last_step_ = 0; // between the PCRs before [27 MHz ticks]
 };
 
 } // namespace softdec

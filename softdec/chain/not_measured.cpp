@@ -13,10 +13,8 @@ namespace softdec
 namespace
 {
 
-/*
- * Fields by their public names; a name that ends in a point stands for all that begin so. What tells when a field of them last changed, or
- * how large and small it has been, is not measured either, and not named.
- */
+/** Fields by their public names; a name that ends in a point stands for all that begin so. What tells when a field of them last changed, or
+    how large and small it has been, is not measured either, and not named. */
 using Names = std::span<const std::string_view>;
 
 /** What is measured all the same. */
@@ -113,6 +111,7 @@ constexpr std::string_view never[] = {
     "metadata.channels[].used_descriptor_list_length",
     "metadata.channels[].free_descriptor_list_head",
     "metadata.channels[].used_descriptor_list_head",
+    "metadata.channels[].packet_list_resets",
     "metadata.channels[].delay_in_packets",
     "metadata.channels[].delay_list_length",
     "buffering.decoder_id",
@@ -124,6 +123,7 @@ constexpr std::string_view never[] = {
     "buffering.hardware_delay",
     "buffering.dropped_packets",
     "buffering.unknown_channel_packets",
+    "buffering.resets",
     "buffering.stc_updates",
     "buffering.stc_lead_adjustments",
     "clock_recovery.filtered_sender_clock_delta",

@@ -35,6 +35,8 @@ void Reception::take(const Datagram& datagram)
         const bool rtp = has_arrivals_ && is_rtp_transport_stream(datagram.bytes);
         encapsulation_ = rtp ? Encapsulation::rtp : Encapsulation::none;
         if (rtp) record_.enEncapsulation = SMGR_STREAM_ENCAPSULATION_TS_RTP;
+        const auto payload = rtp ? parse_rtp(datagram.bytes)->payload : datagram.bytes;
+        packet_distance_ = has_arrivals_ && has_check_bytes(payload) ? packet_size_with_check_bytes : datagram.packet_distance;
     }
     if (encapsulation_ == Encapsulation::rtp)
     {

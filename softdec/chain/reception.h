@@ -37,6 +37,9 @@ public:
     /** Brings what depends on the time up to date. @param packets transport stream packets so far */
     void update(std::uint64_t packets);
 
+    /** From the begin of one transport stream packet to that of the next [bytes]. */
+    std::size_t packet_distance() const { return packet_distance_; }
+
     /** The longest that packets are held back for one before them [ns]. */
     Nanoseconds longest_hold() const { return encapsulation_ == Encapsulation::rtp ? rtp_.longest_hold() : 0; }
 
@@ -58,6 +61,7 @@ private:
     Output output_;
     RtpReceiver rtp_;
     Encapsulation encapsulation_ = Encapsulation::unknown;
+    std::size_t packet_distance_ = 0; // 0 = not known yet
     RateMeter bits_;
     Nanoseconds started_ = 0;
     Nanoseconds last_arrival_ = 0;

@@ -49,9 +49,12 @@ ClockRecovery::ClockRecovery(const VirtualClock& clock, SMGR_DECODER_CLOCK_RECOV
     record_.OldPll = has_arrivals ? record_.StcClkNominal : 0;
 }
 
-void ClockRecovery::start_time_base(Nanoseconds arrival)
+/** The last PCR is the first of another time base, in which time goes on from where it is. */
+void ClockRecovery::begin_time_base(Nanoseconds arrival)
 {
-    ++time_bases_;
+    const Ticks step = at(arrival).value_or(last_) - last_;
+    time_base_ = {.number = time_base_.number + 1, .offset = time_base_.offset + step};
+    last_ += step;
     position_ = 0;
     origin_ = block_began_ = arrival;
     // The frequency is the sender's still; where its clock stands is not known any more.
@@ -72,13 +75,15 @@ void ClockRecovery::jumped(double milliseconds, Nanoseconds arrival)
         record_.PcrJumpMaxValue = record_.PcrJump;
         record_.tLastPcrJumpMaxValue = clock_.seconds();
     }
-    resynchronise(arrival);
+    ++record_.ReSyncCount;
+    begin_time_base(arrival);
 }
 
-void ClockRecovery::resynchronise(Nanoseconds arrival)
+/** Whether a time base that is announced goes on where the one before ended, as some senders announce it at each programme's begin. */
+bool ClockRecovery::goes_on(std::int64_t step, std::optional<Nanoseconds> arrival) const
 {
-    ++record_.ReSyncCount;
-    start_time_base(arrival);
+    const double deviation = arrival ? deviation_of(*arrival) : static_cast<double>(step) / nominal_frequency - usual_interval_ / 1000;
+    return std::abs(deviation) <= jitter_floor;
 }
 
 void ClockRecovery::take(Pcr pcr, std::optional<Nanoseconds> arrival, bool announced)
@@ -87,30 +92,28 @@ void ClockRecovery::take(Pcr pcr, std::optional<Nanoseconds> arrival, bool annou
     const bool first = !pcr_;
     auto step = static_cast<std::int64_t>((pcr + pcr_range - before) % pcr_range);
     if (step >= static_cast<std::int64_t>(pcr_range / 2)) step -= static_cast<std::int64_t>(pcr_range);
-    if (step > 0 && pcr < before) ++rollovers_;
     pcr_ = pcr;
-    last_ = first ? static_cast<Ticks>(pcr / 300) : extend_timestamp(pcr / 300, last_);
+    last_ = first ? static_cast<Ticks>(pcr / 300) : time_base_.moment_of(pcr / 300, last_);
     last_taken_ = clock_.now();
     position_ += pcr_span(step);
     ++record_.PcrUpdates;
     record_.tLastPcrUpdate = clock_.seconds();
-    record_.curPcr = static_cast<long>(as_timestamp(last_));
+    record_.curPcr = static_cast<long>(pcr / 300);
     record_.TrackingStarted = 1;
-    if (!arrival) return;
-
-    if (first)
+    // Only an unannounced one is a jump, which would be an error.
+    const bool another = announced && !first && !goes_on(step, arrival);
+    if (step > 0 && pcr < before && !another) ++rollovers_;
+    if (first && arrival) started_ = *arrival;
+    if ((first && arrival) || another)
     {
-        started_ = *arrival;
-        start_time_base(*arrival);
-        add_sample(*arrival);
+        begin_time_base(arrival.value_or(last_arrival_ + static_cast<Nanoseconds>(usual_interval_ * 1e6)));
+        if (arrival) add_sample(*arrival);
         return;
     }
+    if (!arrival) return;
     check_interval(static_cast<Pcr>(std::max<std::int64_t>(step, 0)), *arrival);
     const double deviation = deviation_of(*arrival);
-    // An announced time base that goes on where the one before ended is none. Another one is no jump, which would be an error.
-    if (announced && std::abs(deviation) > jitter_floor)
-        resynchronise(*arrival);
-    else if (std::abs(deviation) > jump_limit)
+    if (std::abs(deviation) > jump_limit)
         jumped(-deviation * 1000, *arrival);
     else if (!accept(deviation, *arrival))
         return;
@@ -128,8 +131,9 @@ void ClockRecovery::check_interval(Pcr pcr_step, Nanoseconds arrival)
     const double interval = static_cast<double>(pcr_step) / nominal_frequency * 1000;
     const double waited = has_arrivals_ ? static_cast<double>(arrival - last_arrival_) / 1e6 : interval;
     record_.pcrLateMaxValue = std::max(record_.pcrLateMaxValue, static_cast<int>(std::min(waited, 1e9)));
+    if (usual_interval_ == 0) usual_interval_ = std::min(interval, longest_interval * 10);
     if (interval > longest_interval && interval > 2 * usual_interval_ && interval < jump_limit * 60'000) ++record_.pcrLateCount;
-    usual_interval_ += (std::min(interval, longest_interval * 10) - usual_interval_) / (usual_interval_ == 0 ? 1 : 8);
+    usual_interval_ += (std::min(interval, longest_interval * 10) - usual_interval_) / 8;
     record_.OldDeltaSnd = static_cast<long>(pcr_step / 300);
     last_arrival_ = arrival;
 }
@@ -231,7 +235,7 @@ void ClockRecovery::report_frequency()
 
 std::optional<Ticks> ClockRecovery::at(Nanoseconds moment) const
 {
-    if (!pcr_ || time_bases_ == 0) return std::nullopt;
+    if (!pcr_ || time_base_.number == 0) return std::nullopt;
     const auto late = static_cast<Nanoseconds>(model_.at(x_of(moment)) * 1e9);
     return last_ + ticks(moment - origin_ - late - position_);
 }

@@ -40,17 +40,14 @@ public:
     /** The sender's clock at a moment, as far as it is known. @return nothing before the first PCR */
     std::optional<Ticks> at(Nanoseconds moment) const;
 
-    /** A time stamp without its wrap-around. */
-    Ticks extend(std::uint64_t timestamp) const { return extend_timestamp(timestamp, last_); }
-
-    /** The last PCR without its wrap-around. */
+    /** The moment of the last PCR. */
     Ticks last() const { return last_; }
 
     /** When the last PCR came; 0 = never. */
     Nanoseconds last_taken() const { return last_taken_; }
 
-    /** Time bases so far: another number means that time stamps before and after do not compare. */
-    unsigned time_bases() const { return time_bases_; }
+    /** What time stamps count from now. */
+    const TimeBase& time_base() const { return time_base_; }
 
     /** Wrap-arounds of the PCR so far. */
     unsigned rollovers() const { return rollovers_; }
@@ -69,8 +66,8 @@ private:
     /** Seconds that the averages of the frequency are over. */
     static constexpr std::size_t average_history = 120;
 
-    void start_time_base(Nanoseconds arrival);
-    void resynchronise(Nanoseconds arrival);
+    void begin_time_base(Nanoseconds arrival);
+    bool goes_on(std::int64_t step, std::optional<Nanoseconds> arrival) const;
     void jumped(double milliseconds, Nanoseconds arrival);
     void check_interval(Pcr pcr, Nanoseconds arrival);
     double deviation_of(Nanoseconds arrival) const;
@@ -85,12 +82,12 @@ private:
     const bool has_arrivals_;
 
     std::optional<Pcr> pcr_;
-    Ticks last_ = 0;           // base of the last PCR
+    Ticks last_ = 0;           // moment of the last PCR
     Nanoseconds position_ = 0; // the last PCR as time since the time base began [ns]
     Nanoseconds last_arrival_ = 0;
     Nanoseconds last_taken_ = 0;
     Nanoseconds started_ = 0; // when the first PCR came
-    unsigned time_bases_ = 0;
+    TimeBase time_base_;
     unsigned rollovers_ = 0;
     double usual_interval_ = 0; // of the PCRs [ms]
 

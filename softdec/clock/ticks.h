@@ -34,6 +34,25 @@ constexpr std::uint64_t as_timestamp(Ticks ticks)
     return static_cast<std::uint64_t>(ticks) & static_cast<std::uint64_t>(timestamp_range - 1);
 }
 
+/**
+ * What the time stamps of a stream count from. A stream may begin another one, and time goes on from one to the next: moments in both
+ * compare.
+ */
+struct TimeBase
+{
+    unsigned number = 0; /**< from 1 on; 0 = no clock is known yet */
+    Ticks offset = 0;    /**< what is added to its time stamps */
+
+    /** The moment of a time stamp, the one nearest to a reference. */
+    constexpr Ticks moment_of(std::uint64_t timestamp, Ticks reference) const
+    {
+        return extend_timestamp(timestamp, reference - offset) + offset;
+    }
+
+    /** The time stamp of a moment, as it stands in the stream. */
+    constexpr std::uint64_t timestamp_of(Ticks moment) const { return as_timestamp(moment - offset); }
+};
+
 constexpr Nanoseconds nanoseconds(Ticks ticks)
 {
     return ticks * 100'000 / 9;

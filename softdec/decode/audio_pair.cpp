@@ -62,8 +62,25 @@ void AudioPair::take(const ElementaryPacket& packet, std::optional<Ticks> stc, c
     stc_ = stc;
     cut_ = packet.cut;
     lead_ = &lead;
-    if (parser_ && decoder_) parse(packet);
+    if (decoder_)
+    {
+        if (packet.time_base.number != time_base_.number) begin_time_base(packet);
+        parse(packet);
+    }
     lead_ = nullptr;
+}
+
+/** Sound need not go on where another time base begins, and a frame may have been cut off there. */
+void AudioPair::begin_time_base(const ElementaryPacket& packet)
+{
+    if (time_base_.number != 0)
+    {
+        stamps_ = std::min(stamps_, 1UL);
+        parse_rest();
+        parser_.reset(av_parser_init(codec_id(compression_)));
+    }
+    time_base_ = packet.time_base;
+    begin_ = packet.pts;
 }
 
 void AudioPair::parse(const ElementaryPacket& packet)
@@ -71,6 +88,8 @@ void AudioPair::parse(const ElementaryPacket& packet)
     padded_.assign(packet.data.begin(), packet.data.end());
     padded_.resize(packet.data.size() + AV_INPUT_BUFFER_PADDING_SIZE);
     std::span<const std::uint8_t> rest(padded_.data(), packet.data.size());
+    // What is not compressed has a frame in each packet, and needs no parser.
+    if (!parser_) return take_frame(packet.data, packet.pts);
     std::int64_t pts = packet.pts.value_or(AV_NOPTS_VALUE);
     while (!rest.empty())
     {
@@ -89,7 +108,8 @@ void AudioPair::parse(const ElementaryPacket& packet)
     }
 }
 
-/** What a frame's header says: of ADTS (ISO/IEC 14496-3, 1.A.2.2) it is read here, of the others the parser has read it. */
+/** What a frame's header says: of ADTS (ISO/IEC 14496-3, 1.A.2.2) and of uncompressed sound (SMPTE ST 302, 5.5) it is read here, of the
+    others the parser has read it. */
 AudioPair::AudioFormat AudioPair::format_of(std::span<const std::uint8_t> frame) const
 {
     constexpr std::array sample_rates = {96000, 88200, 64000, 48000, 44100, 32000, 24000, 22050, 16000, 12000, 11025, 8000, 7350};
@@ -103,6 +123,13 @@ AudioPair::AudioFormat AudioPair::format_of(std::span<const std::uint8_t> frame)
                             : configuration != 0 ? configuration
                                                  : decoder_->ch_layout.nb_channels};
     }
+    if (!parser_)
+    {
+        if (frame.size() < 4) return {};
+        const int channels = 2 * (frame[2] >> 6) + 2;
+        const int bits = 20 + 4 * (frame[3] >> 4 & 3); // of a sample, 4 of them its flags
+        return {.sample_rate = 48000, .samples = (frame[0] << 8 | frame[1]) * 8 / (channels * bits), .channels = channels};
+    }
     return {.sample_rate = decoder_->sample_rate,
             .samples = parser_->duration > 0 ? parser_->duration : decoder_->frame_size,
             .channels = decoder_->ch_layout.nb_channels};
@@ -113,6 +140,12 @@ void AudioPair::take_frame(std::span<const std::uint8_t> bytes, std::optional<Ti
     // What comes before the first time stamp of a stream has none to be played by.
     if (stamps_ == 0 && !pts) return;
     if (pts) ++stamps_;
+    const bool begins = pts && pts == begin_;
+    if (begins)
+    {
+        begin_.reset();
+        expected_.reset();
+    }
     ++record_.nReceivedFrames;
     record_.tLastReceivedFrame = clock_.seconds();
     record_.tLastRxFrameTime = exact(clock_.now());
@@ -128,11 +161,11 @@ void AudioPair::take_frame(std::span<const std::uint8_t> bytes, std::optional<Ti
     moment_ = pts.value_or(expected_.value_or(moment_));
     expected_.reset();
     if (duration > 0) expected_ = moment_ + duration;
-    record_.nAudioTimeStamp = static_cast<unsigned>(as_timestamp(moment_));
-    if (decode_) decode(bytes, moment_);
+    record_.nAudioTimeStamp = static_cast<unsigned>(time_base_.timestamp_of(moment_));
+    if (decode_) decode(bytes, moment_, is_in_step() && !begins);
 }
 
-void AudioPair::decode(std::span<const std::uint8_t> bytes, Ticks pts)
+void AudioPair::decode(std::span<const std::uint8_t> bytes, Ticks pts, bool follows)
 {
     std::vector<std::uint8_t> padded(bytes.begin(), bytes.end());
     padded.resize(bytes.size() + AV_INPUT_BUFFER_PADDING_SIZE);
@@ -157,7 +190,7 @@ void AudioPair::decode(std::span<const std::uint8_t> bytes, Ticks pts)
         const Ticks duration = expected_ ? *expected_ - pts : duration_of(frame_->nb_samples, frame_->sample_rate);
         expected_ = pts + duration;
         if (stc_ && lead_ != nullptr) (*lead_)(pts - *stc_);
-        output_.take({.pts = pts, .duration = duration, .in_step = is_in_step()}, stc_);
+        output_.take({.pts = pts, .duration = duration, .in_step = follows, .time_base = time_base_}, stc_);
         av_frame_unref(frame_.get());
     }
     if (const Nanoseconds busy = load_.end(clock_.now()); load_.enabled())
@@ -180,16 +213,16 @@ void AudioPair::decode(std::span<const std::uint8_t> bytes, Ticks pts)
     record_.tLastDecoderError = clock_.seconds();
 }
 
-void AudioPair::restart()
-{
-    output_.restart();
-    expected_.reset();
-}
-
 void AudioPair::finish(std::optional<Ticks> stc)
 {
-    if (!parser_ || !decoder_ || cut_) return; // a frame that was cut off is none
+    if (cut_) return; // a frame that was cut off is none
     stc_ = stc;
+    parse_rest();
+}
+
+void AudioPair::parse_rest()
+{
+    if (!parser_ || !decoder_) return;
     std::uint8_t* frame = nullptr;
     int size = 0;
     av_parser_parse2(parser_.get(), decoder_.get(), &frame, &size, nullptr, 0, AV_NOPTS_VALUE, AV_NOPTS_VALUE, 0);

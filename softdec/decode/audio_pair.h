@@ -32,9 +32,6 @@ public:
      */
     void take(const ElementaryPacket& packet, std::optional<Ticks> stc, const std::function<void(Ticks)>& lead);
 
-    /** The sender's clock has jumped. */
-    void restart();
-
     /** The stream has ended. */
     void finish(std::optional<Ticks> stc);
 
@@ -56,8 +53,10 @@ private:
     AudioFormat format_of(std::span<const std::uint8_t> frame) const;
     void begin_stream(SMGR_TDEMUX_COMPRESSION_TYPE compression);
     void parse(const ElementaryPacket& packet);
+    void parse_rest();
+    void begin_time_base(const ElementaryPacket& packet);
     void take_frame(std::span<const std::uint8_t> bytes, std::optional<Ticks> pts);
-    void decode(std::span<const std::uint8_t> bytes, Ticks pts);
+    void decode(std::span<const std::uint8_t> bytes, Ticks pts, bool follows);
 
     const VirtualClock& clock_;
     SMGR_AUDIO_PAIR_STATS& record_;
@@ -72,6 +71,8 @@ private:
     std::vector<std::uint8_t> padded_;
     std::optional<Ticks> expected_; // PTS of the next frame received
     unsigned long stamps_ = 0;      // frames with a time stamp so far
+    TimeBase time_base_;            // of the last packet
+    std::optional<Ticks> begin_;    // PTS that the time base begins with; nothing = it has begun
     Ticks moment_ = 0;              // time of the last frame
     bool cut_ = false;              // the input ended in the last packet
     std::optional<Ticks> stc_;

@@ -48,21 +48,24 @@ bool VideoDecoder::prepare(const Picture& picture, SMGR_TDEMUX_COMPRESSION_TYPE 
     return false;
 }
 
-/** The DTS of pictures only grows, picture by picture. */
+/** The DTS of pictures only grows, picture by picture, within a time base. */
 void VideoDecoder::check_order(const Picture& picture)
 {
-    if (!picture.dts) return;
-    const Ticks step = last_dts_ ? *picture.dts - *last_dts_ : 1;
-    if (picture.time_base != time_base_ || step <= 0 || step > std::max(longest_step, 5 * period_))
+    if (!picture.dts)
     {
-        if (last_dts_)
-        {
-            ++record_.tCounters.nNumDiscontinuty;
-            record_.tCounters.tLastDiscontinuity = clock_.seconds();
-        }
-        time_base_ = picture.time_base;
+        ++untimed_;
+        return;
     }
+    const bool follows = last_dts_ && picture.time_base.number == time_base_;
+    const Ticks step = follows ? *picture.dts - *last_dts_ : 1;
+    if (step <= 0 || step > std::max(longest_step, (5 + 2 * Ticks{untimed_}) * period_))
+    {
+        ++record_.tCounters.nNumDiscontinuty;
+        record_.tCounters.tLastDiscontinuity = clock_.seconds();
+    }
+    time_base_ = picture.time_base.number;
     last_dts_ = picture.dts;
+    untimed_ = 0;
 }
 
 void VideoDecoder::take(Picture picture, SMGR_TDEMUX_COMPRESSION_TYPE compression)
@@ -93,11 +96,13 @@ void VideoDecoder::send(Picture& picture)
     packet_->size = static_cast<int>(size);
     decoder_->reordered_opaque = ++number_;
     pending_[number_] = {.pts = picture.pts,
-                         .time_base = picture.time_base,
+                         .place = picture.place,
+                         .time_base = picture.time_base.number,
                          .damaged = picture.damaged,
                          .cut = picture.cut,
                          .failed = false,
                          .type = picture.type,
+                         .shown_fields = picture.shown_fields,
                          .taken = clock_.now()};
 
     load_.begin();
@@ -173,7 +178,7 @@ void VideoDecoder::drop(PictureType type)
 void VideoDecoder::take_frame()
 {
     auto& counters = record_.tCounters;
-    DecodedPicture decoded = {.pts = std::nullopt, .time_base = time_base_, .period = period_};
+    DecodedPicture decoded = {.pts = std::nullopt, .time_base = time_base_, .period = period_, .shown_for = period_};
     bool damaged = (frame_->flags & AV_FRAME_FLAG_CORRUPT) != 0 || frame_->decode_error_flags != 0;
     const auto pending = pending_.find(frame_->reordered_opaque);
     if (pending == pending_.end())
@@ -184,7 +189,9 @@ void VideoDecoder::take_frame()
     else
     {
         decoded.pts = pending->second.pts;
+        decoded.place = pending->second.place;
         decoded.time_base = pending->second.time_base;
+        decoded.shown_for = period_ * pending->second.shown_fields / 2;
         // A stream that is refreshed bit by bit is joined in pictures that lack their references: they are not damaged.
         recovered_ = recovered_ || !damaged;
         damaged = ((damaged && recovered_) || pending->second.damaged) && !pending->second.cut;

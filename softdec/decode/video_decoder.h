@@ -12,20 +12,13 @@
 
 #include "chain/window.h"
 #include "decode/codec.h"
+#include "decode/decoded_picture.h"
 #include "decode/load_meter.h"
 #include "framer/picture.h"
 #include "sessmgr_types.h"
 
 namespace softdec
 {
-
-/** A picture that has been decoded. The picture itself is not kept: the output is a virtual one. */
-struct DecodedPicture
-{
-    std::optional<Ticks> pts;
-    unsigned time_base = 0;
-    Ticks period = 0; /**< of the pictures [90 kHz ticks] */
-};
 
 class VideoDecoder
 {
@@ -48,11 +41,13 @@ private:
     struct Pending
     {
         std::optional<Ticks> pts;
+        std::optional<DisplayPlace> place;
         unsigned time_base;
         bool damaged;
         bool cut;
         bool failed; // the decoder has refused it, and what comes out of it may be nothing
         PictureType type;
+        unsigned shown_fields;
         Nanoseconds taken;
     };
 
@@ -78,6 +73,7 @@ private:
     Ticks period_ = ticks_per_second / 25;
     bool recovered_ = false; // a picture has come out whole
     std::optional<Ticks> last_dts_;
+    unsigned untimed_ = 0; // pictures since then
     unsigned time_base_ = 0;
     Window output_delay_{10 * second};
     Window reorder_length_{10 * second};

@@ -33,7 +33,7 @@ struct ElementaryPacket
     ElementaryStream stream;
     std::optional<Ticks> pts;
     std::optional<Ticks> dts; /**< the PTS where a packet has no DTS of its own */
-    unsigned time_base = 0;   /**< ClockRecovery::time_bases when it began */
+    TimeBase time_base = {};  /**< that its time stamps count from */
     bool damaged = false;     /**< a piece of it is missing */
     bool cut = false;         /**< the input ended in it: its end is not wrong but was never there */
     std::vector<std::uint8_t> data;

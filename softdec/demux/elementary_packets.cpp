@@ -26,10 +26,11 @@ void TransportDemux::take_stream(Followed& followed, std::span<const std::uint8_
     if (!start) return followed.assembler.take(payload, false);
     // The packet before ends here, and what follows is of the one that begins.
     followed.assembler.finish(false);
+    followed.begun = clock_.now();
     followed.before_pcr = recovery_.last_taken() == 0;
     followed.pcr_known = recovery_.last_taken() != 0 && clock_.now() - recovery_.last_taken() < pcr_gone;
     followed.pcr_at_start = recovery_.last();
-    followed.time_base = recovery_.time_bases();
+    followed.time_base = recovery_.time_base();
     followed.assembler.take(payload, true);
 }
 
@@ -46,9 +47,9 @@ void TransportDemux::take_early()
 void TransportDemux::take_pes(Followed& followed, PesPacket pes)
 {
     // One that began before the first PCR is timed by it all the same.
-    if (followed.time_base == 0)
+    if (followed.time_base.number == 0)
     {
-        followed.time_base = recovery_.time_bases();
+        followed.time_base = recovery_.time_base();
         followed.pcr_at_start = recovery_.last();
     }
     ElementaryPacket packet = {.source = followed.source,
@@ -59,8 +60,8 @@ void TransportDemux::take_pes(Followed& followed, PesPacket pes)
                                .damaged = pes.damaged,
                                .cut = pes.cut,
                                .data = std::move(pes.payload)};
-    if (pes.pts) packet.pts = extend_timestamp(*pes.pts, followed.pcr_at_start);
-    packet.dts = pes.dts ? extend_timestamp(*pes.dts, followed.pcr_at_start) : packet.pts;
+    if (pes.pts) packet.pts = packet.time_base.moment_of(*pes.pts, followed.pcr_at_start);
+    packet.dts = pes.dts ? packet.time_base.moment_of(*pes.dts, followed.pcr_at_start) : packet.pts;
 
     SMGR_TDEMUX_SOURCE_STATS& source = source_of(followed);
     const std::time_t now = clock_.seconds();
@@ -84,14 +85,15 @@ void TransportDemux::count_timestamps(Followed& followed, const ElementaryPacket
 {
     SMGR_TDEMUX_SOURCE_STATS& source = source_of(followed);
     // Asynchronous KLV has no time stamps by its nature.
-    const bool timed = followed.stream.type != SMGR_TDEMUX_DATA_TYPE_KLV || followed.stream.synchronous_metadata;
+    const bool has_times = followed.stream.type != SMGR_TDEMUX_DATA_TYPE_KLV || followed.stream.synchronous_metadata;
+    if (followed.last_timed == 0) followed.last_timed = clock_.now(); // a stream may be joined between two time stamps
     if (packet.pts)
     {
-        source.nPTS = record_.tCounters.TimeStamp = as_timestamp(*packet.pts);
-        source.nDTS = as_timestamp(*packet.dts);
+        source.nPTS = record_.tCounters.TimeStamp = packet.time_base.timestamp_of(*packet.pts);
+        source.nDTS = packet.time_base.timestamp_of(*packet.dts);
         followed.last_timed = clock_.now();
     }
-    else if (timed && (followed.last_timed == 0 || clock_.now() - followed.last_timed > longest_untimed))
+    else if (has_times && clock_.now() - followed.last_timed > longest_untimed)
     {
         // Without a DTS the PTS is it, so that a packet lacks its DTS when it has neither.
         ++source.tCounters.nNumNoPTSValueFrames;
@@ -101,12 +103,12 @@ void TransportDemux::count_timestamps(Followed& followed, const ElementaryPacket
     if (!followed.pcr_known)
     {
         // Before the first PCR there is time for it to come.
-        if (followed.before_pcr && clock_.now() - started_ < pcr_gone) return;
+        if (followed.before_pcr && followed.begun - started_ < pcr_gone) return;
         ++record_.tCounters.nNumFramesWithNoPCR;
         record_.tCounters.tLastFrameWithNoPCR = clock_.seconds();
         return;
     }
-    if (!packet.pts || packet.time_base != recovery_.time_bases()) return;
+    if (!packet.pts) return;
     recovery_.take_distance(followed.stream.type, followed.stream.audio_pair, *packet.pts - followed.pcr_at_start);
     if (*packet.pts > followed.pcr_at_start) return;
     ++record_.tCounters.nNumFramesWithPTSLowerThanPCR;

@@ -87,6 +87,8 @@ std::optional<ElementaryStream> stream_of(const dvbpsi_pmt_es_t& entry)
     case private_pes:
         if (is_registered(entry, "KLVA")) return stream(SMGR_TDEMUX_DATA_TYPE_KLV, SMGR_TDEMUX_COMPRESSION_TYPE_UNCOMPRESSED);
         if (is_registered(entry, "HEVC")) return stream(SMGR_TDEMUX_DATA_TYPE_VIDEO, SMGR_TDEMUX_COMPRESSION_TYPE_H265);
+        if (is_registered(entry, "BSSD")) // SMPTE ST 302
+            return stream(SMGR_TDEMUX_DATA_TYPE_AUDIO, SMGR_TDEMUX_COMPRESSION_TYPE_UNCOMPRESSED);
         if (is_registered(entry, "AC-3") || find_descriptor(entry, ac3_descriptor) != nullptr)
             return stream(SMGR_TDEMUX_DATA_TYPE_AUDIO, SMGR_TDEMUX_COMPRESSION_TYPE_AC3);
         return std::nullopt;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bitstream/mpeg/ts.h>
 #include <string_view>
+#include <utility>
 
 namespace softdec
 {
@@ -32,11 +33,11 @@ TransportDemux::TransportDemux(const VirtualClock& clock, ClockRecovery& recover
 {
 }
 
-void TransportDemux::feed(std::span<const std::uint8_t> bytes, std::optional<Nanoseconds> arrival)
+void TransportDemux::feed(std::span<const std::uint8_t> bytes, std::optional<Nanoseconds> arrival, std::size_t distance)
 {
     if (started_ == 0) started_ = clock_.now();
     arrival_ = arrival;
-    sync_.feed(bytes);
+    sync_.feed(bytes, distance);
     given_up_.clear();
 }
 
@@ -84,6 +85,8 @@ void TransportDemux::take(std::span<const std::uint8_t, packet_size> packet)
             return;
         }
         announced = ts_get_adaptation(packet.data()) > 0 && tsaf_has_discontinuity(packet.data());
+        // It may be announced ahead of the PCR that it begins with.
+        if (announced && pid == program_.pcr_pid) time_base_announced_ = true;
         if (pid == program_.pcr_pid && ts_get_adaptation(packet.data()) >= 7 && tsaf_has_pcr(packet.data())) take_pcr(packet);
     }
     if (!ts_has_payload(packet.data()))
@@ -117,7 +120,8 @@ bool TransportDemux::take_tables(unsigned pid, std::span<const std::uint8_t, pac
 void TransportDemux::take_pcr(std::span<const std::uint8_t, packet_size> packet)
 {
     const Pcr pcr = pcr_of(packet.data());
-    recovery_.take(pcr, events_.pcr(pcr, arrival_), tsaf_has_discontinuity(packet.data()));
+    const bool announced = std::exchange(time_base_announced_, false);
+    recovery_.take(pcr, events_.pcr(pcr, arrival_, announced), announced);
     take_early();
     record_.nPCR = pcr / 300;
     record_.tLastPCR = clock_.seconds();

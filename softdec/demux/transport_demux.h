@@ -33,15 +33,16 @@ public:
     {
         std::function<void(const Program&)> program;  /**< the program is another one */
         std::function<void(ElementaryPacket)> packet; /**< a packet of an elementary stream */
-        /** A PCR has come and is about to be taken; gives the arrival that the clock is to be recovered by, if it has one. */
-        std::function<std::optional<Nanoseconds>(Pcr pcr, std::optional<Nanoseconds> arrival)> pcr;
+        /** A PCR has come and is about to be taken, announced if it begins another time base; gives the arrival that the clock is to be
+            recovered by, if it has one. */
+        std::function<std::optional<Nanoseconds>(Pcr pcr, std::optional<Nanoseconds> arrival, bool announced)> pcr;
     };
 
     /** @param record to be filled, but for the network and the transport's own statistics */
     TransportDemux(const VirtualClock& clock, ClockRecovery& recovery, SMGR_TDEMUX_STATS& record, Events events);
 
-    /** Takes bytes of the transport stream. @param arrival nothing = not known */
-    void feed(std::span<const std::uint8_t> bytes, std::optional<Nanoseconds> arrival);
+    /** Takes bytes of the transport stream. @param arrival nothing = not known @param distance see TransportSync::feed */
+    void feed(std::span<const std::uint8_t> bytes, std::optional<Nanoseconds> arrival, std::size_t distance = packet_size);
 
     /** The stream has ended. */
     void finish();
@@ -66,7 +67,8 @@ private:
         Ticks pcr_at_start = 0; // last PCR when the PES packet began that is being assembled
         bool pcr_known = false;
         bool before_pcr = false; // the first PCR had not come then
-        unsigned time_base = 0;
+        Nanoseconds begun = 0;
+        TimeBase time_base = {};
         Nanoseconds last_piece = 0; // when a piece of it last came
         Nanoseconds last_timed = 0; // when a packet with a time stamp last came
     };
@@ -100,6 +102,7 @@ private:
     Nanoseconds last_pmt_ = 0;
     Nanoseconds started_ = 0;
     bool scrambled_ = false;
+    bool time_base_announced_ = false; // the next PCR begins another one
 };
 
 } // namespace softdec

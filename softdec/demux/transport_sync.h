@@ -21,11 +21,14 @@ class TransportSync
 public:
     using Output = std::function<void(std::span<const std::uint8_t, packet_size> packet)>;
 
-    /** @param packet takes each packet @param lost is called for each 188 bytes, or rest of such, that are no packet */
+    /** @param packet takes each packet @param lost is called for the place of each packet, or rest of such, that holds none */
     TransportSync(Output packet, std::function<void()> lost) : packet_(std::move(packet)), lost_(std::move(lost)) {}
 
-    /** Takes the bytes that follow those of the last call. */
-    void feed(std::span<const std::uint8_t> bytes);
+    /**
+     * Takes the bytes that follow those of the last call.
+     * @param distance from the begin of one packet to that of the next: more than a packet has where something stands between them
+     */
+    void feed(std::span<const std::uint8_t> bytes, std::size_t distance = packet_size);
 
     /** The stream has ended. */
     void finish();
@@ -38,6 +41,7 @@ private:
     std::function<void()> lost_;
     std::vector<std::uint8_t> rest_; // the begin of a packet, or what no sync byte has been found in yet
     std::size_t skipped_ = 0;        // bytes since the last packet [bytes]
+    std::size_t distance_ = packet_size;
 };
 
 } // namespace softdec

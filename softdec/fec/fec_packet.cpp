@@ -5,6 +5,7 @@
 #include <bitstream/smpte/2022_1_fec.h>
 
 #include "fec/sequence.h"
+#include "input/rtp.h"
 
 namespace softdec
 {
@@ -32,8 +33,10 @@ std::optional<std::vector<std::uint8_t>> FecPacket::rebuild(std::int64_t missing
         for (std::size_t k = 0; k < common; ++k) bytes[k] ^= (*other)[k];
     }
     // A wrong rebuild does more harm than a loss: packets of the same sequence from two senders, for example.
-    if (size == 0 || size > bytes.size() || size % TS_SIZE != 0) return std::nullopt;
+    if (size == 0 || size > bytes.size()) return std::nullopt;
     bytes.resize(size);
+    if (has_check_bytes(bytes)) return bytes;
+    if (size % TS_SIZE != 0) return std::nullopt;
     for (std::size_t at = 0; at < bytes.size(); at += TS_SIZE)
         if (!ts_validate(&bytes[at])) return std::nullopt;
     return bytes;

@@ -17,6 +17,7 @@ constexpr unsigned doubled_structure = 7;
 bool is_progressive(const Picture& picture)
 {
     if (picture.top_fields + picture.bottom_fields != 0 || !picture.format || !picture.format->may_be_interlaced) return true;
+    if (picture.metadata.progressive) return *picture.metadata.progressive;
     const auto structure = picture.metadata.picture_structure;
     return structure && (*structure == frame_structure || *structure >= doubled_structure);
 }
@@ -26,9 +27,13 @@ bool is_progressive(const Picture& picture)
 void VideoFramer::take_parameters(const NalUnit& unit)
 {
     auto& counters = record_.tCounters;
-    if (unit.kind == NalKind::sequence_parameters)
+    if (unit.kind == NalKind::header || unit.kind == NalKind::extension)
     {
-        const auto set = h265_ ? parse_sequence_h265(unit.bytes) : parse_sequence_h264(unit.bytes);
+        mpeg_.take(unit, picture_.metadata);
+    }
+    else if (unit.kind == NalKind::sequence_parameters)
+    {
+        const auto set = is_h265() ? parse_sequence_h265(unit.bytes) : parse_sequence_h264(unit.bytes);
         if (set)
         {
             sets_.sequences[set->id] = *set;
@@ -40,7 +45,7 @@ void VideoFramer::take_parameters(const NalUnit& unit)
     }
     else if (unit.kind == NalKind::picture_parameters)
     {
-        const auto set = h265_ ? parse_picture_h265(unit.bytes) : parse_picture_h264(unit.bytes);
+        const auto set = is_h265() ? parse_picture_h265(unit.bytes) : parse_picture_h264(unit.bytes);
         if (set)
         {
             sets_.pictures[set->id] = *set;
@@ -51,7 +56,7 @@ void VideoFramer::take_parameters(const NalUnit& unit)
     }
     else if (unit.kind == NalKind::supplement)
     {
-        if (parse_supplement(unit.bytes, h265_, sequence_ ? &*sequence_ : nullptr, picture_.metadata)) return;
+        if (parse_supplement(unit.bytes, is_h265(), sequence_ ? &*sequence_ : nullptr, picture_.metadata)) return;
         ++counters.nNumSEIErrors;
         counters.tLastSEIError = clock_.seconds();
     }
@@ -59,6 +64,7 @@ void VideoFramer::take_parameters(const NalUnit& unit)
 
 void VideoFramer::count_unit(const NalUnit& unit)
 {
+    if (is_mpeg()) return; // it has no NAL units
     auto& counters = record_.tCounters;
     const std::time_t now = clock_.seconds();
     switch (unit.kind)
@@ -95,6 +101,8 @@ void VideoFramer::count_unit(const NalUnit& unit)
         ++counters.nNumUnknownNALs;
         counters.tLastUnknownNAL = now;
         break;
+    case NalKind::header:
+    case NalKind::extension:
     case NalKind::end:
     case NalKind::other: break;
     }
@@ -156,8 +164,9 @@ void VideoFramer::count_picture(const Picture& picture)
     if (picture.dts)
     {
         // Pictures come in decoding order, in which presentation goes back and forth.
-        if (properties.TimeStamp != 0) properties.TimeStampDelta = as_timestamp(*picture.dts - static_cast<Ticks>(properties.TimeStamp));
-        properties.TimeStamp = as_timestamp(*picture.dts);
+        const std::uint64_t timestamp = picture.time_base.timestamp_of(*picture.dts);
+        if (properties.TimeStamp != 0) properties.TimeStampDelta = as_timestamp(static_cast<Ticks>(timestamp - properties.TimeStamp));
+        properties.TimeStamp = timestamp;
         measure_rate(*picture.dts);
     }
     count_structure(picture);
@@ -187,7 +196,7 @@ void VideoFramer::count_structure(const Picture& picture)
     ++counters.nNumInterlacedPicStruct;
     counters.tLastInterlacedPicStruct = now;
     // Fields of H.265 are pictures of their own, told apart by their structure alone.
-    const bool single_h265 = h265_ && structure && *structure >= 1 && *structure <= 12 && (*structure <= 2 || *structure >= 9);
+    const bool single_h265 = is_h265() && structure && *structure >= 1 && *structure <= 12 && (*structure <= 2 || *structure >= 9);
     const bool single_bottom = single_h265 && *structure % 2 == 0;
     const unsigned tops = picture.top_fields + (single_h265 && !single_bottom ? 1 : 0);
     const unsigned bottoms = picture.bottom_fields + (single_bottom ? 1 : 0);

@@ -1,6 +1,7 @@
 #include "framer/nal_unit.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace softdec
 {
@@ -55,6 +56,22 @@ NalKind kind_h265(unsigned type)
     }
 }
 
+/** ISO/IEC 13818-2, table 6-1. */
+NalKind kind_mpeg(unsigned type)
+{
+    if (type >= 0x01 && type <= 0xaf) return NalKind::slice;
+    switch (type)
+    {
+    case 0x00:
+    case 0xb3:
+    case 0xb8: return NalKind::header;
+    case 0xb2:
+    case 0xb5: return NalKind::extension;
+    case 0xb7: return NalKind::end;
+    default: return NalKind::unknown;
+    }
+}
+
 /** Place of the next 00 00 01 from a position on, or the end. */
 std::size_t next_start(std::span<const std::uint8_t> bytes, std::size_t at)
 {
@@ -70,9 +87,20 @@ std::size_t next_start(std::span<const std::uint8_t> bytes, std::size_t at)
     return bytes.size();
 }
 
+std::pair<unsigned, NalKind> type_of(unsigned first, VideoSyntax syntax)
+{
+    switch (syntax)
+    {
+    case VideoSyntax::h264: return {first & 0x1fU, kind_h264(first & 0x1fU)};
+    case VideoSyntax::h265: return {first >> 1 & 0x3fU, kind_h265(first >> 1 & 0x3fU)};
+    case VideoSyntax::mpeg: break;
+    }
+    return {first, kind_mpeg(first)};
+}
+
 } // namespace
 
-void find_nal_units(std::span<const std::uint8_t> bytes, bool h265, const std::function<void(const NalUnit&)>& found)
+void find_nal_units(std::span<const std::uint8_t> bytes, VideoSyntax syntax, const std::function<void(const NalUnit&)>& found)
 {
     std::size_t start = next_start(bytes, 0);
     while (start < bytes.size())
@@ -81,11 +109,14 @@ void find_nal_units(std::span<const std::uint8_t> bytes, bool h265, const std::f
         start = next_start(bytes, begin);
         std::size_t end = start;
         while (end > begin && bytes[end - 1] == 0) --end;
-        const std::size_t header = h265 ? 2 : 1;
+        // The start code of a picture of MPEG is a zero.
+        if (syntax == VideoSyntax::mpeg) end = std::max(end, std::min(begin + 1, bytes.size()));
+        const std::size_t header = syntax == VideoSyntax::h265 ? 2 : 1;
         if (end - begin < header) continue;
-        const unsigned type = h265 ? bytes[begin] >> 1 & 0x3fU : bytes[begin] & 0x1fU;
-        const std::size_t code = begin >= 4 && bytes[begin - 4] == 0 ? begin - 4 : begin - 3;
-        found({.type = type, .kind = h265 ? kind_h265(type) : kind_h264(type), .begin = code, .bytes = bytes.subspan(begin, end - begin)});
+        const auto [type, kind] = type_of(bytes[begin], syntax);
+        // A zero in front of a start code belongs to it, but in MPEG to what is in front, which may end with one.
+        const bool zero = syntax != VideoSyntax::mpeg && begin >= 4 && bytes[begin - 4] == 0;
+        found({.type = type, .kind = kind, .begin = zero ? begin - 4 : begin - 3, .bytes = bytes.subspan(begin, end - begin)});
     }
 }
 

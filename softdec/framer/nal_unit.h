@@ -1,6 +1,6 @@
 /**
  * @file nal_unit.h
- * NAL units in a byte stream (ITU-T H.264 and H.265, annex B).
+ * NAL units in a byte stream (ITU-T H.264 and H.265, annex B), and what MPEG video has between its start codes (ISO/IEC 13818-2, 6.2).
  */
 #ifndef SOFTDEC_FRAMER_NAL_UNIT_H
 #define SOFTDEC_FRAMER_NAL_UNIT_H
@@ -13,7 +13,15 @@
 namespace softdec
 {
 
-/** What the framer does with a NAL unit. */
+/** How a video stream is written. */
+enum class VideoSyntax
+{
+    h264,
+    h265,
+    mpeg, /**< ISO/IEC 11172-2 and 13818-2 */
+};
+
+/** What the framer does with a unit. */
 enum class NalKind
 {
     slice,
@@ -23,22 +31,24 @@ enum class NalKind
     supplement, /**< supplemental enhancement information */
     delimiter,  /**< access unit delimiter */
     filler,
-    end,     /**< end of sequence or of stream */
-    other,   /**< defined, and of no interest here */
-    unknown, /**< reserved or unspecified */
+    header,    /**< MPEG: of a sequence, a group of pictures or a picture */
+    extension, /**< MPEG: of a header, or user data */
+    end,       /**< end of sequence or of stream */
+    other,     /**< defined, and of no interest here */
+    unknown,   /**< reserved or unspecified */
 };
 
-/** A NAL unit. */
+/** A NAL unit; of MPEG video, what is between two start codes. */
 struct NalUnit
 {
-    unsigned type = 0; /**< nal_unit_type */
+    unsigned type = 0; /**< nal_unit_type; MPEG: start code */
     NalKind kind = NalKind::unknown;
     std::size_t begin = 0;               /**< of its start code, in the bytes searched */
     std::span<const std::uint8_t> bytes; /**< header included, without start code and trailing zeros */
 };
 
-/** Finds the NAL units. @param h265 as H.265, otherwise as H.264 */
-void find_nal_units(std::span<const std::uint8_t> bytes, bool h265, const std::function<void(const NalUnit&)>& found);
+/** Finds the units. */
+void find_nal_units(std::span<const std::uint8_t> bytes, VideoSyntax syntax, const std::function<void(const NalUnit&)>& found);
 
 } // namespace softdec
 

@@ -21,7 +21,7 @@ struct Picture
     std::vector<std::uint8_t> data;
     std::optional<Ticks> pts;
     std::optional<Ticks> dts;
-    unsigned time_base = 0;
+    TimeBase time_base = {};
     PictureType type = PictureType::unknown;
     bool key = false;     /**< decoding may begin here */
     bool damaged = false; /**< a piece of it was lost on the way */
@@ -30,8 +30,10 @@ struct Picture
     unsigned pieces = 0;     /**< elementary packets that it came in */
     unsigned top_fields = 0; /**< field pictures in it */
     unsigned bottom_fields = 0;
-    double rate = 0;          /**< of the pictures [frames/s]; 0 = not known */
-    Nanoseconds received = 0; /**< when its first piece came */
+    double rate = 0;                   /**< of the pictures [frames/s]; 0 = not known */
+    unsigned shown_fields = 2;         /**< times of half a frame at that rate that it is shown for */
+    Nanoseconds received = 0;          /**< when its first piece came */
+    std::optional<DisplayPlace> place; /**< nothing = not known */
     PictureMetadata metadata;
     std::optional<VideoFormat> format; /**< of the sequence that it belongs to; nothing = its headers cannot be read */
 };

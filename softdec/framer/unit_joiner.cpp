@@ -37,26 +37,26 @@ std::size_t judged(const std::vector<std::uint8_t>& bytes, const std::vector<Nal
 
 } // namespace
 
-UnitJoiner::Piece UnitJoiner::take(std::vector<std::uint8_t> packet, bool h265)
+UnitJoiner::Piece UnitJoiner::take(std::vector<std::uint8_t> packet, VideoSyntax syntax)
 {
     Piece piece;
     piece.joint = held_.size();
     piece.bytes = std::move(packet);
     if (!held_.empty()) piece.bytes.insert(piece.bytes.begin(), held_.begin(), held_.end());
-    find_nal_units(piece.bytes, h265, [&piece](const NalUnit& unit) { piece.units.push_back(unit); });
+    find_nal_units(piece.bytes, syntax, [&piece](const NalUnit& unit) { piece.units.push_back(unit); });
     piece.end = judged(piece.bytes, piece.units);
     while (!piece.units.empty() && piece.units.back().begin >= piece.end) piece.units.pop_back();
     held_.assign(piece.bytes.begin() + static_cast<std::ptrdiff_t>(piece.end), piece.bytes.end());
     return piece;
 }
 
-UnitJoiner::Piece UnitJoiner::rest(bool h265)
+UnitJoiner::Piece UnitJoiner::rest(VideoSyntax syntax)
 {
     Piece piece;
     piece.bytes = std::move(held_);
     held_.clear();
     piece.joint = piece.end = piece.bytes.size();
-    find_nal_units(piece.bytes, h265, [&piece](const NalUnit& unit) { piece.units.push_back(unit); });
+    find_nal_units(piece.bytes, syntax, [&piece](const NalUnit& unit) { piece.units.push_back(unit); });
     return piece;
 }
 

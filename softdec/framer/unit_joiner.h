@@ -26,10 +26,10 @@ public:
     };
 
     /** Takes a packet. */
-    Piece take(std::vector<std::uint8_t> packet, bool h265);
+    Piece take(std::vector<std::uint8_t> packet, VideoSyntax syntax);
 
     /** Gives what has been held back: nothing follows that would show where it ends. */
-    Piece rest(bool h265);
+    Piece rest(VideoSyntax syntax);
 
     void forget() { held_.clear(); }
 

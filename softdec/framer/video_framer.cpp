@@ -12,6 +12,18 @@ namespace
 /** Larger than any picture; a stream without one would otherwise be gathered for ever. */
 constexpr std::size_t largest_picture = 32U << 20;
 
+std::optional<VideoSyntax> syntax_of(SMGR_TDEMUX_COMPRESSION_TYPE compression)
+{
+    switch (compression)
+    {
+    case SMGR_TDEMUX_COMPRESSION_TYPE_H264: return VideoSyntax::h264;
+    case SMGR_TDEMUX_COMPRESSION_TYPE_H265: return VideoSyntax::h265;
+    case SMGR_TDEMUX_COMPRESSION_TYPE_MPEG1:
+    case SMGR_TDEMUX_COMPRESSION_TYPE_MPEG2: return VideoSyntax::mpeg;
+    default: return std::nullopt;
+    }
+}
+
 /** A picture whose end the next one has not shown for this long is whole; fewer than four pictures a second are none to show. */
 constexpr Nanoseconds longest_pause = 250 * millisecond;
 
@@ -26,11 +38,11 @@ void VideoFramer::begin_stream(const ElementaryPacket& packet)
         counters.tLastStreamIDTransition = clock_.seconds();
     }
     compression_ = packet.stream.compression;
-    h265_ = compression_ == SMGR_TDEMUX_COMPRESSION_TYPE_H265;
-    supported_ = h265_ || compression_ == SMGR_TDEMUX_COMPRESSION_TYPE_H264;
+    syntax_ = syntax_of(packet.stream.compression);
     record_.nStreamID = static_cast<int>(packet.stream.pid);
     record_.tCurrentProperties.enCompressionType = packet.stream.compression;
     sets_ = {};
+    mpeg_ = {};
     format_.reset();
     sequence_.reset();
     joiner_.forget();
@@ -38,14 +50,15 @@ void VideoFramer::begin_stream(const ElementaryPacket& packet)
     unaligned_ = false;
     picture_ = {};
     has_slices_ = started_ = false;
-    first_to_show_.reset();
+    before_first_ = false;
     first_slice_.reset();
     timed_.clear();
-    if (supported_)
+    if (syntax_)
     {
         record_.enState = SMGR_VFRAMER_STATE_ACTIVE;
-        ++(h265_ ? counters.nNumH265Compression : counters.nNumH264Compression);
-        (h265_ ? counters.tLastH265Compression : counters.tLastH264Compression) = clock_.seconds();
+        if (is_mpeg()) return; // which has no counter
+        ++(is_h265() ? counters.nNumH265Compression : counters.nNumH264Compression);
+        (is_h265() ? counters.tLastH265Compression : counters.tLastH264Compression) = clock_.seconds();
         return;
     }
     record_.enState = SMGR_VFRAMER_STATE_UNSUPPORTED;
@@ -64,7 +77,7 @@ void VideoFramer::take(ElementaryPacket packet)
     ++counters.nNumInputPacketsFreed;
     counters.tLastVideoFrameReceived = clock_.seconds();
     bits_.add(clock_.now(), packet.data.size() * 8);
-    if (!supported_)
+    if (!syntax_)
     {
         ++counters.nNumInputPacketsDropped;
         counters.tLastInputPacketDropped = clock_.seconds();
@@ -73,7 +86,7 @@ void VideoFramer::take(ElementaryPacket packet)
 
     last_piece_ = clock_.now();
     now_ = {.pts = packet.pts, .dts = packet.dts, .time_base = packet.time_base, .damaged = packet.damaged};
-    const auto piece = joiner_.take(std::move(packet.data), h265_);
+    const auto piece = joiner_.take(std::move(packet.data), *syntax_);
     const bool has_begin = piece.end < piece.bytes.size() || (!piece.units.empty() && piece.units.back().begin >= piece.joint);
     // A picture begins in a packet with a time; one without may hold a piece of a large one.
     if (!has_begin && (now_.pts || picture_.pieces == 0))
@@ -151,16 +164,17 @@ void VideoFramer::add_slice(const std::optional<Slice>& slice)
     has_slices_ = true;
     ++picture_.slices;
     if (!slice) return;
-    if (slice->first && slice->field && !h265_) ++(slice->bottom ? picture_.bottom_fields : picture_.top_fields);
+    if (slice->first && slice->field && !is_h265()) ++(slice->bottom ? picture_.bottom_fields : picture_.top_fields);
     if (!first_slice_)
     {
         first_slice_ = slice;
+        picture_.place = order_.place_of(slice->order);
         picture_.format = slice->sequence->format;
         sequence_ = *slice->sequence;
     }
     if (slice->instantaneous_refresh) picture_.key = true;
-    // A picture is of the type that its most dependent slice has.
-    if (slice->type > picture_.type) picture_.type = slice->type;
+    // A picture is of the type that its most dependent slice has, and two fields are of the first one's.
+    if (slice->type > picture_.type && picture_.top_fields + picture_.bottom_fields <= 1) picture_.type = slice->type;
 }
 
 void VideoFramer::complete()
@@ -182,7 +196,7 @@ void VideoFramer::complete()
     }
     if (picture.format) take_format(*picture.format);
     count_picture(picture);
-    picture.rate = picture.format ? rate_of(*picture.format) : record_.tCounters.fInputFrameRate;
+    set_rate(picture);
     output_(std::move(picture));
 }
 
@@ -196,25 +210,33 @@ bool VideoFramer::is_decodable(Picture& picture)
     {
         started_ = true;
         // What is shown before the first picture may need others that were sent before it. Decoders of H.265 know which do.
-        if (!h265_ && !is_instantaneous) first_to_show_ = picture.pts;
+        before_first_ = !is_h265() && !is_instantaneous;
+        first_to_show_ = picture.pts;
+        return true;
     }
-    if (!started_) return false;
-    if (!first_to_show_ || !picture.pts || *picture.pts == *first_to_show_) return true;
-    if (*picture.pts < *first_to_show_) return false;
-    first_to_show_.reset();
+    if (!started_ || (before_first_ && comes_before_first(picture))) return false;
+    if (picture.pts || is_mpeg()) before_first_ = false;
     return true;
+}
+
+/** Whether a picture is shown before the one that decoding began with. Of MPEG, those are B pictures in front of all others. */
+bool VideoFramer::comes_before_first(const Picture& picture) const
+{
+    if (is_mpeg()) return picture.type == PictureType::b;
+    return picture.pts && first_to_show_ && *picture.pts < *first_to_show_;
 }
 
 void VideoFramer::step()
 {
-    if (unaligned_ || clock_.now() - last_piece_ <= longest_pause) return;
-    take_piece(joiner_.rest(h265_));
+    if (!syntax_ || unaligned_ || clock_.now() - last_piece_ <= longest_pause) return;
+    take_piece(joiner_.rest(*syntax_));
     if (has_slices_) complete();
 }
 
 void VideoFramer::finish()
 {
-    take_piece(joiner_.rest(h265_));
+    if (!syntax_) return;
+    take_piece(joiner_.rest(*syntax_));
     complete();
 }
 

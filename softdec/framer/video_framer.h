@@ -11,6 +11,7 @@
 
 #include "chain/rate_meter.h"
 #include "demux/elementary_packet.h"
+#include "framer/mpeg_headers.h"
 #include "framer/picture.h"
 #include "framer/slice.h"
 #include "framer/unit_joiner.h"
@@ -48,10 +49,12 @@ private:
     {
         std::optional<Ticks> pts;
         std::optional<Ticks> dts;
-        unsigned time_base = 0;
+        TimeBase time_base = {};
         bool damaged = false;
     };
 
+    bool is_h265() const { return syntax_ == VideoSyntax::h265; }
+    bool is_mpeg() const { return syntax_ == VideoSyntax::mpeg; }
     void begin_stream(const ElementaryPacket& packet);
     void forget_properties();
     void take_piece(const UnitJoiner::Piece& piece);
@@ -63,21 +66,23 @@ private:
     void count_unit(const NalUnit& unit);
     void complete();
     bool is_decodable(Picture& picture);
+    bool comes_before_first(const Picture& picture) const;
     void count_picture(const Picture& picture);
     void count_structure(const Picture& picture);
     void count_metadata(const PictureMetadata& metadata);
     void take_format(const VideoFormat& format);
     void take_dynamic_range(const VideoFormat& format, const PictureMetadata& metadata);
     void measure_rate(Ticks dts);
+    void set_rate(Picture& picture) const;
     double rate_of(const VideoFormat& format) const;
 
     const VirtualClock& clock_;
     SMGR_VFRAMER_STATS& record_;
     Output output_;
-    bool h265_ = false;
-    bool supported_ = false;
+    std::optional<VideoSyntax> syntax_; // nothing = the coding is not supported
     std::optional<SMGR_TDEMUX_COMPRESSION_TYPE> compression_;
     ParameterSets sets_;
+    MpegHeaders mpeg_;
     std::optional<VideoFormat> format_;
     std::optional<SequenceParameters> sequence_;
 
@@ -89,8 +94,10 @@ private:
     bool has_slices_ = false;
     Nanoseconds last_piece_ = 0; // when the last packet came
     std::optional<Slice> first_slice_;
+    DisplayOrder order_;
     bool started_ = false;               // decoding has begun
-    std::optional<Ticks> first_to_show_; // what is shown before the picture that decoding began with cannot be decoded
+    bool before_first_ = false;          // pictures may come that are shown before the one that decoding began with
+    std::optional<Ticks> first_to_show_; // time of that one
     unsigned pictures_since_key_ = 0;
     unsigned b_in_a_row_ = 0;
     /** A picture with a time. */

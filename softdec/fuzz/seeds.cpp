@@ -45,7 +45,7 @@ Bytes video_of(const Bytes& stream)
                                        if (packet.stream.type == SMGR_TDEMUX_DATA_TYPE_VIDEO && video.size() < 12000)
                                            video.insert(video.end(), packet.data.begin(), packet.data.end());
                                    },
-                                   .pcr = [](softdec::Pcr, std::optional<softdec::Nanoseconds> arrival) { return arrival; }});
+                                   .pcr = [](softdec::Pcr, std::optional<softdec::Nanoseconds> arrival, bool) { return arrival; }});
     demux.feed(stream, std::nullopt);
     demux.finish();
     return video;

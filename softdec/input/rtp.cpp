@@ -11,10 +11,18 @@ namespace
 
 bool is_transport_stream(std::span<const std::uint8_t> bytes)
 {
-    return !bytes.empty() && bytes.size() % TS_SIZE == 0 && ts_validate(bytes.data());
+    return (!bytes.empty() && bytes.size() % TS_SIZE == 0 && ts_validate(bytes.data())) || has_check_bytes(bytes);
 }
 
 } // namespace
+
+bool has_check_bytes(std::span<const std::uint8_t> bytes)
+{
+    if (bytes.empty() || bytes.size() % packet_size_with_check_bytes != 0) return false;
+    for (std::size_t at = 0; at < bytes.size(); at += packet_size_with_check_bytes)
+        if (!ts_validate(&bytes[at])) return false;
+    return true;
+}
 
 std::optional<RtpPacket> parse_rtp(std::span<const std::uint8_t> bytes)
 {

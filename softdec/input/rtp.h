@@ -24,6 +24,12 @@ struct RtpPacket
 /** Parses an RTP packet. @return nothing if the bytes are none */
 std::optional<RtpPacket> parse_rtp(std::span<const std::uint8_t> bytes);
 
+/** Bytes of a transport stream packet with the check bytes of a broadcast's Reed-Solomon code behind it (ETSI EN 300 429). */
+inline constexpr std::size_t packet_size_with_check_bytes = 204;
+
+/** Whether bytes are transport stream packets with check bytes. */
+bool has_check_bytes(std::span<const std::uint8_t> bytes);
+
 /** Whether a datagram's payload is an RTP packet with transport stream packets in it. */
 bool is_rtp_transport_stream(std::span<const std::uint8_t> bytes);
 

@@ -37,6 +37,7 @@ struct Datagram
     Channel channel = Channel::media;
     std::optional<Nanoseconds> arrival;  /**< nothing = the input has no arrival times */
     std::span<const std::uint8_t> bytes; /**< valid until the next one is read */
+    std::size_t packet_distance = 188;   /**< from the begin of one transport stream packet to that of the next */
 };
 
 /** What an input knows about the network. */

@@ -41,12 +41,14 @@ void MetadataDecoder::take_klv(const ElementaryPacket& packet, bool synchronous,
         std::equal(universal_label.begin(), universal_label.end(), packet.data.begin() + static_cast<std::ptrdiff_t>(header));
     auto& counters = record_.tChannel[SMGR_METADATA_CHANNEL_TYPE_KLV].tCounters;
     if (!is_klv || packet.damaged) ++counters.nNumErrors;
-    take(SMGR_METADATA_CHANNEL_TYPE_KLV, packet.data.size() - std::min(header, packet.data.size()), synchronous,
-         packet.time_base == 0 ? std::nullopt : packet.pts, stc);
+    take(SMGR_METADATA_CHANNEL_TYPE_KLV, synchronous, packet.time_base.number == 0 ? std::nullopt : packet.pts, stc,
+         {.time_base = packet.time_base.number, .bytes = packet.data.size() - std::min(header, packet.data.size())});
 }
 
-void MetadataDecoder::take_picture(const PictureMetadata& metadata, std::optional<Ticks> pts, std::optional<Ticks> stc)
+void MetadataDecoder::take_picture(const PictureMetadata& metadata, std::optional<Ticks> pts, unsigned time_base, std::optional<Ticks> stc)
 {
+    const auto take_bytes = [&](SMGR_METADATA_CHANNEL_TYPE type, std::size_t bytes)
+    { take(type, true, pts, stc, {.time_base = time_base, .bytes = bytes}); };
     if (metadata.timecode)
     {
         record_.tCounters.tTCValue = {.bTCValid = TRUE,
@@ -54,14 +56,14 @@ void MetadataDecoder::take_picture(const PictureMetadata& metadata, std::optiona
                                       .nTCMinutes = metadata.timecode->minutes,
                                       .nTCSeconds = metadata.timecode->seconds,
                                       .nTCFrames = metadata.timecode->frames};
-        take(SMGR_METADATA_CHANNEL_TYPE_TC, metadata.timecode_bytes, true, pts, stc);
+        take_bytes(SMGR_METADATA_CHANNEL_TYPE_TC, metadata.timecode_bytes);
     }
-    if (metadata.caption_bytes != 0) take(SMGR_METADATA_CHANNEL_TYPE_CC, metadata.caption_bytes, true, pts, stc);
-    if (metadata.active_format) take(SMGR_METADATA_CHANNEL_TYPE_AFD, metadata.active_format_bytes, true, pts, stc);
+    if (metadata.caption_bytes != 0) take_bytes(SMGR_METADATA_CHANNEL_TYPE_CC, metadata.caption_bytes);
+    if (metadata.active_format) take_bytes(SMGR_METADATA_CHANNEL_TYPE_AFD, metadata.active_format_bytes);
 }
 
-void MetadataDecoder::take(SMGR_METADATA_CHANNEL_TYPE type, std::size_t bytes, bool synchronous, std::optional<Ticks> pts,
-                           std::optional<Ticks> stc)
+void MetadataDecoder::take(SMGR_METADATA_CHANNEL_TYPE type, bool synchronous, std::optional<Ticks> pts, std::optional<Ticks> stc,
+                           Waiting packet)
 {
     const auto index = static_cast<std::size_t>(type);
     const std::time_t now = clock_.seconds();
@@ -80,7 +82,8 @@ void MetadataDecoder::take(SMGR_METADATA_CHANNEL_TYPE type, std::size_t bytes, b
         ++channel.tCounters.nNumAsynchronousPackets;
         channel.tCounters.tLastAsynchronousPacket = now;
     }
-    const Waiting packet = {.pts = pts.value_or(0), .bytes = bytes, .received = clock_.now()};
+    packet.pts = pts.value_or(0);
+    packet.received = clock_.now();
     if (!pts || !stc || *pts - *stc > furthest_metadata) return put_out(index, packet);
 
     const bool first = channel.tCounters.tMinOutputSTCLeadTime == 0;
@@ -135,28 +138,13 @@ void MetadataDecoder::put_out(std::size_t index, const Waiting& packet)
         channel.tCounters.tMaxOutputPayloadBytes = now;
     }
     channel.nLatencyInUs = static_cast<unsigned>((clock_.now() - packet.received) / microsecond);
-    if (last_output_[index] && packet.pts <= *last_output_[index])
+    const auto& last = last_output_[index];
+    if (last && packet.time_base == last->time_base && packet.pts <= last->pts)
     {
         ++channel.tCounters.nNumNonIncreasingOutputTimestamps;
         channel.tCounters.tLastNonIncreasingOutputTimestamp = now;
     }
-    last_output_[index] = packet.pts;
-}
-
-void MetadataDecoder::restart()
-{
-    for (std::size_t i = 0; i < waiting_.size(); ++i)
-    {
-        if (!waiting_[i].empty())
-        {
-            ++record_.tChannel[i].tCounters.nNumPacketListResets;
-            record_.tChannel[i].tCounters.tLastPacketListReset = clock_.seconds();
-        }
-        for (const Waiting& packet : waiting_[i]) put_out(i, packet);
-        waiting_[i].clear();
-        record_.tChannel[i].tCounters.nNumInPacketList = 0;
-        last_output_[i].reset();
-    }
+    last_output_[index] = packet;
 }
 
 bool MetadataDecoder::empty() const

@@ -99,25 +99,13 @@ void parse_time_code(Bytes payload, PictureMetadata& metadata)
     }
 }
 
-/** User data of ATSC A/53 part 4, clause 6.2.3: captions and active format. */
+/** User data registered by a provider, of whom the one that counts is ATSC. */
 void parse_user_data(Bytes payload, PictureMetadata& metadata)
 {
     constexpr std::uint8_t united_states = 0xb5;
-    constexpr std::size_t header = 7;
-    if (payload.size() <= header || payload[0] != united_states || payload[1] != 0 || payload[2] != 0x31) return;
-    const auto is = [&payload](std::string_view identifier)
-    { return std::equal(identifier.begin(), identifier.end(), payload.begin() + 3); };
-    const Bytes data = payload.subspan(header);
-    if (is("GA94") && data.size() >= 3 && data[0] == 3 && (data[1] & 0x40) != 0)
-    {
-        const std::size_t bytes = std::size_t{data[1] & 0x1fU} * 3;
-        metadata.caption_bytes += static_cast<unsigned>(std::min(bytes, data.size() - 3));
-    }
-    else if (is("DTG1") && data.size() >= 2 && (data[0] & 0x40) != 0)
-    {
-        metadata.active_format = data[1] & 0x0fU;
-        metadata.active_format_bytes = 1;
-    }
+    constexpr std::size_t provider = 3;
+    if (payload.size() <= provider || payload[0] != united_states || payload[1] != 0 || payload[2] != 0x31) return;
+    parse_atsc_user_data(payload.subspan(provider), metadata);
 }
 
 void parse_message(unsigned type, Bytes payload, bool h265, const SequenceParameters* sequence, PictureMetadata& metadata)
@@ -140,6 +128,24 @@ void parse_message(unsigned type, Bytes payload, bool h265, const SequenceParame
 }
 
 } // namespace
+
+void parse_atsc_user_data(Bytes data, PictureMetadata& metadata)
+{
+    constexpr std::size_t identifier = 4;
+    if (data.size() <= identifier) return;
+    const std::string_view name(reinterpret_cast<const char*>(data.data()), identifier);
+    data = data.subspan(identifier);
+    if (name == "GA94" && data.size() >= 3 && data[0] == 3 && (data[1] & 0x40) != 0)
+    {
+        const std::size_t bytes = std::size_t{data[1] & 0x1fU} * 3;
+        metadata.caption_bytes += static_cast<unsigned>(std::min(bytes, data.size() - 3));
+    }
+    else if (name == "DTG1" && data.size() >= 2 && (data[0] & 0x40) != 0)
+    {
+        metadata.active_format = data[1] & 0x0fU;
+        metadata.active_format_bytes = 1;
+    }
+}
 
 std::optional<unsigned> parse_supplement(Bytes unit, bool h265, const SequenceParameters* sequence, PictureMetadata& metadata)
 {

@@ -33,6 +33,7 @@ struct PictureMetadata
     unsigned caption_bytes = 0;            /**< caption data, three bytes each (CTA-708); 0 = none */
     std::optional<unsigned> active_format; /**< active_format of SMPTE ST 2016-1 */
     unsigned active_format_bytes = 0;
+    std::optional<bool> progressive;              /**< as the header of an MPEG picture tells it */
     bool recovery_point = false;                  /**< decoding may begin here */
     std::optional<unsigned> alternative_transfer; /**< preferred transfer characteristics, ITU-T H.273 */
 };
@@ -47,6 +48,13 @@ struct PictureMetadata
  */
 std::optional<unsigned> parse_supplement(std::span<const std::uint8_t> unit, bool h265, const SequenceParameters* sequence,
                                          PictureMetadata& metadata);
+
+/**
+ * Parses the user data of ATSC A/53 part 4, clause 6.2.3: captions and active format. Other user data is passed over.
+ * @param data     identifier and what follows it
+ * @param metadata gets what is found
+ */
+void parse_atsc_user_data(std::span<const std::uint8_t> data, PictureMetadata& metadata);
 
 } // namespace softdec
 

@@ -63,18 +63,8 @@ void AudioOutput::compare(const DecodedSound& frame, Ticks video, Ticks period)
     const Ticks offset = frame.pts - video;
     if (compared_ == video && offset <= 2 * period) return;
     compared_ = video;
-    record_.nVideoTimeStamp = static_cast<unsigned>(as_timestamp(video));
+    record_.nVideoTimeStamp = static_cast<unsigned>(frame.time_base.timestamp_of(video));
     record_.iAudioVideoTSDiffInMs = milliseconds(offset);
-}
-
-void AudioOutput::restart()
-{
-    while (!waiting_.empty())
-    {
-        play(waiting_.front());
-        waiting_.pop_front();
-    }
-    played_to_.reset();
 }
 
 } // namespace softdec

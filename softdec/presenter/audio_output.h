@@ -20,6 +20,7 @@ struct DecodedSound
     Ticks pts;
     Ticks duration;
     bool in_step; /**< what came before it is known to be what precedes it */
+    TimeBase time_base = {};
 };
 
 class AudioOutput
@@ -32,9 +33,6 @@ public:
 
     /** Plays what is due. @param video time stamp of the picture that is shown; nothing = none is @param period for how long it is */
     void step(std::optional<Ticks> stc, std::optional<Ticks> video, Ticks period);
-
-    /** The sender's clock has jumped: nothing that waits has a time any more. */
-    void restart();
 
     bool empty() const { return waiting_.empty(); }
 

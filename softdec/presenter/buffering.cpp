@@ -55,7 +55,7 @@ void Buffering::take(ElementaryPacket packet)
     ++counters.nNumReceivedPackets;
     counters.tLastReceivedPacket = clock_.seconds();
     const std::size_t index = packet.source;
-    if (packet.stream.type == SMGR_TDEMUX_DATA_TYPE_KLV && !packet.pts) synthesize(packet);
+    if (packet.stream.type == SMGR_TDEMUX_DATA_TYPE_KLV && !packet.pts) synthesize(channels_[index], packet);
     measure_jitter(index, packet);
 
     auto& channel = record_.tChannel[index];
@@ -71,8 +71,8 @@ void Buffering::take(ElementaryPacket packet)
     channel.tCounters.nMaxQueueOccupancyFrames = std::max(channel.tCounters.nMaxQueueOccupancyFrames, channel.nQueueOccupancyFrames);
 }
 
-/** Asynchronous metadata belongs to the pictures that arrive with it. */
-void Buffering::synthesize(ElementaryPacket& packet)
+/** Asynchronous metadata belongs to the pictures that arrive with it; what arrives at once keeps its order. */
+void Buffering::synthesize(Channel& channel, ElementaryPacket& packet)
 {
     auto& counters = record_.tCounters;
     const auto sender = recovery_.at(clock_.now());
@@ -82,8 +82,9 @@ void Buffering::synthesize(ElementaryPacket& packet)
         counters.tLastSynthesizedAsyncTimestampFail = clock_.seconds();
         return;
     }
-    packet.pts = packet.dts = *sender;
-    packet.time_base = recovery_.time_bases();
+    channel.synthesized = channel.synthesized ? std::max(*sender, *channel.synthesized + 1) : *sender;
+    packet.pts = packet.dts = channel.synthesized;
+    packet.time_base = recovery_.time_base();
     ++counters.nSynthesizedAsyncTimestamps;
     counters.tLastSynthesizedAsyncTimestamp = clock_.seconds();
 }
@@ -92,12 +93,12 @@ void Buffering::synthesize(ElementaryPacket& packet)
 void Buffering::measure_jitter(std::size_t index, const ElementaryPacket& packet)
 {
     const auto sender = recovery_.at(clock_.now());
-    if (!packet.dts || !sender || packet.time_base != recovery_.time_bases()) return;
+    if (!packet.dts || !sender) return;
     auto& channel = record_.tChannel[index];
     const Ticks distance = *packet.dts - *sender;
     channel.nPCRtoPTSTimeMsActual = milliseconds(*packet.pts - *sender);
     auto& state = channels_[index];
-    if (has_arrivals_ && state.last_distance)
+    if (has_arrivals_ && state.last_distance && state.time_base == packet.time_base.number)
     {
         const auto jitter = static_cast<UINT>(milliseconds(std::abs(distance - *state.last_distance)));
         channel.nJitterTimeMsActual = jitter;
@@ -109,11 +110,12 @@ void Buffering::measure_jitter(std::size_t index, const ElementaryPacket& packet
         }
     }
     state.last_distance = distance;
+    state.time_base = packet.time_base.number;
 }
 
 bool Buffering::is_due(const ElementaryPacket& packet, std::optional<Ticks> stc) const
 {
-    if (!packet.dts || !stc || packet.time_base != recovery_.time_bases()) return true;
+    if (!packet.dts || !stc) return true;
     const Ticks wait = *packet.dts - decoder_lead - *stc;
     return wait <= 0 || wait > longest_wait;
 }
@@ -137,16 +139,6 @@ void Buffering::settle_delay()
 void Buffering::step()
 {
     settle_delay();
-    if (recovery_.time_bases() != time_base_)
-    {
-        if (time_base_ != 0)
-        {
-            ++record_.tCounters.nNumResets;
-            record_.tCounters.tLastReset = clock_.seconds();
-        }
-        time_base_ = recovery_.time_bases();
-        for (Channel& channel : channels_) channel.last_distance.reset();
-    }
     const auto now = stc();
     for (std::size_t i = 0; i < channels_.size(); ++i)
         while (!channels_[i].packets.empty() && is_due(channels_[i].packets.front().first, now)) release(i, now);
@@ -162,7 +154,7 @@ void Buffering::release(std::size_t index, std::optional<Ticks> stc)
     packets.pop_front();
     channel.nQueueOccupancyFrames = static_cast<unsigned>(packets.size());
     counters.nBufferingOccupancyBytes -= packet.data.size();
-    if (stc && packet.dts && packet.time_base == recovery_.time_bases())
+    if (stc && packet.dts)
     {
         record_.bBufferingDelaySet = TRUE;
         if (*packet.dts - decoder_lead - *stc > longest_wait)
@@ -177,7 +169,7 @@ void Buffering::release(std::size_t index, std::optional<Ticks> stc)
         channel.nBufferingDelayTimeMs = channel.nDelayTimeMsActual = static_cast<UINT>((clock_.now() - arrival) / millisecond);
         channel.nTotalOutputLatencyMs =
             static_cast<UINT>(std::max<Ticks>(0, milliseconds(*packet.pts - *stc) + (clock_.now() - arrival) / millisecond));
-        channel.TimeStamp = as_timestamp(*packet.pts);
+        channel.TimeStamp = packet.time_base.timestamp_of(*packet.pts);
     }
     channel.tLastOutputTime = counters.tLastOutputPacket = clock_.seconds();
     ++channel.tCounters.nNumOutputPackets;
@@ -226,11 +218,12 @@ void Buffering::take_lead(SMGR_TDEMUX_DATA_TYPE type, Ticks lead)
 
 void Buffering::update()
 {
-    if (recovery_.time_bases() == 0) return;
-    record_.nPCR = as_timestamp(recovery_.last());
+    const TimeBase& time_base = recovery_.time_base();
+    if (time_base.number == 0) return;
+    record_.nPCR = time_base.timestamp_of(recovery_.last());
     if (const auto now = stc())
     {
-        record_.nSTC = as_timestamp(*now);
+        record_.nSTC = time_base.timestamp_of(*now);
         record_.nSTCtoPCRLeadTimeMs = milliseconds(*now - recovery_.last());
     }
 }

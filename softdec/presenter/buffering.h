@@ -62,13 +62,15 @@ private:
     {
         std::deque<std::pair<ElementaryPacket, Nanoseconds>> packets; // with their arrival
         Window jitter{10 * second};
+        std::optional<Ticks> synthesized; // last time stamp that was made
         std::optional<Ticks> last_distance;
+        unsigned time_base = 0; // that it was measured in
     };
 
     bool is_due(const ElementaryPacket& packet, std::optional<Ticks> stc) const;
     void release(std::size_t index, std::optional<Ticks> stc);
     void count_late(Ticks late);
-    void synthesize(ElementaryPacket& packet);
+    void synthesize(Channel& channel, ElementaryPacket& packet);
     void measure_jitter(std::size_t index, const ElementaryPacket& packet);
     void settle_delay();
 
@@ -80,7 +82,6 @@ private:
     std::array<Channel, SMGR_CBUFFERING_MAX_CHANNELS> channels_;
     Nanoseconds transport_hold_ = 0;
     Ticks delay_;
-    unsigned time_base_ = 0;
     int late_in_a_row_ = 0;
     Window video_lead_{10 * second};
     Window audio_lead_{10 * second};

@@ -13,21 +13,28 @@ namespace
 /** Not each picture need have a time stamp; ISO/IEC 13818-1, 2.7.4 asks for one each 0.7 s. */
 constexpr Ticks longest_unstamped = ticks_per_second * 7 / 10;
 
+/** A stream whose rate has not varied for so long has a constant one. */
+constexpr Ticks longest_steady = 10 * ticks_per_second;
+
+/** So long it may take until the next picture tells whether others are absent before it. Between two time bases none need be shown. */
+constexpr Ticks longest_silence_of_decoder = ticks_per_second;
+
 /** Pictures that wait for the first time stamp. More have missed theirs. */
 constexpr unsigned most_untimed = 60;
 
 } // namespace
 
-void VideoOutput::take(std::optional<Ticks> pts, Ticks period, std::optional<Ticks> stc)
+void VideoOutput::take(const DecodedPicture& picture, std::optional<Ticks> stc)
 {
     auto& counters = record_.tCounters;
     ++counters.nNumFramesSentToDisplay;
     counters.tLastFrameSentToDisplay = clock_.seconds();
-    period_ = period;
-    const auto time = time_of(pts);
-    if (!time) return;
-    pts = time;
-    if (!stc) return show(*pts);
+    // A picture that is shown may turn out to be so for longer than its predecessors.
+    if (shown_ && next_ == *shown_ + period_) next_ = *shown_ + picture.period;
+    period_ = picture.period;
+    const auto pts = time_of(picture);
+    if (!pts) return;
+    if (!stc) return show({*pts, picture.time_base, picture.place});
 
     const Ticks lead = *pts - *stc;
     const bool first = counters.tMinOutputSTCLeadTime == 0;
@@ -54,27 +61,27 @@ void VideoOutput::take(std::optional<Ticks> pts, Ticks period, std::optional<Tic
         return skip();
     }
     // A picture whose successor is on already cannot be shown any more.
-    if (shown_ && *pts <= *shown_)
+    if (shown_ && picture.time_base == time_base_ && *pts <= *shown_)
     {
         ++counters.nOutputTimestampNotIncreasing;
         counters.tLastOutputTimestampNotIncreasing = clock_.seconds();
         return skip();
     }
-    waiting_.insert(*pts);
+    waiting_.insert({*pts, picture.time_base, picture.place});
 }
 
 /** The time of a picture by its stamp, or by those around it. @return nothing = it is known when the next one is */
-std::optional<Ticks> VideoOutput::time_of(std::optional<Ticks> pts)
+std::optional<Ticks> VideoOutput::time_of(const DecodedPicture& picture)
 {
-    if (!pts && !taken_ && untimed_ < most_untimed)
+    if (!picture.pts && !taken_ && untimed_ < most_untimed)
     {
         ++untimed_;
         return std::nullopt;
     }
-    const Ticks time = pts.value_or(taken_.value_or(0) + period_);
-    if (pts)
+    const Ticks time = picture.pts.value_or(taken_.value_or(0) + taken_for_);
+    if (picture.pts)
     {
-        for (; untimed_ > 0; --untimed_) waiting_.insert(time - static_cast<Ticks>(untimed_) * period_);
+        for (; untimed_ > 0; --untimed_) waiting_.insert({time - static_cast<Ticks>(untimed_) * period_, picture.time_base, std::nullopt});
         stamped_ = time;
     }
     else if (!taken_ || time - stamped_ > longest_unstamped)
@@ -83,33 +90,64 @@ std::optional<Ticks> VideoOutput::time_of(std::optional<Ticks> pts)
         record_.tCounters.tLastOutputTimestampMissing = clock_.seconds();
     }
     taken_ = time;
+    taken_for_ = picture.shown_for;
     return time;
 }
 
 void VideoOutput::step(std::optional<Ticks> stc)
 {
     if (!stc) return;
-    while (!waiting_.empty() && *waiting_.begin() <= *stc)
+    while (!waiting_.empty() && waiting_.begin()->pts <= *stc)
     {
-        const Ticks pts = *waiting_.begin();
+        const Waiting picture = *waiting_.begin();
         waiting_.erase(waiting_.begin());
+        const bool follows = shown_ && picture.time_base == time_base_;
         // The time between the one shown and this one was filled with the one shown, a period at a time. The last pictures of a
         // stream that is cut off lack some between them, which is no fault of an output.
-        while (!ended_ && shown_ && next_ + patience() < pts) replay();
+        while (!ended_ && follows && lacks_some_before(picture)) replay();
         // One whose successor is due as well has missed its turn.
-        const bool missed = !waiting_.empty() && *waiting_.begin() <= *stc && *stc - *waiting_.begin() > period_;
-        if (missed && shown_ && *stc - pts > 2 * period_)
+        const bool missed = !waiting_.empty() && waiting_.begin()->pts <= *stc && *stc - waiting_.begin()->pts > period_;
+        if (missed && follows && *stc - picture.pts > 2 * period_)
             skip();
         else
-            show(pts);
+            show(picture);
     }
-    if (ended_) return;
-    while (shown_ && next_ + patience() <= *stc && (waiting_.empty() || next_ + patience() < *waiting_.begin())) replay();
+    if (ended_ || pauses(*stc)) return;
+    if (waiting_.empty() && *stc - next_ < longest_silence_of_decoder) return;
+    while (shown_ && next_ + patience() <= *stc && (waiting_.empty() || lacks_some_before(*waiting_.begin()))) replay();
+}
+
+/** Whether pictures are absent between the one shown and the next one, which comes later than usual. */
+bool VideoOutput::lacks_some_before(const Waiting& next) const
+{
+    if (!shown_ || next_ + patience() >= next.pts) return false;
+    if (!shown_place_ || !next.place || next.time_base != time_base_) return true;
+    // Where a sequence ends is not told: there, the rate of a stream varies that has varied.
+    if (next.place->sequence != shown_place_->sequence) return !varied_ || next.pts - *varied_ > longest_steady;
+    const std::int64_t step = next.place->number - shown_place_->number;
+    return step <= 0 || step > least_step_;
+}
+
+/** The places of pictures that follow on each other differ by as much as the encoder counts, which shows where none is absent. */
+void VideoOutput::note_step(const Waiting& next)
+{
+    if (!shown_ || next.time_base != time_base_ || !shown_place_ || !next.place || next.place->sequence != shown_place_->sequence) return;
+    const std::int64_t step = next.place->number - shown_place_->number;
+    if (step <= 0) return;
+    if (step == least_step_ && next.pts - *shown_ > period_ + patience()) varied_ = next.pts;
+    if (least_step_ == 0 || step < least_step_) least_step_ = step;
+}
+
+/** Whether the time base that is shown has ended, and the first picture of the next one is to come. */
+bool VideoOutput::pauses(Ticks stc) const
+{
+    const bool all_shown = waiting_.empty() || waiting_.begin()->time_base != time_base_;
+    return announced_ != time_base_ && all_shown && stc - next_ < longest_silence_of_decoder;
 }
 
 void VideoOutput::show_untimed()
 {
-    for (; untimed_ > 0; --untimed_) show(taken_.value_or(0));
+    for (; untimed_ > 0; --untimed_) show({taken_.value_or(0), announced_, std::nullopt});
 }
 
 void VideoOutput::end()
@@ -118,29 +156,19 @@ void VideoOutput::end()
     ended_ = true;
 }
 
-void VideoOutput::restart()
+void VideoOutput::show(const Waiting& picture)
 {
-    show_untimed();
-    while (!waiting_.empty())
-    {
-        show(*waiting_.begin());
-        waiting_.erase(waiting_.begin());
-    }
-    shown_.reset();
-    taken_.reset();
-    next_ = 0;
-}
-
-void VideoOutput::show(Ticks pts)
-{
+    note_step(picture);
     auto& counters = record_.tCounters;
     ++counters.nNumDisplayedOutputFrames;
     counters.tLastDisplayedOutputFrame = clock_.seconds();
     ++counters.nNumDisplayedFramesFreed;
     counters.tLastDisplayedFrameFreed = clock_.seconds();
-    shown_ = pts;
     // The times that passed before it was shown late have been filled already.
-    next_ = std::max(pts + period_, next_);
+    next_ = picture.time_base == time_base_ ? std::max(picture.pts + period_, next_) : picture.pts + period_;
+    shown_ = picture.pts;
+    time_base_ = picture.time_base;
+    shown_place_ = picture.place;
 }
 
 void VideoOutput::skip()

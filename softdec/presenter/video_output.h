@@ -9,6 +9,7 @@
 #include <set>
 
 #include "clock/ticks.h"
+#include "decode/decoded_picture.h"
 #include "sessmgr_types.h"
 
 namespace softdec
@@ -21,17 +22,16 @@ public:
 
     /**
      * Takes a decoded picture.
-     * @param pts    its time; nothing = it has none, and follows on the one before
-     * @param period of the pictures [90 kHz ticks]
-     * @param stc    now; nothing = the clock is not known, so that the picture is shown at once
+     * @param picture without a time it follows on the one before
+     * @param stc     now; nothing = the clock is not known, so that the picture is shown at once
      */
-    void take(std::optional<Ticks> pts, Ticks period, std::optional<Ticks> stc);
+    void take(const DecodedPicture& picture, std::optional<Ticks> stc);
 
     /** Shows what is due. */
     void step(std::optional<Ticks> stc);
 
-    /** The sender's clock has jumped: nothing that waits has a time any more. */
-    void restart();
+    /** Time stamps that come from now on are of this time base: between two of them there may be a pause. */
+    void announce(unsigned time_base) { announced_ = time_base; }
 
     /** The stream has ended: what has been shown is not shown again in place of what does not come. */
     void end();
@@ -48,23 +48,41 @@ public:
     std::time_t last_irregular() const { return last_irregular_; }
 
 private:
+    /** A picture that waits to be shown. */
+    struct Waiting
+    {
+        Ticks pts;
+        unsigned time_base;
+        std::optional<DisplayPlace> place;
+        auto operator<=>(const Waiting&) const = default;
+    };
+
     /** As much later the next picture may come without the one shown being shown again: films are shown for two and three fields in turn. */
     Ticks patience() const { return period_ * 3 / 4; }
 
-    std::optional<Ticks> time_of(std::optional<Ticks> pts);
+    std::optional<Ticks> time_of(const DecodedPicture& picture);
     void show_untimed();
-    void show(Ticks pts);
+    void show(const Waiting& picture);
+    bool lacks_some_before(const Waiting& next) const;
+    void note_step(const Waiting& next);
+    bool pauses(Ticks stc) const;
     void skip();
     void replay();
 
     const VirtualClock& clock_;
     SMGR_VCUDEC_STATS& record_;
-    std::multiset<Ticks> waiting_;
+    std::multiset<Waiting> waiting_;
     std::optional<Ticks> shown_;
-    Ticks next_ = 0;             // when the picture after the one shown is due
-    std::optional<Ticks> taken_; // time of the last picture taken
-    Ticks stamped_ = 0;          // and of the last one that had a time of its own
-    unsigned untimed_ = 0;       // pictures that came before the first time
+    std::optional<DisplayPlace> shown_place_;
+    std::int64_t least_step_ = 0; // between places; 0 = none is known
+    std::optional<Ticks> varied_; // when a picture was last shown for longer than usual with none absent behind it
+    unsigned time_base_ = 0;      // of the one shown
+    unsigned announced_ = 0;      // newest time base
+    Ticks next_ = 0;              // when the picture after the one shown is due
+    std::optional<Ticks> taken_;  // time of the last picture taken
+    Ticks taken_for_ = 0;         // how long that one is shown
+    Ticks stamped_ = 0;           // and of the last one that had a time of its own
+    unsigned untimed_ = 0;        // pictures that came before the first time
     Ticks period_ = ticks_per_second / 25;
     bool ended_ = false;
     std::time_t last_irregular_ = 0;

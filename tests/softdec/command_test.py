@@ -163,10 +163,12 @@ class Command(unittest.TestCase):
         self.assertIn("Received Packets", result.stdout)
 
     def test_files_that_are_no_stream(self):
-        for data in (b"", b"\0" * 5000, bytes(range(256)) * 40, b"\x47" * 5000):
-            result = run(self.write("a.ts", data), "--report")
-            self.assertEqual((result.returncode, result.stderr), (0, ""))
-            self.assertIn("  Program Number        : Not Found", result.stdout)
+        for data in (b"", b"\0" * 5000, bytes(range(256)) * 40):
+            path = self.write("a.ts", data)
+            self.refuse(2, path + ": no MPEG transport stream found", path, "--report")
+        result = run(self.write("a.ts", b"\x47" * 5000), "--report")
+        self.assertEqual((result.returncode, result.stderr), (0, ""))
+        self.assertIn("  Program Number        : Not Found", result.stdout)
 
     def test_help_and_version(self):
         self.assertIn("--no-decode", run("--help").stdout)

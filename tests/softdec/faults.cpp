@@ -69,12 +69,10 @@ Faults faults_of(const records::Records& records)
     {
         add("metadata.channels[].other_errors", channel.tCounters.nNumErrors);
         add("metadata.channels[].late_output_packets", channel.tCounters.nNumOutputLate);
-        add("metadata.channels[].packet_list_resets", channel.tCounters.nNumPacketListResets);
         add("metadata.channels[].non_increasing_pts", channel.tCounters.nNumNonIncreasingOutputTimestamps);
     }
     const auto& buffering = records.buffering.tCounters;
     add("buffering.late_output_packets", buffering.nNumLateOutputs);
-    add("buffering.resets", buffering.nNumResets);
     add("buffering.overflows", buffering.nBufferingOverflows);
     add("buffering.delay_adjustments", buffering.nNumBufferingAdjustments);
     add("buffering.failed_pts_syntheses", buffering.nSynthesizedAsyncTimestampFails);

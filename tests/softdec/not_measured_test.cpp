@@ -123,12 +123,10 @@ bool is_seldom(std::string_view name)
         "metadata.channels[].input_packet_list_length",
         "metadata.channels[].last_late_output_packet_time",
         "metadata.channels[].last_non_increasing_pts_time",
-        "metadata.channels[].last_packet_list_reset_time",
         "metadata.channels[].last_synchronous_packet_time",
         "metadata.channels[].late_output_packets",
         "metadata.channels[].non_increasing_pts",
         "metadata.channels[].other_errors",
-        "metadata.channels[].packet_list_resets",
         "metadata.channels[].synchronous_packets",
         "metadata.timecode.frames",
         "metadata.timecode.hours",
@@ -252,8 +250,13 @@ TEST(Measured, IsFilledBySomeStream)
         faulty = change(faulty, each(payloads_of(faulty, audio_pid), 23), [](std::uint8_t* packet) { packet[1] |= 0x80; });
         all.push_back(run(rtp(datagrams(faulty)))->records());
     }
-    // A step of the clock, an outage, packets out of the capture.
+    // Sound that is early, a step of the clock, an outage, packets out of the capture.
     auto arrivals = datagrams(read_stream("h264-aac.ts"));
+    for (std::size_t i = arrivals.size() / 2; i < arrivals.size(); ++i)
+        for (std::size_t at = 0; at < arrivals[i].bytes.size(); at += ts_size)
+            if (pid_of(&arrivals[i].bytes[at]) == audio_pid) shift_timestamps(&arrivals[i].bytes[at], -270000);
+    all.push_back(run(arrivals)->records());
+    arrivals = datagrams(read_stream("h264-aac.ts"));
     for (std::size_t i = arrivals.size() / 2; i < arrivals.size(); ++i)
         for (std::size_t at = 0; at < arrivals[i].bytes.size(); at += ts_size) shift_clock(&arrivals[i].bytes[at], 450000);
     all.push_back(run(arrivals)->records());

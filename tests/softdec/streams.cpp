@@ -35,8 +35,12 @@ Bytes Passes::next()
     for (std::size_t at = 0; at < pass.size(); at += ts_size)
     {
         shift_clock(&pass[at], count_ * length_);
-        if (!has_payload(&pass[at])) continue;
         unsigned& counter = counters_.try_emplace(pid_of(&pass[at]), pass[at + 3] & 15U).first->second;
+        if (!has_payload(&pass[at]))
+        {
+            pass[at + 3] = static_cast<std::uint8_t>((pass[at + 3] & 0xf0U) | ((counter - 1) & 15U));
+            continue;
+        }
         pass[at + 3] = static_cast<std::uint8_t>((pass[at + 3] & 0xf0U) | counter);
         counter = (counter + 1) % 16;
     }

@@ -17,9 +17,6 @@ namespace
 
 using softdec::Ticks;
 
-/** What clock and time stamps go on later by in another time base. */
-constexpr Ticks rebase = 3600 * softdec::ticks_per_second;
-
 /** A packet of the transport stream that waits for its turn. */
 struct Waiting
 {
@@ -134,15 +131,10 @@ Bytes program_map(const Multiplex& multiplex)
     return section(2, body);
 }
 
-Bytes clock_packet(unsigned pid, bool announced)
+Bytes clock_packet(unsigned pid)
 {
     Bytes packet(ts_size, 0xff);
-    const std::uint8_t header[] = {0x47,
-                                   static_cast<std::uint8_t>(pid >> 8),
-                                   static_cast<std::uint8_t>(pid),
-                                   0x20,
-                                   183,
-                                   static_cast<std::uint8_t>(announced ? 0x90 : 0x10)};
+    const std::uint8_t header[] = {0x47, static_cast<std::uint8_t>(pid >> 8), static_cast<std::uint8_t>(pid), 0x20, 183, 0x10};
     std::ranges::copy(header, packet.begin());
     return packet;
 }
@@ -167,24 +159,20 @@ std::vector<Waiting> schedule(const Multiplex& multiplex)
         waiting.push_back(
             {static_cast<double>(due), static_cast<double>(due + 4'500), cut(multiplex.map_pid, program_map(multiplex), true)[0]});
     }
-    bool announced = false;
     for (Ticks due = 0; due < end; due += multiplex.pcr_interval)
-    {
-        const bool announces = multiplex.rebase_at && !announced && due >= *multiplex.rebase_at;
-        announced = announced || announces;
-        waiting.push_back({static_cast<double>(due), static_cast<double>(due + 900), clock_packet(multiplex.pcr_pid, announces)});
-    }
+        waiting.push_back({static_cast<double>(due), static_cast<double>(due + 900), clock_packet(multiplex.pcr_pid)});
     for (const Stream& stream : multiplex.streams)
         for (std::size_t i = 0; i < stream.packets.size(); ++i)
         {
             const Pes& pes = stream.packets[i];
             const Ticks due = pes.due - first;
-            const bool rebased = multiplex.rebase_at && due >= *multiplex.rebase_at;
             // DTS less lead is when it is sent, and the first is sent at once.
-            const Ticks offset = multiplex.begin + multiplex.lead - first + (rebased ? rebase : 0);
+            const Ticks offset = multiplex.begin + multiplex.lead - first;
             const auto packets =
                 cut(stream.pid, stream.stream_id == 0 ? pes.payload : pes_packet(stream, pes, offset), stream.stream_id == 0);
-            const Ticks next = i + 1 < stream.packets.size() ? stream.packets[i + 1].due - first : due + 3600;
+            // What has long until the next is due is not sent as slowly as that.
+            const Ticks next =
+                i + 1 < stream.packets.size() ? std::min(stream.packets[i + 1].due - first, due + multiplex.lead * 2 / 3) : due + 3600;
             for (std::size_t k = 0; k < packets.size(); ++k)
             {
                 const double share = static_cast<double>(k) / static_cast<double>(packets.size());
@@ -267,12 +255,7 @@ Bytes multiplex(const Multiplex& multiplex)
         if (has_payload(packet.data())) counter = (counter + 1) % 16;
         packet[3] = static_cast<std::uint8_t>(packet[3] | counter);
         const bool is_clock = packet[3] >> 4 == 2;
-        if (is_clock)
-        {
-            const bool rebased = multiplex.rebase_at && chosen.due >= static_cast<double>(*multiplex.rebase_at);
-            const double base = static_cast<double>(multiplex.begin + (rebased ? rebase : 0));
-            set_pcr(packet.data(), static_cast<std::uint64_t>((base + now) * 300));
-        }
+        if (is_clock) set_pcr(packet.data(), static_cast<std::uint64_t>((static_cast<double>(multiplex.begin) + now) * 300));
         stream.insert(stream.end(), packet.begin(), packet.end());
     }
     return stream;

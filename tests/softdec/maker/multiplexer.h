@@ -52,8 +52,7 @@ struct Multiplex
     unsigned pcr_pid = 256;
     unsigned map_pid = 4096;
     unsigned program = 1;
-    unsigned more_programs = 0;                   /**< that the PAT names behind it, with maps that do not come */
-    std::optional<softdec::Ticks> rebase_at = {}; /**< from here on clock and time stamps are an hour further, which is announced */
+    unsigned more_programs = 0; /**< that the PAT names behind it, with maps that do not come */
 };
 
 /** The transport stream, whole packets. */
