@@ -8,6 +8,7 @@
 #include <optional>
 
 #include "clock/ticks.h"
+#include "framer/display_order.h"
 
 namespace softdec
 {
@@ -16,6 +17,7 @@ namespace softdec
 struct DecodedPicture
 {
     std::optional<Ticks> pts;
+    std::optional<DisplayPlace> place = {};
     unsigned time_base = 0; /**< number of it */
     Ticks period = 0;       /**< of the pictures [90 kHz ticks] */
     Ticks shown_for = 0;    /**< the picture itself [90 kHz ticks] */

@@ -96,6 +96,7 @@ void VideoDecoder::send(Picture& picture)
     packet_->size = static_cast<int>(size);
     decoder_->reordered_opaque = ++number_;
     pending_[number_] = {.pts = picture.pts,
+                         .place = picture.place,
                          .time_base = picture.time_base.number,
                          .damaged = picture.damaged,
                          .cut = picture.cut,
@@ -188,6 +189,7 @@ void VideoDecoder::take_frame()
     else
     {
         decoded.pts = pending->second.pts;
+        decoded.place = pending->second.place;
         decoded.time_base = pending->second.time_base;
         decoded.shown_for = period_ * pending->second.shown_fields / 2;
         // A stream that is refreshed bit by bit is joined in pictures that lack their references: they are not damaged.

@@ -41,6 +41,7 @@ private:
     struct Pending
     {
         std::optional<Ticks> pts;
+        std::optional<DisplayPlace> place;
         unsigned time_base;
         bool damaged;
         bool cut;

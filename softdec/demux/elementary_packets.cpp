@@ -26,6 +26,7 @@ void TransportDemux::take_stream(Followed& followed, std::span<const std::uint8_
     if (!start) return followed.assembler.take(payload, false);
     // The packet before ends here, and what follows is of the one that begins.
     followed.assembler.finish(false);
+    followed.begun = clock_.now();
     followed.before_pcr = recovery_.last_taken() == 0;
     followed.pcr_known = recovery_.last_taken() != 0 && clock_.now() - recovery_.last_taken() < pcr_gone;
     followed.pcr_at_start = recovery_.last();
@@ -102,7 +103,7 @@ void TransportDemux::count_timestamps(Followed& followed, const ElementaryPacket
     if (!followed.pcr_known)
     {
         // Before the first PCR there is time for it to come.
-        if (followed.before_pcr && clock_.now() - started_ < pcr_gone) return;
+        if (followed.before_pcr && followed.begun - started_ < pcr_gone) return;
         ++record_.tCounters.nNumFramesWithNoPCR;
         record_.tCounters.tLastFrameWithNoPCR = clock_.seconds();
         return;

@@ -67,6 +67,7 @@ private:
         Ticks pcr_at_start = 0; // last PCR when the PES packet began that is being assembled
         bool pcr_known = false;
         bool before_pcr = false; // the first PCR had not come then
+        Nanoseconds begun = 0;
         TimeBase time_base = {};
         Nanoseconds last_piece = 0; // when a piece of it last came
         Nanoseconds last_timed = 0; // when a packet with a time stamp last came

@@ -16,6 +16,16 @@ constexpr unsigned bottom_field_twice = 6;
 
 constexpr Ticks rate_window = 2 * ticks_per_second;
 
+/** So many are kept of pictures that are rarer. */
+constexpr std::size_t least_pictures = 3;
+
+/** No picture is shown for longer. */
+constexpr Ticks longest_shown = 20 * ticks_per_second;
+
+/** So many pictures show their rate, and fewer if they take so long. */
+constexpr std::size_t enough_pictures = 8;
+constexpr Ticks long_enough = ticks_per_second;
+
 /** Codes of H.273 that are of the ordinary kind of dynamic range. */
 SMGR_VFRAMER_HDR_TYPE dynamic_range(unsigned transfer)
 {
@@ -113,15 +123,21 @@ void VideoFramer::take_dynamic_range(const VideoFormat& format, const PictureMet
     properties.enHDRType = properties.enHDRTypeInStream; // the output follows the stream
 }
 
-/** Not each picture need have a time: the others are counted. */
+/** Not each picture need have a time: the others are counted. A pause between pictures that were closer is not of their rate. */
 void VideoFramer::measure_rate(Ticks dts)
 {
-    if (!timed_.empty() && (dts <= timed_.back().dts || dts - timed_.back().dts > rate_window)) timed_.clear();
+    if (!timed_.empty())
+    {
+        const Ticks step = dts - timed_.back().dts;
+        const Ticks usual = timed_.size() > 1 ? timed_.back().dts - timed_[timed_.size() - 2].dts : longest_shown;
+        if (step <= 0 || step > longest_shown || step > std::max(rate_window, 3 * usual)) timed_.clear();
+    }
     timed_.push_back({.dts = dts, .number = record_.tCounters.nNumOutputFrames});
-    while (timed_.back().dts - timed_.front().dts > rate_window) timed_.pop_front();
+    while (timed_.size() > least_pictures && timed_.back().dts - timed_.front().dts > rate_window) timed_.pop_front();
     if (timed_.size() < 2) return;
-    const auto pictures = static_cast<double>(timed_.back().number - timed_.front().number);
-    const double rate = pictures * ticks_per_second / static_cast<double>(timed_.back().dts - timed_.front().dts);
+    const bool has_fields = sequence_ && sequence_->field_pictures;
+    const double frames = static_cast<double>(timed_.back().number - timed_.front().number) / (has_fields ? 2 : 1);
+    const double rate = frames * ticks_per_second / static_cast<double>(timed_.back().dts - timed_.front().dts);
     record_.tCounters.fInputFrameRate = static_cast<float>(rate);
     if (!record_.tCurrentProperties.bFrameRateFoundInStream) record_.tCurrentProperties.fFrameRate = static_cast<float>(rate);
 }
@@ -138,6 +154,7 @@ void VideoFramer::set_rate(Picture& picture) const
     const auto structure = picture.metadata.picture_structure;
     const bool has_third_field = structure == top_field_twice || structure == bottom_field_twice;
     if (has_third_field && picture.rate == picture.format->frame_rate) picture.shown_fields = 3;
+    if (sequence_ && sequence_->field_pictures) picture.shown_fields = 1;
 }
 
 /** The rate that is signalled, but for one that is too high: some count fields or ticks. */
@@ -147,7 +164,9 @@ double VideoFramer::rate_of(const VideoFormat& format) const
     const double signalled = format.frame_rate;
     constexpr double too_high = 1.6; // films are shown for two and three fields in turn
     if (signalled <= 0 || signalled > 1000) return measured;
-    if (timed_.size() < 8 || signalled < too_high * measured) return signalled;
+    const bool is_measured =
+        timed_.size() >= enough_pictures || (timed_.size() > 1 && timed_.back().dts - timed_.front().dts >= long_enough);
+    if (!is_measured || signalled < too_high * measured) return signalled;
     // Pictures that are missing are no lower rate.
     std::vector<double> periods;
     for (std::size_t i = 1; i < timed_.size(); ++i)

@@ -47,6 +47,8 @@ struct SequenceParameters
     VideoFormat format;
     bool separate_planes = false;       /**< separate_colour_plane_flag */
     unsigned frame_num_bits = 0;        /**< H.264 */
+    unsigned order_bits = 0;            /**< of picture order counts in slices; 0 = they are not there */
+    bool shown_as_coded = false;        /**< H.264: the order of decoding is that of display */
     bool frame_only = true;             /**< H.264: frame_mbs_only_flag */
     bool field_pictures = false;        /**< H.265: field_seq_flag */
     bool has_picture_structure = false; /**< picture timing tells the structure of pictures */

@@ -131,7 +131,7 @@ std::optional<SequenceParameters> parse_sequence_h264(std::span<const std::uint8
     const unsigned order_type = reader.unsigned_golomb();
     if (order_type == 0)
     {
-        reader.unsigned_golomb();
+        set.order_bits = reader.unsigned_golomb() + 4;
     }
     else if (order_type == 1)
     {
@@ -141,6 +141,7 @@ std::optional<SequenceParameters> parse_sequence_h264(std::span<const std::uint8
         const unsigned count = reader.unsigned_golomb();
         for (unsigned i = 0; i < count && !reader.overrun(); ++i) reader.signed_golomb();
     }
+    set.shown_as_coded = order_type == 2;
     reader.unsigned_golomb();
     reader.skip(1);
     const unsigned width = reader.unsigned_golomb() + 1;
@@ -148,7 +149,8 @@ std::optional<SequenceParameters> parse_sequence_h264(std::span<const std::uint8
     set.frame_only = reader.flag();
     if (!set.frame_only) reader.skip(1);
     reader.skip(1);
-    if (width > 4096 || height > 4096 || format.chroma_format > 3 || set.frame_num_bits > 16 || set.id > 31) return std::nullopt;
+    if (width > 4096 || height > 4096 || format.chroma_format > 3 || set.frame_num_bits > 16 || set.order_bits > 16 || set.id > 31)
+        return std::nullopt;
     const unsigned field_factor = set.frame_only ? 1 : 2;
     format.coded_width = width * 16;
     format.coded_height = height * 16 * field_factor;

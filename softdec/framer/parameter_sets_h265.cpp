@@ -146,7 +146,7 @@ std::optional<SequenceParameters> parse_sequence_h265(std::span<const std::uint8
     }
     format.luma_depth = reader.unsigned_golomb() + 8;
     format.chroma_depth = reader.unsigned_golomb() + 8;
-    const unsigned order_bits = reader.unsigned_golomb() + 4;
+    set.order_bits = reader.unsigned_golomb() + 4;
     const bool for_each_layer = reader.flag();
     for (unsigned i = for_each_layer ? 0 : sub_layers; i <= sub_layers; ++i)
     {
@@ -168,12 +168,12 @@ std::optional<SequenceParameters> parse_sequence_h265(std::span<const std::uint8
     if (reader.flag())
     {
         const unsigned count = reader.unsigned_golomb();
-        for (unsigned i = 0; i < count && !reader.overrun(); ++i) reader.skip(order_bits + 1);
+        for (unsigned i = 0; i < count && !reader.overrun(); ++i) reader.skip(set.order_bits + 1);
     }
     reader.skip(2);
     if (reader.flag()) parse_vui_h265(reader, set);
-    const bool sane = set.id < 16 && format.chroma_format <= 3 && format.coded_width <= 16888 && format.coded_height <= 16888 &&
-                      format.luma_depth <= 16 && format.chroma_depth <= 16 &&
+    const bool sane = set.id < 16 && set.order_bits <= 16 && format.chroma_format <= 3 && format.coded_width <= 16888 &&
+                      format.coded_height <= 16888 && format.luma_depth <= 16 && format.chroma_depth <= 16 &&
                       std::uint64_t{format.crop_left} + format.crop_right < format.coded_width &&
                       std::uint64_t{format.crop_top} + format.crop_bottom < format.coded_height;
     if (reader.overrun() || !sane) return std::nullopt;

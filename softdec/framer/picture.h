@@ -30,9 +30,10 @@ struct Picture
     unsigned pieces = 0;     /**< elementary packets that it came in */
     unsigned top_fields = 0; /**< field pictures in it */
     unsigned bottom_fields = 0;
-    double rate = 0;           /**< of the pictures [frames/s]; 0 = not known */
-    unsigned shown_fields = 2; /**< times of half a frame at that rate that it is shown for */
-    Nanoseconds received = 0;  /**< when its first piece came */
+    double rate = 0;                   /**< of the pictures [frames/s]; 0 = not known */
+    unsigned shown_fields = 2;         /**< times of half a frame at that rate that it is shown for */
+    Nanoseconds received = 0;          /**< when its first piece came */
+    std::optional<DisplayPlace> place; /**< nothing = not known */
     PictureMetadata metadata;
     std::optional<VideoFormat> format; /**< of the sequence that it belongs to; nothing = its headers cannot be read */
 };

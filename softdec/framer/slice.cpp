@@ -34,6 +34,20 @@ std::optional<Slice> parse_h264(const NalUnit& unit, const ParameterSets& sets)
     slice.frame_num = reader.bits(slice.sequence->frame_num_bits);
     if (!slice.sequence->frame_only) slice.field = reader.flag();
     if (slice.field) slice.bottom = reader.flag();
+    if (slice.instantaneous_refresh) reader.unsigned_golomb();
+    slice.order.begins = slice.instantaneous_refresh;
+    if (slice.sequence->order_bits != 0)
+    {
+        slice.order.bits = slice.sequence->order_bits;
+        slice.order.value = reader.bits(slice.order.bits);
+    }
+    else if (slice.sequence->shown_as_coded)
+    {
+        // A picture that none refers to has the number of the next one that may be referred to (clause 8.2.1.3).
+        const bool is_reference = (unit.bytes[0] & 0x60) != 0;
+        slice.order.bits = slice.sequence->frame_num_bits + 1;
+        slice.order.value = 2 * slice.frame_num + (is_reference ? 1 : 0);
+    }
     if (reader.overrun()) return std::nullopt;
     return slice;
 }
@@ -58,6 +72,11 @@ std::optional<Slice> parse_h265(const NalUnit& unit, const ParameterSets& sets)
         const unsigned type = reader.unsigned_golomb();
         if (type > 2) return std::nullopt;
         slice.type = type == 0 ? PictureType::b : type == 1 ? PictureType::p : PictureType::i;
+        if (sets.pictures.at(number).output_flag) reader.skip(1);
+        if (slice.sequence->separate_planes) reader.skip(2);
+        slice.order.bits = slice.sequence->order_bits;
+        slice.order.begins = unit.type >= 16 && unit.type <= 20;                                   // BLA and IDR pictures
+        if (unit.type != 19 && unit.type != 20) slice.order.value = reader.bits(slice.order.bits); // an IDR picture's is 0
     }
     if (reader.overrun()) return std::nullopt;
     return slice;

@@ -10,6 +10,7 @@
 #include <optional>
 #include <span>
 
+#include "framer/display_order.h"
 #include "framer/nal_unit.h"
 #include "framer/parameter_sets.h"
 
@@ -43,6 +44,7 @@ struct Slice
     bool field = false;
     bool bottom = false;    /**< the field is the bottom field */
     unsigned frame_num = 0; /**< H.264: the two fields of a frame share it */
+    OrderCount order;
     const SequenceParameters* sequence = nullptr;
 };
 

@@ -168,12 +168,13 @@ void VideoFramer::add_slice(const std::optional<Slice>& slice)
     if (!first_slice_)
     {
         first_slice_ = slice;
+        picture_.place = order_.place_of(slice->order);
         picture_.format = slice->sequence->format;
         sequence_ = *slice->sequence;
     }
     if (slice->instantaneous_refresh) picture_.key = true;
-    // A picture is of the type that its most dependent slice has.
-    if (slice->type > picture_.type) picture_.type = slice->type;
+    // A picture is of the type that its most dependent slice has, and two fields are of the first one's.
+    if (slice->type > picture_.type && picture_.top_fields + picture_.bottom_fields <= 1) picture_.type = slice->type;
 }
 
 void VideoFramer::complete()

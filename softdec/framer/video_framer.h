@@ -94,6 +94,7 @@ private:
     bool has_slices_ = false;
     Nanoseconds last_piece_ = 0; // when the last packet came
     std::optional<Slice> first_slice_;
+    DisplayOrder order_;
     bool started_ = false;               // decoding has begun
     bool before_first_ = false;          // pictures may come that are shown before the one that decoding began with
     std::optional<Ticks> first_to_show_; // time of that one

@@ -16,7 +16,7 @@ namespace
 constexpr std::size_t packets_each = 7;
 
 /** Bytes that are searched for the first packets: in front of them may be the rest of one, or what a download or a recorder put there. */
-constexpr std::size_t searched = 64 * 1024;
+constexpr std::size_t searched = 64UL * 1024;
 
 /** Sync bytes at the same distance that make a stream. */
 constexpr std::size_t enough_packets = 5;

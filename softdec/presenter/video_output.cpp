@@ -13,8 +13,11 @@ namespace
 /** Not each picture need have a time stamp; ISO/IEC 13818-1, 2.7.4 asks for one each 0.7 s. */
 constexpr Ticks longest_unstamped = ticks_per_second * 7 / 10;
 
-/** Between two time bases nothing need be shown for so long. */
-constexpr Ticks longest_pause = ticks_per_second;
+/** So long it may take until the next picture shows that the one before is not shown again in place of another. */
+constexpr Ticks longest_wait = ticks_per_second;
+
+/** A stream whose rate has not varied for so long has a constant one. */
+constexpr Ticks longest_steady = 10 * ticks_per_second;
 
 /** Pictures that wait for the first time stamp. More have missed theirs. */
 constexpr unsigned most_untimed = 60;
@@ -26,10 +29,12 @@ void VideoOutput::take(const DecodedPicture& picture, std::optional<Ticks> stc)
     auto& counters = record_.tCounters;
     ++counters.nNumFramesSentToDisplay;
     counters.tLastFrameSentToDisplay = clock_.seconds();
+    // A picture that is shown may turn out to be so for longer than its predecessors.
+    if (shown_ && next_ == *shown_ + period_) next_ = *shown_ + picture.period;
     period_ = picture.period;
     const auto pts = time_of(picture);
     if (!pts) return;
-    if (!stc) return show({*pts, picture.time_base});
+    if (!stc) return show({*pts, picture.time_base, picture.place});
 
     const Ticks lead = *pts - *stc;
     const bool first = counters.tMinOutputSTCLeadTime == 0;
@@ -62,7 +67,7 @@ void VideoOutput::take(const DecodedPicture& picture, std::optional<Ticks> stc)
         counters.tLastOutputTimestampNotIncreasing = clock_.seconds();
         return skip();
     }
-    waiting_.insert({*pts, picture.time_base});
+    waiting_.insert({*pts, picture.time_base, picture.place});
 }
 
 /** The time of a picture by its stamp, or by those around it. @return nothing = it is known when the next one is */
@@ -76,7 +81,7 @@ std::optional<Ticks> VideoOutput::time_of(const DecodedPicture& picture)
     const Ticks time = picture.pts.value_or(taken_.value_or(0) + taken_for_);
     if (picture.pts)
     {
-        for (; untimed_ > 0; --untimed_) waiting_.insert({time - static_cast<Ticks>(untimed_) * period_, picture.time_base});
+        for (; untimed_ > 0; --untimed_) waiting_.insert({time - static_cast<Ticks>(untimed_) * period_, picture.time_base, std::nullopt});
         stamped_ = time;
     }
     else if (!taken_ || time - stamped_ > longest_unstamped)
@@ -99,7 +104,7 @@ void VideoOutput::step(std::optional<Ticks> stc)
         const bool follows = shown_ && picture.time_base == time_base_;
         // The time between the one shown and this one was filled with the one shown, a period at a time. The last pictures of a
         // stream that is cut off lack some between them, which is no fault of an output.
-        while (!ended_ && follows && next_ + patience() < picture.pts) replay();
+        while (!ended_ && lacks_some_before(picture)) replay();
         // One whose successor is due as well has missed its turn.
         const bool missed = !waiting_.empty() && waiting_.begin()->pts <= *stc && *stc - waiting_.begin()->pts > period_;
         if (missed && follows && *stc - picture.pts > 2 * period_)
@@ -107,20 +112,36 @@ void VideoOutput::step(std::optional<Ticks> stc)
         else
             show(picture);
     }
-    if (ended_ || pauses(*stc)) return;
-    while (shown_ && next_ + patience() <= *stc && (waiting_.empty() || next_ + patience() < waiting_.begin()->pts)) replay();
+    if (ended_) return;
+    if (waiting_.empty() && *stc - next_ < longest_wait) return;
+    while (shown_ && next_ + patience() <= *stc && (waiting_.empty() || lacks_some_before(*waiting_.begin()))) replay();
 }
 
-/** Whether the time base that is shown has ended, and the first picture of the next one is to come. */
-bool VideoOutput::pauses(Ticks stc) const
+/** Whether pictures are absent between the one shown and the next one, which comes later than usual. */
+bool VideoOutput::lacks_some_before(const Waiting& next) const
 {
-    const bool all_shown = waiting_.empty() || waiting_.begin()->time_base != time_base_;
-    return announced_ != time_base_ && all_shown && stc - next_ < longest_pause;
+    if (!shown_ || next.time_base != time_base_ || next_ + patience() >= next.pts) return false;
+    if (!shown_place_ || !next.place) return true;
+    // Where a sequence ends is not told: there, the rate of a stream varies that has varied.
+    if (next.place->sequence != shown_place_->sequence) return !varied_ || next.pts - *varied_ > longest_steady;
+    const std::int64_t step = next.place->number - shown_place_->number;
+    return step <= 0 || step > least_step_;
+}
+
+/** The places of pictures that follow on each other differ by as much as the encoder counts, which shows where none is absent. */
+void VideoOutput::note_step(const Waiting& next)
+{
+    if (!shown_ || !shown_place_ || !next.place || next.time_base != time_base_) return;
+    if (next.place->sequence != shown_place_->sequence) return;
+    const std::int64_t step = next.place->number - shown_place_->number;
+    if (step <= 0) return;
+    if (step == least_step_ && next.pts - *shown_ > period_ + patience()) varied_ = next.pts;
+    if (least_step_ == 0 || step < least_step_) least_step_ = step;
 }
 
 void VideoOutput::show_untimed()
 {
-    for (; untimed_ > 0; --untimed_) show({taken_.value_or(0), announced_});
+    for (; untimed_ > 0; --untimed_) show({taken_.value_or(0), time_base_, std::nullopt});
 }
 
 void VideoOutput::end()
@@ -131,6 +152,7 @@ void VideoOutput::end()
 
 void VideoOutput::show(const Waiting& picture)
 {
+    note_step(picture);
     auto& counters = record_.tCounters;
     ++counters.nNumDisplayedOutputFrames;
     counters.tLastDisplayedOutputFrame = clock_.seconds();
@@ -139,6 +161,7 @@ void VideoOutput::show(const Waiting& picture)
     // The times that passed before it was shown late have been filled already.
     next_ = picture.time_base == time_base_ ? std::max(picture.pts + period_, next_) : picture.pts + period_;
     shown_ = picture.pts;
+    shown_place_ = picture.place;
     time_base_ = picture.time_base;
 }
 

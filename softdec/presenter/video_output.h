@@ -30,9 +30,6 @@ public:
     /** Shows what is due. */
     void step(std::optional<Ticks> stc);
 
-    /** Time stamps that come from now on are of this time base: between two of them there may be a pause. */
-    void announce(unsigned time_base) { announced_ = time_base; }
-
     /** The stream has ended: what has been shown is not shown again in place of what does not come. */
     void end();
 
@@ -53,6 +50,7 @@ private:
     {
         Ticks pts;
         unsigned time_base;
+        std::optional<DisplayPlace> place;
         auto operator<=>(const Waiting&) const = default;
     };
 
@@ -62,7 +60,8 @@ private:
     std::optional<Ticks> time_of(const DecodedPicture& picture);
     void show_untimed();
     void show(const Waiting& picture);
-    bool pauses(Ticks stc) const;
+    bool lacks_some_before(const Waiting& next) const;
+    void note_step(const Waiting& next);
     void skip();
     void replay();
 
@@ -70,13 +69,15 @@ private:
     SMGR_VCUDEC_STATS& record_;
     std::multiset<Waiting> waiting_;
     std::optional<Ticks> shown_;
-    unsigned time_base_ = 0;     // of the one shown
-    unsigned announced_ = 0;     // newest time base
-    Ticks next_ = 0;             // when the picture after the one shown is due
-    std::optional<Ticks> taken_; // time of the last picture taken
-    Ticks taken_for_ = 0;        // how long that one is shown
-    Ticks stamped_ = 0;          // and of the last one that had a time of its own
-    unsigned untimed_ = 0;       // pictures that came before the first time
+    unsigned time_base_ = 0; // of the one shown
+    std::optional<DisplayPlace> shown_place_;
+    std::int64_t least_step_ = 0; // between places; 0 = none is known
+    std::optional<Ticks> varied_; // when a picture was last shown for longer than usual with none absent behind it
+    Ticks next_ = 0;              // when the picture after the one shown is due
+    std::optional<Ticks> taken_;  // time of the last picture taken
+    Ticks taken_for_ = 0;         // how long that one is shown
+    Ticks stamped_ = 0;           // and of the last one that had a time of its own
+    unsigned untimed_ = 0;        // pictures that came before the first time
     Ticks period_ = ticks_per_second / 25;
     bool ended_ = false;
     std::time_t last_irregular_ = 0;

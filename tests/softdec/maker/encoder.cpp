@@ -12,6 +12,7 @@
 extern "C" {
 #include <libavutil/dict.h>
 #include <libavutil/opt.h>
+#include <libavutil/pixdesc.h>
 }
 
 namespace softdec_tests
@@ -70,17 +71,23 @@ void pass(AVCodecContext& context, const AVFrame* frame, std::vector<CodedUnit>&
 void draw(AVFrame& frame, int number)
 {
     unsigned noise = 12345U + static_cast<unsigned>(number);
+    const AVPixFmtDescriptor& format = *av_pix_fmt_desc_get(static_cast<AVPixelFormat>(frame.format));
+    const int more_bits = format.comp[0].depth - 8;
     for (int plane = 0; plane < 3; ++plane)
     {
-        const int width = plane == 0 ? frame.width : frame.width / 2;
-        const int height = plane == 0 ? frame.height : frame.height / 2;
+        const int width = plane == 0 ? frame.width : frame.width >> format.log2_chroma_w;
+        const int height = plane == 0 ? frame.height : frame.height >> format.log2_chroma_h;
         for (int y = 0; y < height; ++y)
             for (int x = 0; x < width; ++x)
             {
                 noise = noise * 1103515245U + 12345U;
                 const int value = plane == 0 ? 2 * x + y + 3 * number : 128 + (x - y + number) / 4;
-                frame.data[plane][y * frame.linesize[plane] + x] =
-                    static_cast<std::uint8_t>((value + static_cast<int>(noise >> 28)) & 0xff);
+                const int sample = (value + static_cast<int>(noise >> 28)) & 0xff;
+                std::uint8_t* const line = frame.data[plane] + y * frame.linesize[plane];
+                if (more_bits == 0)
+                    line[x] = static_cast<std::uint8_t>(sample);
+                else
+                    reinterpret_cast<std::uint16_t*>(line)[x] = static_cast<std::uint16_t>(sample << more_bits);
             }
     }
 }
@@ -110,7 +117,7 @@ std::vector<CodedUnit> encode(const VideoCoding& coding)
     const CodecContext context = new_encoder(coding.encoder);
     context->width = coding.width;
     context->height = coding.height;
-    context->pix_fmt = AV_PIX_FMT_YUV420P;
+    context->pix_fmt = coding.pixels;
     context->time_base = {coding.per, coding.rate};
     context->framerate = {coding.rate, coding.per};
     context->bit_rate = coding.bits;

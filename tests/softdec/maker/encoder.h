@@ -10,6 +10,10 @@
 #include "clock/ticks.h"
 #include "streams.h"
 
+extern "C" {
+#include <libavutil/pixfmt.h>
+}
+
 namespace softdec_tests
 {
 
@@ -32,6 +36,7 @@ struct VideoCoding
     int group = 25;     /**< pictures from one key picture to the next */
     int b_pictures = 2; /**< in a row, at most */
     bool interlaced = false;
+    AVPixelFormat pixels = AV_PIX_FMT_YUV420P;
     const char* options = ""; /**< more of the encoder's own: NAME=VALUE,... */
     int frames = 240;         /**< pictures in all */
 };

@@ -170,7 +170,9 @@ std::vector<Waiting> schedule(const Multiplex& multiplex)
             const Ticks offset = multiplex.begin + multiplex.lead - first;
             const auto packets =
                 cut(stream.pid, stream.stream_id == 0 ? pes.payload : pes_packet(stream, pes, offset), stream.stream_id == 0);
-            const Ticks next = i + 1 < stream.packets.size() ? stream.packets[i + 1].due - first : due + 3600;
+            // What has long until the next is due is not sent as slowly as that.
+            const Ticks next =
+                i + 1 < stream.packets.size() ? std::min(stream.packets[i + 1].due - first, due + multiplex.lead * 2 / 3) : due + 3600;
             for (std::size_t k = 0; k < packets.size(); ++k)
             {
                 const double share = static_cast<double>(k) / static_cast<double>(packets.size());
