@@ -95,7 +95,6 @@ void Chain::step()
     buffering_.step();
     framer_.step();
     const auto stc = buffering_.stc();
-    output_.announce(recovery_.time_base().number);
     output_.step(stc);
     metadata_.step(stc);
     for (const auto& pair : audio_)

@@ -13,11 +13,11 @@ namespace
 /** Not each picture need have a time stamp; ISO/IEC 13818-1, 2.7.4 asks for one each 0.7 s. */
 constexpr Ticks longest_unstamped = ticks_per_second * 7 / 10;
 
+/** So long it may take until the next picture shows that the one before is not shown again in place of another. */
+constexpr Ticks longest_wait = ticks_per_second;
+
 /** A stream whose rate has not varied for so long has a constant one. */
 constexpr Ticks longest_steady = 10 * ticks_per_second;
-
-/** So long it may take until the next picture tells whether others are absent before it. Between two time bases none need be shown. */
-constexpr Ticks longest_silence_of_decoder = ticks_per_second;
 
 /** Pictures that wait for the first time stamp. More have missed theirs. */
 constexpr unsigned most_untimed = 60;
@@ -104,7 +104,7 @@ void VideoOutput::step(std::optional<Ticks> stc)
         const bool follows = shown_ && picture.time_base == time_base_;
         // The time between the one shown and this one was filled with the one shown, a period at a time. The last pictures of a
         // stream that is cut off lack some between them, which is no fault of an output.
-        while (!ended_ && follows && lacks_some_before(picture)) replay();
+        while (!ended_ && lacks_some_before(picture)) replay();
         // One whose successor is due as well has missed its turn.
         const bool missed = !waiting_.empty() && waiting_.begin()->pts <= *stc && *stc - waiting_.begin()->pts > period_;
         if (missed && follows && *stc - picture.pts > 2 * period_)
@@ -112,16 +112,16 @@ void VideoOutput::step(std::optional<Ticks> stc)
         else
             show(picture);
     }
-    if (ended_ || pauses(*stc)) return;
-    if (waiting_.empty() && *stc - next_ < longest_silence_of_decoder) return;
+    if (ended_) return;
+    if (waiting_.empty() && *stc - next_ < longest_wait) return;
     while (shown_ && next_ + patience() <= *stc && (waiting_.empty() || lacks_some_before(*waiting_.begin()))) replay();
 }
 
 /** Whether pictures are absent between the one shown and the next one, which comes later than usual. */
 bool VideoOutput::lacks_some_before(const Waiting& next) const
 {
-    if (!shown_ || next_ + patience() >= next.pts) return false;
-    if (!shown_place_ || !next.place || next.time_base != time_base_) return true;
+    if (!shown_ || next.time_base != time_base_ || next_ + patience() >= next.pts) return false;
+    if (!shown_place_ || !next.place) return true;
     // Where a sequence ends is not told: there, the rate of a stream varies that has varied.
     if (next.place->sequence != shown_place_->sequence) return !varied_ || next.pts - *varied_ > longest_steady;
     const std::int64_t step = next.place->number - shown_place_->number;
@@ -131,23 +131,17 @@ bool VideoOutput::lacks_some_before(const Waiting& next) const
 /** The places of pictures that follow on each other differ by as much as the encoder counts, which shows where none is absent. */
 void VideoOutput::note_step(const Waiting& next)
 {
-    if (!shown_ || next.time_base != time_base_ || !shown_place_ || !next.place || next.place->sequence != shown_place_->sequence) return;
+    if (!shown_ || !shown_place_ || !next.place || next.time_base != time_base_) return;
+    if (next.place->sequence != shown_place_->sequence) return;
     const std::int64_t step = next.place->number - shown_place_->number;
     if (step <= 0) return;
     if (step == least_step_ && next.pts - *shown_ > period_ + patience()) varied_ = next.pts;
     if (least_step_ == 0 || step < least_step_) least_step_ = step;
 }
 
-/** Whether the time base that is shown has ended, and the first picture of the next one is to come. */
-bool VideoOutput::pauses(Ticks stc) const
-{
-    const bool all_shown = waiting_.empty() || waiting_.begin()->time_base != time_base_;
-    return announced_ != time_base_ && all_shown && stc - next_ < longest_silence_of_decoder;
-}
-
 void VideoOutput::show_untimed()
 {
-    for (; untimed_ > 0; --untimed_) show({taken_.value_or(0), announced_, std::nullopt});
+    for (; untimed_ > 0; --untimed_) show({taken_.value_or(0), time_base_, std::nullopt});
 }
 
 void VideoOutput::end()
@@ -167,8 +161,8 @@ void VideoOutput::show(const Waiting& picture)
     // The times that passed before it was shown late have been filled already.
     next_ = picture.time_base == time_base_ ? std::max(picture.pts + period_, next_) : picture.pts + period_;
     shown_ = picture.pts;
-    time_base_ = picture.time_base;
     shown_place_ = picture.place;
+    time_base_ = picture.time_base;
 }
 
 void VideoOutput::skip()

@@ -30,9 +30,6 @@ public:
     /** Shows what is due. */
     void step(std::optional<Ticks> stc);
 
-    /** Time stamps that come from now on are of this time base: between two of them there may be a pause. */
-    void announce(unsigned time_base) { announced_ = time_base; }
-
     /** The stream has ended: what has been shown is not shown again in place of what does not come. */
     void end();
 
@@ -65,7 +62,6 @@ private:
     void show(const Waiting& picture);
     bool lacks_some_before(const Waiting& next) const;
     void note_step(const Waiting& next);
-    bool pauses(Ticks stc) const;
     void skip();
     void replay();
 
@@ -73,11 +69,10 @@ private:
     SMGR_VCUDEC_STATS& record_;
     std::multiset<Waiting> waiting_;
     std::optional<Ticks> shown_;
+    unsigned time_base_ = 0; // of the one shown
     std::optional<DisplayPlace> shown_place_;
     std::int64_t least_step_ = 0; // between places; 0 = none is known
     std::optional<Ticks> varied_; // when a picture was last shown for longer than usual with none absent behind it
-    unsigned time_base_ = 0;      // of the one shown
-    unsigned announced_ = 0;      // newest time base
     Ticks next_ = 0;              // when the picture after the one shown is due
     std::optional<Ticks> taken_;  // time of the last picture taken
     Ticks taken_for_ = 0;         // how long that one is shown
