@@ -54,7 +54,7 @@ void expect_clean(softdec::Chain& chain, softdec::Chain& plain, std::uint64_t fe
     EXPECT_EQ(chain.records().tdemux.tCounters.nNumReceivedPackets + fewer, plain.records().tdemux.tCounters.nNumReceivedPackets);
     if (fewer != 0) return;
     EXPECT_EQ(+chain.records().vdecoder.tCounters.nNumDisplayedOutputFrames, +plain.records().vdecoder.tCounters.nNumDisplayedOutputFrames);
-    EXPECT_EQ(chain.records().audio.nOutputFrames, plain.records().audio.nOutputFrames);
+    EXPECT_EQ(+chain.records().audio.nOutputFrames, +plain.records().audio.nOutputFrames);
 }
 
 /** Puts bytes in front of each packet and behind it. */

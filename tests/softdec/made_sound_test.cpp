@@ -112,7 +112,7 @@ TEST_P(MadeSound, IsClean)
     const Seen framed = watch(arrivals, false);
     EXPECT_EQ(framed.findings, "");
     EXPECT_EQ(framed.faults, Faults{});
-    EXPECT_EQ(framed.chain->records().audio.nReceivedFrames, records.audio.nReceivedFrames);
+    EXPECT_EQ(+framed.chain->records().audio.nReceivedFrames, +records.audio.nReceivedFrames);
 }
 
 TEST_P(MadeSound, IsCleanAlone)

@@ -69,7 +69,7 @@ TEST_P(AnnouncedTimeBase, IsNoFaultWhereverItIs)
         const Seen seen = watch(arrivals);
         EXPECT_EQ(seen.findings, "");
         EXPECT_EQ(seen.faults, usual);
-        EXPECT_EQ(seen.chain->records().clock_recovery.PcrJump, 0);
+        EXPECT_EQ(+seen.chain->records().clock_recovery.PcrJump, 0);
     }
 }
 
@@ -140,8 +140,8 @@ TEST_P(AnnouncedTimeBase, LetsTimeStampsStandAsTheyAreSent)
     EXPECT_EQ(static_cast<std::int64_t>(moved.audio.PairStats[0].nAudioTimeStamp), shifted(usual.audio.PairStats[0].nAudioTimeStamp));
     EXPECT_EQ(static_cast<std::int64_t>(moved.buffering.nPCR), shifted(usual.buffering.nPCR));
     EXPECT_NEAR(static_cast<double>(moved.buffering.nSTC), static_cast<double>(shifted(usual.buffering.nSTC)), 1800);
-    EXPECT_EQ(moved.vdecoder.tCounters.nNumDisplayedOutputFrames, usual.vdecoder.tCounters.nNumDisplayedOutputFrames);
-    EXPECT_EQ(moved.audio.nOutputFrames, usual.audio.nOutputFrames);
+    EXPECT_EQ(+moved.vdecoder.tCounters.nNumDisplayedOutputFrames, +usual.vdecoder.tCounters.nNumDisplayedOutputFrames);
+    EXPECT_EQ(+moved.audio.nOutputFrames, +usual.audio.nOutputFrames);
 }
 
 TEST_P(AnnouncedTimeBase, IsNoFaultInAPlayoutThatBeginsAgain)
