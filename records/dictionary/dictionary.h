@@ -2,7 +2,8 @@
  * @file dictionary.h
  * Every field of the eight records, once: where it stands in its record, what it is called, what kind of value it is, when it
  * applies and when it is absent, which lines of the reports show it and which metric carries it. Constant data: looking
- * something up allocates nothing unless it says so, does no I/O and knows no locale. All of it is thread-safe.
+ * something up allocates nothing unless it says so, does no I/O and knows no locale. All of it is thread-safe. The first use
+ * takes some microseconds more than the others.
  */
 #ifndef DICTIONARY_DICTIONARY_H
 #define DICTIONARY_DICTIONARY_H

@@ -2,6 +2,10 @@
 
 #include "table.h"
 
+#include <limits>
+#include <tuple>
+#include <utility>
+
 #include "dictionary.h"
 #include "units.h"
 
@@ -300,13 +304,103 @@ constexpr Field field(std::size_t index)
     return field;
 }
 
-constexpr std::array table_of_fields = for_each_row<field>();
+/* ---- The fields without pointers ---- */
+
+// A pointer in constant data is one that the loader has to move whenever the program starts. Of the fields it would be twelve
+// thousand, a tenth of the time that the tool takes to start; so they are put in when somebody asks for the fields.
+
+/** The texts of a field. */
+constexpr auto texts_of(auto& field)
+{
+    return std::array{&field.full_name,
+                      &field.name,
+                      &field.member,
+                      &field.c_type,
+                      &field.unit,
+                      &field.meaning,
+                      &field.absent,
+                      &field.label_name,
+                      &field.metric.unit,
+                      &field.metric.family,
+                      &field.metric.label,
+                      &field.metric.fixed_label,
+                      &field.metric.fixed_value};
+}
+constexpr std::size_t texts_each = std::tuple_size_v<decltype(texts_of(std::declval<Field&>()))>;
+
+constexpr std::size_t size_of_texts()
+{
+    std::size_t size = 0;
+    for (std::size_t i = 0; i < field_count; ++i)
+    {
+        const Field whole = field(i);
+        for (const std::string_view* text : texts_of(whole)) size += text->size();
+    }
+    return size;
+}
+
+struct Bare
+{
+    std::array<Field, field_count> fields;
+    std::array<char, size_of_texts()> characters; /**< of all texts, one behind the other */
+    std::array<std::array<std::uint8_t, texts_each>, field_count> sizes;
+};
+
+constexpr Bare make_bare()
+{
+    Bare bare = {};
+    std::size_t end = 0;
+    for (std::size_t i = 0; i < field_count; ++i)
+    {
+        Field& bared = bare.fields[i] = field(i);
+        const auto texts = texts_of(bared);
+        for (std::size_t j = 0; j < texts_each; ++j)
+        {
+            if (texts[j]->size() > std::numeric_limits<std::uint8_t>::max()) throw "a text for which a byte is too small to count it";
+            bare.sizes[i][j] = static_cast<std::uint8_t>(texts[j]->size());
+            for (const char character : *texts[j]) bare.characters[end++] = character;
+            *texts[j] = {};
+        }
+        bared.lines = {};
+        bared.array = nullptr;
+        bared.states = nullptr;
+    }
+    return bare;
+}
+constexpr Bare bare = make_bare();
+
+constexpr const States* states_of(std::size_t index)
+{
+    return entries[index].row.states;
+}
+constexpr std::array all_states = for_each_row<states_of>();
+
+std::array<Field, field_count> with_pointers()
+{
+    std::array<Field, field_count> all = bare.fields;
+    const char* next = bare.characters.data();
+    for (std::size_t i = 0; i < field_count; ++i)
+    {
+        const auto texts = texts_of(all[i]);
+        for (std::size_t j = 0; j < texts_each; ++j)
+        {
+            *texts[j] = {next, bare.sizes[i][j]};
+            next += texts[j]->size();
+        }
+        all[i].lines = std::span(lines.all).subspan(lines.start[i], lines.start[i + 1] - lines.start[i]);
+        all[i].states = all_states[i];
+    }
+    for (const Array& array : arrays)
+        for (std::size_t i = 0; i < array.field_count; ++i) all[array.first_field + i].array = &array;
+    return all;
+}
 
 } // namespace
 
 std::span<const Field, field_count> fields()
 {
-    return table_of_fields;
+    static const std::array<Field, field_count> all = with_pointers();
+    return all;
 }
 
 const Array* array_of(const records::Component& component)
