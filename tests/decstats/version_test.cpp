@@ -170,13 +170,13 @@ TEST(Version, AcrossEveryPlaceWhereAReadMayEnd)
 
 TEST(Version, AcrossTheEndOfTheReadBufferAtEveryDistance)
 {
-    constexpr std::size_t megabyte = 1024 * 1024;
+    constexpr std::size_t buffer = 64 * 1024;
     const ScratchDirectory directory;
     for (const std::size_t before : {0UL, 1UL, 15UL, 16UL, 17UL, 20UL, 272UL, 273UL, 274UL, 275UL})
     {
-        std::string content(megabyte + 1000, '\0');
-        content.replace(megabyte - before, record_size, record_of({}));
-        expect_output({.arguments = {"version", directory.write("edge", content)}}, printed(megabyte - before));
+        std::string content(buffer + 1000, '\0');
+        content.replace(buffer - before, record_size, record_of({}));
+        expect_output({.arguments = {"version", directory.write("edge", content)}}, printed(buffer - before));
     }
 }
 

@@ -19,7 +19,7 @@ namespace
 {
 
 constexpr std::size_t record_size = sizeof(QRVERSIONINFOBLOB);
-constexpr std::size_t buffer_size = 1 << 20;
+constexpr std::size_t buffer_size = 1 << 16; // a larger one takes as long to clear as the rest of the command
 
 // The signature is looked for without its last character, which is compared apart: a copy of all of it in this executable
 // would be found there.
