@@ -14,7 +14,7 @@ namespace
 constexpr Ticks longest_unstamped = ticks_per_second * 7 / 10;
 
 /** So long it may take until the next picture shows that the one before is not shown again in place of another. */
-constexpr Ticks longest_silence = ticks_per_second;
+constexpr Ticks longest_without_next = ticks_per_second;
 
 /** A stream whose rate has not varied for so long has a constant one. */
 constexpr Ticks longest_steady = 10 * ticks_per_second;
@@ -113,7 +113,7 @@ void VideoOutput::step(std::optional<Ticks> stc)
             show(picture);
     }
     if (ended_) return;
-    if (waiting_.empty() && *stc - next_ < longest_silence) return;
+    if (waiting_.empty() && *stc - next_ < longest_without_next) return;
     while (shown_ && next_ + patience() <= *stc && (waiting_.empty() || lacks_some_before(*waiting_.begin()))) replay();
 }
 
