@@ -2,10 +2,9 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
-#include <cstring>
 
 #include "metric_families.h"
+#include "metric_value.h"
 #include "number_text.h"
 #include "presence.h"
 #include "text_buffer.h"
@@ -121,43 +120,10 @@ private:
         to = TextBuffer::put(to, labels);
         to = TextBuffer::put(to, member.labels);
         const char* const value = to;
-        to = write_value(to, member, bytes);
+        to = write_metric_value(to, member, bytes);
         if (family.type == MetricType::counter && *value == '-') return; // no counter is below 0: nothing has been written
         *to++ = '\n';
         text.written_to(to);
-    }
-
-    template <typename Number> static Number read(const std::byte* bytes)
-    {
-        Number number;
-        std::memcpy(&number, bytes, sizeof number);
-        return number;
-    }
-
-    static char* write_value(char* to, const FamilyMember& member, const std::byte* bytes)
-    {
-        const auto scaled = [&](auto number) { return write_scaled(to, number, member.multiply, member.divide); };
-        switch (member.type)
-        {
-        case dictionary::Type::i32: return scaled(std::int64_t{read<std::int32_t>(bytes)});
-        case dictionary::Type::u32: return scaled(std::uint64_t{read<std::uint32_t>(bytes)});
-        case dictionary::Type::i64: return scaled(read<std::int64_t>(bytes));
-        case dictionary::Type::u64: return scaled(read<std::uint64_t>(bytes));
-        case dictionary::Type::u8: return scaled(std::uint64_t{read<std::uint8_t>(bytes)});
-        case dictionary::Type::f32: return write_real(to, read<float>(bytes));
-        case dictionary::Type::timespec:
-            return write_moment(to, {read<std::int64_t>(bytes), read<std::int64_t>(bytes + sizeof(std::int64_t))});
-        case dictionary::Type::text:
-        case dictionary::Type::bytes: break; // labels of infos
-        }
-        return to;
-    }
-
-    /** Fields that are floats have the base unit already. */
-    static char* write_real(char* to, float value)
-    {
-        if (std::isfinite(value)) return write_float(to, value);
-        return TextBuffer::put(to, std::isnan(value) ? "NaN" : value > 0 ? "+Inf" : "-Inf");
     }
 
     static void append_states(TextBuffer& text, const MetricFamily& family, std::int64_t code, const std::string& labels)
