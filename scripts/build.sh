@@ -15,7 +15,7 @@ build_preset()
     shift
     mkdir -p build
     log=build/$preset.log
-    [ -f "build/$preset/build.ninja" ] || logged "$log" cmake --preset "$preset"
+    [ "build/$preset/build.ninja" -nt CMakePresets.json ] || logged "$log" cmake --preset "$preset"
     if ! cmake --build --preset "$preset" ${1:+--target "$@"} >"$log" 2>&1; then
         # The first errors, without the steps that went well.
         grep -v '^\[[0-9]*/[0-9]*\] ' "$log" | head -n 60 >&2
