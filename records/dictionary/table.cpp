@@ -306,8 +306,8 @@ constexpr Field field(std::size_t index)
 
 /* ---- The fields without pointers ---- */
 
-// A pointer in constant data is one that the loader has to move whenever the program starts. Of the fields it would be twelve
-// thousand, a tenth of the time that the tool takes to start; so they are put in when somebody asks for the fields.
+// A pointer in constant data is one that the loader has to put in whenever the program starts. The fields would have twelve
+// thousand, a seventh of the time that the tool takes to start; so they are put in when somebody asks for the fields.
 
 /** The texts of a field. */
 constexpr auto texts_of(auto& field)
@@ -339,6 +339,7 @@ constexpr std::size_t size_of_texts()
     return size;
 }
 
+/** The fields, their texts, lines, arrays and states left out. */
 struct Bare
 {
     std::array<Field, field_count> fields;

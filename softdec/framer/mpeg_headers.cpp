@@ -11,16 +11,6 @@ namespace softdec
 namespace
 {
 
-/** Start codes of ISO/IEC 13818-2, table 6-1. */
-enum StartCode : unsigned
-{
-    picture_start = 0x00,
-    user_data_start = 0xb2,
-    sequence_start = 0xb3,
-    extension_start = 0xb5,
-    group_start = 0xb8,
-};
-
 /** Extensions of ISO/IEC 13818-2, table 6-2. */
 enum Extension : unsigned
 {
@@ -63,13 +53,13 @@ unsigned temporal_reference(const NalUnit& unit)
 
 void MpegHeaders::take(const NalUnit& unit, PictureMetadata& metadata)
 {
-    switch (unit.type)
+    switch (static_cast<MpegStartCode>(unit.type))
     {
-    case sequence_start: return take_sequence(unit);
-    case group_start: return take_group(unit);
-    case picture_start: return take_picture(unit, metadata);
-    case extension_start: return take_extension(unit, metadata);
-    case user_data_start: return parse_atsc_user_data(unit.bytes.subspan(1), metadata);
+    case MpegStartCode::sequence: return take_sequence(unit);
+    case MpegStartCode::group: return take_group(unit);
+    case MpegStartCode::picture: return take_picture(unit, metadata);
+    case MpegStartCode::extension: return take_extension(unit, metadata);
+    case MpegStartCode::user_data: return parse_atsc_user_data(unit.bytes.subspan(1), metadata);
     default: return;
     }
 }
@@ -184,7 +174,8 @@ std::optional<Slice> MpegHeaders::slice()
 
 bool MpegHeaders::is_second_field(const NalUnit& unit) const
 {
-    return unit.type == picture_start && picture_ && picture_->field && picture_->frame_num == temporal_reference(unit);
+    return static_cast<MpegStartCode>(unit.type) == MpegStartCode::picture && picture_ && picture_->field &&
+           picture_->frame_num == temporal_reference(unit);
 }
 
 } // namespace softdec

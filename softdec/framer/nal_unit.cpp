@@ -56,18 +56,18 @@ NalKind kind_h265(unsigned type)
     }
 }
 
-/** ISO/IEC 13818-2, table 6-1. */
 NalKind kind_mpeg(unsigned type)
 {
-    if (type >= 0x01 && type <= 0xaf) return NalKind::slice;
-    switch (type)
+    const auto code = static_cast<MpegStartCode>(type);
+    if (code > MpegStartCode::picture && code <= MpegStartCode::last_slice) return NalKind::slice;
+    switch (code)
     {
-    case 0x00:
-    case 0xb3:
-    case 0xb8: return NalKind::header;
-    case 0xb2:
-    case 0xb5: return NalKind::extension;
-    case 0xb7: return NalKind::end;
+    case MpegStartCode::picture:
+    case MpegStartCode::sequence:
+    case MpegStartCode::group: return NalKind::header;
+    case MpegStartCode::user_data:
+    case MpegStartCode::extension: return NalKind::extension;
+    case MpegStartCode::sequence_end: return NalKind::end;
     default: return NalKind::unknown;
     }
 }

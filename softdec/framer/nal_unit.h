@@ -21,6 +21,18 @@ enum class VideoSyntax
     mpeg, /**< ISO/IEC 11172-2 and 13818-2 */
 };
 
+/** Start codes of MPEG video (ISO/IEC 13818-2, table 6-1); those between the first two are of slices. */
+enum class MpegStartCode : unsigned
+{
+    picture = 0x00,
+    last_slice = 0xaf,
+    user_data = 0xb2,
+    sequence = 0xb3,
+    extension = 0xb5,
+    sequence_end = 0xb7,
+    group = 0xb8,
+};
+
 /** What the framer does with a unit. */
 enum class NalKind
 {

@@ -210,13 +210,7 @@ TEST_P(Diagnosed, TablesGone)
 
 // The sound of the third stream has a step wherever the stream is repeated, which is a finding of its own.
 INSTANTIATE_TEST_SUITE_P(All, Diagnosed, testing::Values("h265-ac3.ts", "h264i-mp2.ts"),
-                         [](const auto& parameter)
-                         {
-                             std::string name = parameter.param;
-                             std::ranges::replace_if(
-                                 name, [](char character) { return character == '-' || character == '.'; }, '_');
-                             return name;
-                         });
+                         [](const auto& stream) { return test_name(stream.param); });
 
 } // namespace
 

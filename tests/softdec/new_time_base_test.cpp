@@ -173,13 +173,7 @@ TEST_P(AnnouncedTimeBase, IsNoFaultInAPlayoutThatBeginsAgain)
 }
 
 INSTANTIATE_TEST_SUITE_P(All, AnnouncedTimeBase, testing::Values("h264-aac.ts", "h265-ac3.ts", "h264i-mp2.ts"),
-                         [](const auto& parameter)
-                         {
-                             std::string name = parameter.param;
-                             std::ranges::replace_if(
-                                 name, [](char character) { return character == '-' || character == '.'; }, '_');
-                             return name;
-                         });
+                         [](const auto& stream) { return test_name(stream.param); });
 
 } // namespace
 

@@ -1,5 +1,6 @@
 #include "streams.h"
 
+#include <algorithm>
 #include <array>
 #include <fstream>
 #include <iterator>
@@ -10,6 +11,13 @@
 
 namespace softdec_tests
 {
+
+std::string test_name(std::string stream)
+{
+    std::ranges::replace_if(
+        stream, [](char character) { return character == '-' || character == '.'; }, '_');
+    return stream;
+}
 
 Bytes read_stream(const std::string& name)
 {

@@ -30,6 +30,9 @@ struct Arrival
 /** A moment to begin streams at. */
 inline constexpr softdec::Nanoseconds beginning = 1'700'000'000 * softdec::second;
 
+/** The name of a test stream's tests: h264_aac_ts. */
+std::string test_name(std::string stream);
+
 /** The bytes of a test stream. */
 Bytes read_stream(const std::string& name);
 
