@@ -146,7 +146,7 @@ class Access(PageTest):
         # Updates go on below the focus and leave it where it is.
         self.focus("#stage-link .field")
         figures = self.texts("#stages .cells")
-        until(lambda: self.texts("#stages .cells") != figures, "an update", 5)
+        until(lambda: self.texts("#stages .cells") != figures, "an update")
         self.assertEqual(self.focused(), name)
         self.focus("#hold")
         self.press(Keys.SPACE)

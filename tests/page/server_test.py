@@ -14,9 +14,9 @@ class Server(PageTest):
         unit.live.rmdir()
         until(lambda: unit.ask("decoders") is None, "that the server sees it")
         self.browser.get(unit.origin + "/")
-        until(lambda: "HTTP 503: " + str(unit.live) in self.text("#notlive-what"), "what is wrong", 5)
+        until(lambda: "HTTP 503: " + str(unit.live) in self.text("#notlive-what"), "what is wrong")
         unit.live.mkdir()
-        until(lambda: self.live() == "live", "that it is mended", 8)
+        until(lambda: self.live() == "live", "that it is mended")
         self.assertIn("No decoder is published", self.text("#no-decoders"))
 
     def test_a_server_that_is_gone(self):
@@ -29,12 +29,12 @@ class Server(PageTest):
         self.assertEqual(self.text("#decoder"), "alpha")
         unit.server.kill()
         unit.server.wait()
-        until(lambda: self.text("#fresh b") == "Late", "that it is late", 6)
-        until(lambda: "No answer from the server" in self.text("#notlive-what"), "that the server is gone", 8)
+        until(lambda: self.text("#fresh b") == "Late", "that it is late")
+        until(lambda: "No answer from the server" in self.text("#notlive-what"), "that the server is gone")
         self.not_live()
-        until(lambda: re.search(r"tries again in \d+s", self.text("#notlive-why")), "longer pauses", 8)
+        until(lambda: re.search(r"tries again in \d+s", self.text("#notlive-why")), "longer pauses")
         unit.serve()
-        until(lambda: self.live() == "live", "that it is back", 16)
+        until(lambda: self.live() == "live", "that it is back")
 
     def test_a_token(self):
         self.may_fail = ["401"]
@@ -50,9 +50,9 @@ class Server(PageTest):
             self.assertEqual((self.live(), self.text("body")), (None, ""), "there is a page without the token")
         # As the browser does with what people type where it asks them, it sends the password with all that the page asks for.
         self.browser.get(unit.origin.replace("//", "//operator:" + token + "@") + "/")
-        until(lambda: self.live() == "live" and self.text("#headline") == "Healthy", "the decoder", 8)
+        until(lambda: self.live() == "live" and self.text("#headline") == "Healthy", "the decoder")
         self.browser.get(unit.origin + "/")
-        until(lambda: self.live() == "live", "the page, without being asked again", 8)
+        until(lambda: self.live() == "live", "the page, without being asked again")
 
 
 if __name__ == "__main__":
