@@ -66,8 +66,10 @@ Input open_input(const std::string& input)
 {
     if (input.starts_with("udp://")) return {std::make_unique<softdec::SocketSource>(input.substr(6), false), true};
     if (input.starts_with("rtp://")) return {std::make_unique<softdec::SocketSource>(input.substr(6), true), true};
-    if (input.ends_with(".pcap")) return {std::make_unique<softdec::PcapSource>(input)};
-    if (input.ends_with(".ts")) return {std::make_unique<softdec::FileSource>(input)};
+    for (const char* ending : {".pcap", ".pcapng", ".cap"})
+        if (input.ends_with(ending)) return {std::make_unique<softdec::PcapSource>(input)};
+    for (const char* ending : {".ts", ".m2ts", ".mts", ".trp"})
+        if (input.ends_with(ending)) return {std::make_unique<softdec::FileSource>(input)};
     throw softdec::InputError(input + ": expected FILE.pcap, FILE.ts, udp://[GROUP@]ADDRESS:PORT or rtp://[GROUP@]ADDRESS:PORT");
 }
 

@@ -16,6 +16,13 @@ namespace
 /** ST 2022-1 allows 100 packets in a matrix; senders that go further exist, and so far they are received. */
 constexpr int largest_matrix = 1024;
 
+/** Whether what ST 2022-1 gives one value alone has it. The neighbouring ports may be those of another stream. */
+bool is_fec(const std::uint8_t* header)
+{
+    const unsigned type_and_index = header[12] & 0x3fU;
+    return smpte_fec_get_mask(header) == 0 && type_and_index == 0 && smpte_fec_get_snbase_ext(header) == 0;
+}
+
 } // namespace
 
 std::optional<std::vector<std::uint8_t>> FecPacket::rebuild(std::int64_t missing, const MediaBytes& media) const
@@ -46,6 +53,7 @@ std::optional<FecPacket> parse_fec(std::span<const std::uint8_t> payload, std::i
 {
     if (payload.size() <= SMPTE_2022_FEC_HEADER_SIZE) return std::nullopt;
     const std::uint8_t* const header = payload.data();
+    if (!is_fec(header)) return std::nullopt;
     FecPacket packet;
     packet.row = smpte_fec_check_d(header);
     packet.first = extend_sequence(smpte_fec_get_snbase_low(header), reference);

@@ -30,6 +30,7 @@ void RtpReceiver::receive(const Datagram& datagram)
 
 void RtpReceiver::receive_media(const Datagram& datagram)
 {
+    if (is_rtcp(datagram.bytes)) return;
     const auto packet = parse_rtp(datagram.bytes);
     if (!packet)
     {
@@ -87,7 +88,9 @@ void RtpReceiver::receive_fec(const Datagram& datagram)
     auto packet = rtp ? parse_fec(rtp->payload, newest_) : std::nullopt;
     if (!packet || packet->row != (datagram.channel == Channel::row_fec))
     {
-        ++counts_.invalid;
+        // Without FEC its ports may be another stream's.
+        const bool expected = (datagram.channel == Channel::row_fec ? counts_.row_fec : counts_.column_fec) != 0;
+        if (expected && !is_rtcp(datagram.bytes)) ++counts_.invalid;
         return;
     }
     if (packet->row)

@@ -32,7 +32,7 @@ struct RtpCounts
     std::uint64_t lost = 0;           /**< those of them that were not */
     std::uint64_t missing_column = 0; /**< column FEC packets that did not arrive */
     std::uint64_t missing_row = 0;    /**< row FEC packets that did not arrive */
-    std::uint64_t invalid = 0;        /**< datagrams that are no RTP, or no FEC where FEC is expected */
+    std::uint64_t invalid = 0;        /**< datagrams that are no RTP, or no FEC where FEC has come */
     int columns = 0;                  /**< of the FEC matrix; 0 = not known yet */
     int rows = 0;                     /**< of the FEC matrix; 0 = not known yet */
     bool block_aligned = false;       /**< all columns of a matrix begin in its first row */

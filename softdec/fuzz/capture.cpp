@@ -1,4 +1,4 @@
-/* The frames of a capture: any bytes as an Ethernet frame and as an IP packet. */
+/* The frames of a capture: any bytes as a frame of Ethernet, as one of a cooked capture, and as an IP packet. */
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -9,7 +9,7 @@
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     const std::span<const std::uint8_t> frame(data, size);
-    for (const auto packet : {softdec::ip_in_ethernet(frame), frame})
+    for (const auto packet : {softdec::ip_in_frame(frame, 12, 14), softdec::ip_in_frame(frame, 0, 20), frame})
     {
         const auto udp = softdec::udp_in_ip(packet);
         if (!udp) continue;

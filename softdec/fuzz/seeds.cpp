@@ -29,6 +29,21 @@ void write(const std::filesystem::path& directory, const std::string& name, cons
         .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
 }
 
+/** An I picture and a P picture of MPEG video with all headers that it may have (ISO/IEC 13818-2), and slices that say nothing. */
+const Bytes mpeg_video = {
+    0, 0, 1, 0xb3, 0x16, 0x01, 0x20, 0x23, 0x04, 0xe2, 0x23, 0x80,                         // sequence: 352 x 288, 4:3, 25 pictures a second
+    0, 0, 1, 0xb5, 0x14, 0x82, 0x00, 0x01, 0x00, 0x00,                                     // of Main profile at Main level, interlaced
+    0, 0, 1, 0xb5, 0x23, 0x05, 0x05, 0x05, 0x05, 0x82, 0x09, 0x00,                         // to be shown as ITU-R BT.470
+    0, 0, 1, 0xb8, 0x04, 0x28, 0x62, 0x40,                                                 // group of pictures: 01:02:03:04, closed
+    0, 0, 1, 0x00, 0x00, 0x0f, 0xff, 0xf8,                                                 // picture: I
+    0, 0, 1, 0xb5, 0x8f, 0xff, 0xf3, 0x80, 0x00,                                           // a frame, top field first
+    0, 0, 1, 0xb2, 'G',  'A',  '9',  '4',  0x03, 0xc1, 0xff, 0xfc, 0x94, 0x20, 0xff,       // captions
+    0, 0, 1, 0xb2, 'D',  'T',  'G',  '1',  0x41, 0xf8,                                     // active format
+    0, 0, 1, 0x01, 0x0b, 0xfc, 0x55, 0xaa, 0,    0,    1,    0x02, 0x0b, 0xfc, 0x55, 0xaa, // slices
+    0, 0, 1, 0x00, 0x00, 0x57, 0xff, 0xfb, 0x80, 0,    0,    1,    0xb5, 0x81, 0x1f, 0xf3, 0x80, 0, // picture: P
+    0, 0, 1, 0x01, 0x0b, 0xfc, 0x55, 0xaa, 0,    0,    1,    0xb7,                                  // slice, end of the sequence
+};
+
 /** The first pictures of a transport stream's video. */
 Bytes video_of(const Bytes& stream)
 {
@@ -66,6 +81,9 @@ int main(int argc, char** argv)
         video.insert(video.begin(), std::string(name).starts_with("h265") ? 1 : 0);
         write(seeds / "softdec-framer", name, video);
     }
+    Bytes video = {2};
+    video.insert(video.end(), mpeg_video.begin(), mpeg_video.end());
+    write(seeds / "softdec-framer", "mpeg2", video);
     const Bytes capture = read(streams / "rtp-fec.pcap");
     constexpr std::size_t file_header = 24;
     constexpr std::size_t frame_header = 16;

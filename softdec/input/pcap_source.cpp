@@ -42,7 +42,7 @@ PcapSource::PcapSource(const std::string& path) : path_(path), link_type_(0)
         throw InputError(path + ": not a packet capture: " + message);
     }
     link_type_ = pcap_datalink(capture_.get());
-    for (const int known : {DLT_EN10MB, DLT_RAW, DLT_NULL, DLT_LOOP, DLT_LINUX_SLL, DLT_LINUX_SLL2})
+    for (const int known : {DLT_EN10MB, DLT_RAW, DLT_IPV4, DLT_IPV6, DLT_NULL, DLT_LOOP, DLT_LINUX_SLL, DLT_LINUX_SLL2})
         if (link_type_ == known) return;
     throw InputError(path + ": frames of link type " + std::to_string(link_type_) +
                      ", but Ethernet, raw IP, loopback or Linux \"any\" expected");
@@ -50,17 +50,16 @@ PcapSource::PcapSource(const std::string& path) : path_(path), link_type_(0)
 
 std::optional<UdpFrame> PcapSource::udp_in(std::span<const std::uint8_t> frame) const
 {
-    std::size_t header = 0;
+    constexpr std::size_t address_family = 4;
     switch (link_type_)
     {
-    case DLT_EN10MB: return udp_in_ip(ip_in_ethernet(frame));
+    case DLT_EN10MB: return udp_in_ip(ip_in_frame(frame, 12, 14));
+    case DLT_LINUX_SLL: return udp_in_ip(ip_in_frame(frame, 14, 16));
+    case DLT_LINUX_SLL2: return udp_in_ip(ip_in_frame(frame, 0, 20));
     case DLT_NULL:
-    case DLT_LOOP: header = 4; break;
-    case DLT_LINUX_SLL: header = 16; break;
-    case DLT_LINUX_SLL2: header = 20; break;
-    default: break; // raw IP
+    case DLT_LOOP: return frame.size() < address_family ? std::nullopt : udp_in_ip(frame.subspan(address_family));
+    default: return udp_in_ip(frame);
     }
-    return frame.size() < header ? std::nullopt : udp_in_ip(frame.subspan(header));
 }
 
 std::optional<Channel> PcapSource::channel_of(const UdpFrame& frame)
@@ -110,8 +109,10 @@ Source::Result PcapSource::next(Datagram& datagram)
             ++network.errors;
             continue;
         }
+        // libpcap takes the 32 bits of the older format for a number with a sign, which they are not: they last until 2106.
+        const auto seconds = header->ts.tv_sec < 0 ? static_cast<std::uint32_t>(header->ts.tv_sec) : header->ts.tv_sec;
         // With nanosecond precision the field of microseconds holds nanoseconds.
-        datagram = {.channel = *channel, .arrival = header->ts.tv_sec * second + header->ts.tv_usec, .bytes = frame->payload};
+        datagram = {.channel = *channel, .arrival = seconds * second + header->ts.tv_usec, .bytes = frame->payload};
         return Result::datagram;
     }
 }

@@ -41,6 +41,14 @@ std::optional<RtpPacket> parse_rtp(std::span<const std::uint8_t> bytes)
                      .payload = bytes.subspan(header, bytes.size() - header - padding)};
 }
 
+bool is_rtcp(std::span<const std::uint8_t> bytes)
+{
+    // The packet type stands where RTP has the marker and the payload type, of which these values are kept free.
+    constexpr std::uint8_t first = 192;
+    constexpr std::uint8_t last = 223;
+    return bytes.size() >= 4 && rtp_check_hdr(bytes.data()) && bytes[1] >= first && bytes[1] <= last;
+}
+
 bool is_rtp_transport_stream(std::span<const std::uint8_t> bytes)
 {
     const auto packet = parse_rtp(bytes);

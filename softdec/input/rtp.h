@@ -24,6 +24,9 @@ struct RtpPacket
 /** Parses an RTP packet. @return nothing if the bytes are none */
 std::optional<RtpPacket> parse_rtp(std::span<const std::uint8_t> bytes);
 
+/** Whether a datagram's payload is a packet of RTCP, which may come on the port of the stream (RFC 5761). */
+bool is_rtcp(std::span<const std::uint8_t> bytes);
+
 /** Bytes of a transport stream packet with the check bytes of a broadcast's Reed-Solomon code behind it (ETSI EN 300 429). */
 inline constexpr std::size_t packet_size_with_check_bytes = 204;
 

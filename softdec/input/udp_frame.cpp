@@ -37,19 +37,39 @@ std::optional<UdpFrame> udp_after(Bytes packet, std::size_t header, std::size_t 
     return frame;
 }
 
+/** Behind the extension headers that any packet may have; fragments are not put together. */
+std::optional<UdpFrame> udp_in_ipv6(Bytes packet)
+{
+    constexpr unsigned hop_by_hop = 0;
+    constexpr unsigned routing = 43;
+    constexpr unsigned destination_options = 60;
+    std::size_t header = 40;
+    if (packet.size() < header) return std::nullopt;
+    unsigned next = packet[6];
+    while (next == hop_by_hop || next == routing || next == destination_options)
+    {
+        if (packet.size() < header + 2) return std::nullopt;
+        next = packet[header];
+        header += (packet[header + 1] + 1U) * 8;
+    }
+    return next == protocol_udp ? udp_after(packet, header, 8, 16, AF_INET6) : std::nullopt;
+}
+
 } // namespace
 
-Bytes ip_in_ethernet(Bytes frame)
+Bytes ip_in_frame(Bytes frame, std::size_t type_at, std::size_t header)
 {
     constexpr unsigned ipv4 = 0x0800;
     constexpr unsigned ipv6 = 0x86dd;
-    std::size_t type_at = 12;
-    while (frame.size() >= type_at + 2)
+    constexpr std::size_t tag = 4;
+    while (frame.size() >= header)
     {
         const unsigned type = big_endian_16(frame, type_at);
-        if (type == ipv4 || type == ipv6) return frame.subspan(type_at + 2);
-        if (type != 0x8100 && type != 0x88a8) return {};
-        type_at += 4;
+        if (type == ipv4 || type == ipv6) return frame.subspan(header);
+        if (type != 0x8100 && type != 0x88a8 && type != 0x9100) return {};
+        // The type of what a tag is in front of stands at its end.
+        type_at = header + tag - 2;
+        header += tag;
     }
     return {};
 }
@@ -63,15 +83,14 @@ std::optional<UdpFrame> udp_in_ip(Bytes packet)
         if (header < 20 || packet.size() < header || packet[9] != protocol_udp) return std::nullopt;
         const unsigned fragment = big_endian_16(packet, 6);
         if ((fragment & 0x1fff) != 0) return std::nullopt;
-        const std::size_t length = std::max<std::size_t>(big_endian_16(packet, 2), header);
+        // A sender whose network adapter fills in the length leaves 0 in it, which a capture on that machine sees.
+        const unsigned told = big_endian_16(packet, 2);
+        const std::size_t length = told == 0 ? packet.size() : std::max<std::size_t>(told, header);
         auto frame = udp_after(packet.first(std::min(packet.size(), length)), header, 12, 4, AF_INET);
         if (frame && (fragment & 0x2000) != 0) frame->whole = false;
         return frame;
     }
-    // Extension headers are not followed: streams have none.
-    constexpr std::size_t ipv6_header = 40;
-    if (packet[0] >> 4 == 6 && packet.size() >= ipv6_header && packet[6] == protocol_udp)
-        return udp_after(packet, ipv6_header, 8, 16, AF_INET6);
+    if (packet[0] >> 4 == 6) return udp_in_ipv6(packet);
     return std::nullopt;
 }
 

@@ -32,8 +32,13 @@ struct UdpFrame
     bool whole = false; /**< nothing of the payload is missing: neither cut by the capture nor a fragment */
 };
 
-/** Finds the IP packet in an Ethernet frame, behind any VLAN tags. @return the packet; empty = none */
-std::span<const std::uint8_t> ip_in_ethernet(std::span<const std::uint8_t> frame);
+/**
+ * Finds the IP packet in a frame, behind any VLAN tags.
+ * @param type_at where the EtherType of what follows the header stands
+ * @param header  size of the header, with the type in it [bytes]
+ * @return the packet; empty = none
+ */
+std::span<const std::uint8_t> ip_in_frame(std::span<const std::uint8_t> frame, std::size_t type_at, std::size_t header);
 
 /** Finds the UDP datagram in an IP packet. @return nothing if there is none, or only a later fragment of one */
 std::optional<UdpFrame> udp_in_ip(std::span<const std::uint8_t> packet);

@@ -104,7 +104,7 @@ void VideoOutput::step(std::optional<Ticks> stc)
         const bool follows = shown_ && picture.time_base == time_base_;
         // The time between the one shown and this one was filled with the one shown, a period at a time. The last pictures of a
         // stream that is cut off lack some between them, which is no fault of an output.
-        while (!ended_ && lacks_some_before(picture)) replay();
+        if (!ended_ && lacks_some_before(picture)) replay_to(picture.pts);
         // One whose successor is due as well has missed its turn.
         const bool missed = !waiting_.empty() && waiting_.begin()->pts <= *stc && *stc - waiting_.begin()->pts > period_;
         if (missed && follows && *stc - picture.pts > 2 * period_)
@@ -114,7 +114,12 @@ void VideoOutput::step(std::optional<Ticks> stc)
     }
     if (ended_) return;
     if (waiting_.empty() && *stc - next_ < longest_without_next) return;
-    while (shown_ && next_ + patience() <= *stc && (waiting_.empty() || lacks_some_before(*waiting_.begin()))) replay();
+    if (!shown_) return;
+    const Ticks passed = *stc + 1;
+    if (waiting_.empty())
+        replay_to(passed);
+    else if (lacks_some_before(*waiting_.begin()))
+        replay_to(std::min(passed, waiting_.begin()->pts));
 }
 
 /** Whether pictures are absent between the one shown and the next one, which comes later than usual. */
@@ -171,11 +176,15 @@ void VideoOutput::skip()
     record_.tCounters.tLastSkippedOutputFrame = last_irregular_ = clock_.seconds();
 }
 
-void VideoOutput::replay()
+/** Counts in one go: the clock of a broken input may leap by years. */
+void VideoOutput::replay_to(Ticks end)
 {
-    ++record_.tCounters.nNumReplayedOutputFrames;
+    const Ticks lacking = end - next_ - patience();
+    if (lacking <= 0) return;
+    const Ticks count = (lacking + period_ - 1) / period_;
+    record_.tCounters.nNumReplayedOutputFrames += static_cast<SMGR_COUNTER>(count);
     record_.tCounters.tLastReplayedOutputFrame = last_irregular_ = clock_.seconds();
-    next_ += period_;
+    next_ += count * period_;
 }
 
 } // namespace softdec

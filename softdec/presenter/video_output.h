@@ -63,7 +63,7 @@ private:
     bool lacks_some_before(const Waiting& next) const;
     void note_step(const Waiting& next);
     void skip();
-    void replay();
+    void replay_to(Ticks end);
 
     const VirtualClock& clock_;
     SMGR_VCUDEC_STATS& record_;

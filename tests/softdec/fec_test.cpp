@@ -259,6 +259,39 @@ TEST(Rtp, CountsWhatIsLostWithoutFec)
     EXPECT_EQ(counts.recovered, 0U);
 }
 
+/** The ports that FEC would have are those of other streams as well. */
+TEST(Rtp, LeavesOtherStreamsAlone)
+{
+    const auto own = media_packets(1000);
+    const auto others = rtp(datagrams(repeat(read_stream("h264i-mp2.ts"), 2)), 65'000);
+    std::vector<Arrival> packets;
+    for (std::size_t i = 0; i < own.size(); ++i)
+    {
+        packets.push_back(own[i]);
+        for (const Channel channel : {Channel::column_fec, Channel::row_fec})
+            packets.push_back({.channel = channel, .moment = own[i].moment, .bytes = others[i % others.size()].bytes});
+    }
+    const auto counts = receive(packets).counts;
+    EXPECT_EQ(counts.media, own.size());
+    EXPECT_EQ(counts.column_fec + counts.row_fec + counts.invalid + counts.missing, 0U);
+    EXPECT_EQ(faults_of(run(packets)->records()), faults_of(run(own)->records()));
+}
+
+TEST(Rtp, IsNotDisturbedByRtcp)
+{
+    auto packets = media_packets(60'000);
+    const std::size_t media = packets.size();
+    // A sender report, and a source description behind it (RFC 3550, 6.4.1 and 6.5).
+    const Bytes report = {0x80, 200, 0, 6, 1, 2, 3, 4,    0xe8, 0,   0, 0, 0, 0, 0, 0, 0, 0, 0,   0,
+                          0,    0,   0, 1, 0, 0, 5, 0x24, 0x81, 202, 0, 2, 1, 2, 3, 4, 1, 1, 's', 0};
+    for (std::size_t at = 30; at < packets.size(); at += 30)
+        packets.insert(packets.begin() + static_cast<std::ptrdiff_t>(at),
+                       {.channel = Channel::media, .moment = packets[at].moment, .bytes = report});
+    const auto counts = receive(packets).counts;
+    EXPECT_EQ(counts.media, media);
+    EXPECT_EQ(counts.missing + counts.invalid, 0U);
+}
+
 TEST(Rtp, FollowsASenderThatBeginsAnew)
 {
     auto packets = media_packets(1000);

@@ -401,6 +401,17 @@ TEST_P(Injection, GarbageVideo)
     expect_fault(faults, "", 0, damage);
 }
 
+/** As in a capture with a damaged time stamp. Each of its periods without a picture counts. */
+TEST(ArrivalTimes, MayLeapByYears)
+{
+    auto arrivals = datagrams(read_stream("h264-aac.ts"));
+    constexpr std::int64_t leap = 10LL * 365 * 86'400;
+    for (std::size_t i = arrivals.size() / 2; i < arrivals.size(); ++i) arrivals[i].moment += leap * softdec::second;
+    const auto chain = run(arrivals);
+    EXPECT_NEAR(static_cast<double>(chain->records().vdecoder.tCounters.nNumReplayedOutputFrames), leap * 25.0, leap * 0.25);
+    EXPECT_EQ(+chain->records().tdemux.tCounters.nNumReceivedPackets, arrivals.size());
+}
+
 INSTANTIATE_TEST_SUITE_P(All, Injection, testing::Values("h264-aac.ts", "h265-ac3.ts", "h264i-mp2.ts"),
                          [](const auto& stream) { return test_name(stream.param); });
 
