@@ -53,19 +53,20 @@ template <std::size_t size> void write_slot(Slot& slot, std::uint64_t moment, co
     Word* to = words(slot);
     const std::uint64_t writing = begin_writing(slot, moment);
     constexpr std::size_t whole = size / 8;
-    constexpr std::size_t fours = whole / 4 * 4;
-    for (std::size_t i = 0; i < fours; i += 4) // written out: a compiler leaves a loop over atomic words as it is
+    constexpr std::size_t eights = whole / 8 * 8;
+    const auto move = [to, from](std::size_t i) { to[i].store(word_at(from + 8 * i), std::memory_order_relaxed); };
+    for (std::size_t i = 0; i < eights; i += 8) // written out: a compiler leaves a loop over atomic words as it is
     {
-        const std::uint64_t a = word_at(from + 8 * i);
-        const std::uint64_t b = word_at(from + 8 * i + 8);
-        const std::uint64_t c = word_at(from + 8 * i + 16);
-        const std::uint64_t d = word_at(from + 8 * i + 24);
-        to[i].store(a, std::memory_order_relaxed);
-        to[i + 1].store(b, std::memory_order_relaxed);
-        to[i + 2].store(c, std::memory_order_relaxed);
-        to[i + 3].store(d, std::memory_order_relaxed);
+        move(i);
+        move(i + 1);
+        move(i + 2);
+        move(i + 3);
+        move(i + 4);
+        move(i + 5);
+        move(i + 6);
+        move(i + 7);
     }
-    for (std::size_t i = fours; i < whole; ++i) to[i].store(word_at(from + 8 * i), std::memory_order_relaxed);
+    for (std::size_t i = eights; i < whole; ++i) move(i);
     if constexpr (size % 8 != 0) to[whole].store(word_at<size % 8>(from + 8 * whole), std::memory_order_relaxed);
 
     slot.sequence.store(writing + 1, std::memory_order_release);
