@@ -50,7 +50,7 @@ std::optional<UdpFrame> udp_in_ipv6(Bytes packet)
     {
         if (packet.size() < header + 2) return std::nullopt;
         next = packet[header];
-        header += (packet[header + 1] + 1U) * 8;
+        header += 8 * (std::size_t{packet[header + 1]} + 1);
     }
     return next == protocol_udp ? udp_after(packet, header, 8, 16, AF_INET6) : std::nullopt;
 }
