@@ -150,6 +150,14 @@ class Command(unittest.TestCase):
         self.refuse(1, "/nowhere/", CAPTURE, "--records", "/nowhere")
         self.refuse(1, "/nowhere", CAPTURE, "--name", "one", "--directory", "/nowhere")
 
+    def test_names_of_files(self):
+        for name, endings in ((CAPTURE, ("pcap", "pcapng", "cap")), (os.path.join(STREAMS, "h264-aac.ts"), ("ts", "m2ts", "mts", "trp"))):
+            data = pathlib.Path(name).read_bytes()
+            for ending in endings:
+                result = run(self.write("stream." + ending, data), "--no-decode", "--report")
+                self.assertEqual((result.returncode, result.stderr), (0, ""), ending)
+                self.assertIn("\n  Program Number        : 1\n", result.stdout, ending)
+
     def test_broken_files(self):
         self.refuse(2, self.write("a.pcap", b"no capture"), os.path.join(self.directory.name, "a.pcap"))
         with open(CAPTURE, "rb") as file:

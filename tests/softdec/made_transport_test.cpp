@@ -78,12 +78,11 @@ Bytes with_maps_of(const Bytes& stream, const Bytes& other, std::size_t until, u
                          [&](double share) { return share * static_cast<double>(result.size()) < static_cast<double>(until) ? 3 : 4; });
 }
 
-/** A picture each so many seconds, whose PES packet does not tell its length, and sound. @param lead see Multiplex */
-Bytes slides(int seconds, softdec::Ticks lead)
+/** A picture each second, whose PES packet does not tell its length, and sound. @param lead see Multiplex */
+Bytes slides(softdec::Ticks lead)
 {
     Stream stream = video();
-    stream.packets =
-        packetize(encode(VideoCoding{.rate = 1, .per = seconds, .bits = 30'000, .group = 5, .b_pictures = 0, .frames = 20 / seconds}));
+    stream.packets = packetize(encode(VideoCoding{.rate = 1, .bits = 30'000, .group = 5, .b_pictures = 0, .frames = 20}));
     return multiplex({.streams = {stream, sound()}, .lead = lead});
 }
 
@@ -131,8 +130,8 @@ const Shape shapes[] = {
      [] {
          return multiplex({.streams = {video(), sound()}, .rate = 500e3, .pcr_pid = 8190});
      }},
-    {"PicturesEachSecond", [] { return slides(1, 110'000); }},
-    {"PicturesEachSecondSoonShown", [] { return slides(1, 40'000); }},
+    {"PicturesEachSecond", [] { return slides(110'000); }},
+    {"PicturesEachSecondSoonShown", [] { return slides(40'000); }},
     {"SentLongAhead",
      [] {
          return multiplex({.streams = {video(), sound()}, .lead = 270'000});
